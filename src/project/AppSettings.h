@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+/// The settings of one user: recent projects and the three behaviour flags, in the platform's settings store.
+class AppSettings
+{
+public:
+    QStringList recentProjectList; ///< names, most recently added first
+    QVariantMap recentProjects;    ///< name to full path
+    bool autoLoad = false;
+    bool autoRecord = false;
+    bool keepAlive = false;
+
+    void load();
+    bool save() const;
+    /// Writes the three flags only.
+    bool saveAutoFlags() const;
+
+    /// Drops the projects whose file is gone; the store is not written.
+    void pruneRecentProjects();
+    /// Puts a project that is not listed yet in front and saves; a listed name stays where and as it is.
+    void addRecentProject(const QString &name, const QString &path);
+    /// The path to load at start, or an empty text when auto-load is off or nothing is listed.
+    QString autoLoadPath() const;
+};
