@@ -10,6 +10,7 @@
 
 class AbstractDevice;
 class TelnetDevice;
+struct Reading;
 
 /// The range within which a channel is silent, both channels; a channel whose minimum equals its maximum never alarms.
 struct AlarmRange
@@ -121,4 +122,71 @@ public slots:
     void deviceConnected();
     void deviceDisconnected();
     void slotWriteStartSync();
+
+private:
+    /// Which command of the exchange is waiting for its acknowledgement.
+    enum class Exchange { Idle = 0, Started = 1, Max1Sent = 3, Min2Sent = 4, Max2Sent = 5, RuleSent = 6, SetSent = 7 };
+
+    bool restsFromPolling() const;
+    void countMissedReply();
+    void stampPollTime();
+
+    void takeReading(const Reading &reading);
+    void judgeAlarms(double value1, double value2);
+    void addToHistory(double time, double value1, double value2);
+    void pushReading();
+    void record(double value1, double value2);
+
+    void takeExchangeReply(const QString &reply);
+    bool sendNextCommand();
+    bool sendRule();
+    bool sendCommand(const QString &command);
+    void endExchange(const std::function<void()> &report, const char *logText, const QString &reply);
+    void releaseLinkFromExchange();
+    bool closesAfterExchange() const;
+
+    bool m_connected = false;
+    bool m_recording = false;
+    bool m_displayPollOutstanding = false;
+    bool m_alarm1 = false;
+    bool m_alarm2 = false;
+    bool m_keepConnection = false;
+    QString m_ch1Value;
+    QString m_ch2Value;
+    QString m_deviceName;
+    QString m_ch1Name;
+    QString m_ch2Name;
+    const QString m_serialNumber;
+    QString m_address;
+    quint16 m_port = defaultDevicePort;
+    const int m_interfaceKind;
+    QString m_ch1CustomUnit;
+    QString m_ch2CustomUnit;
+    qint32 m_ch1Unit = 0;
+    qint32 m_ch2Unit = 0;
+    AlarmRange m_alarmRange;
+    QString m_buzzerAlarm = QStringLiteral("OFF");
+    AlarmRange m_pendingAlarmRange;
+    QString m_pendingBuzzerAlarm = QStringLiteral("OFF");
+    int m_dashboardNumber = 0;
+
+    Clock m_clock;
+    QDateTime m_lastRecordedTime;
+    QDateTime m_pollTime;
+    qint64 m_pollMs = 0; ///< m_pollTime since the epoch; time zones make that conversion too dear for every reading
+
+    int m_missedReplies = 0;
+    int m_unansweredPolls = 0; ///< on the connection that stands
+    History m_times;
+    History m_history1;
+    History m_history2;
+
+    ListEntry *m_listItem = nullptr;
+    LiveChart *m_chartView = nullptr;
+    ChannelTile *m_tile1 = nullptr;
+    ChannelTile *m_tile2 = nullptr;
+
+    std::unique_ptr<AbstractDevice> m_link;
+    TelnetDevice *m_telnet = nullptr; ///< the link, where it is a network link
+    Exchange m_exchange = Exchange::Idle;
 };

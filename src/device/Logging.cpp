@@ -1,0 +1,3 @@
+#include "device/Logging.h"
+
+Q_LOGGING_CATEGORY(deviceLog, "sorvanto.device")
