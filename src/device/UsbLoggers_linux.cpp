@@ -1,0 +1,67 @@
+#include "device/UsbLoggerRules.h"
+#include "device/UsbLoggers.h"
+
+#include <libudev.h>
+#include <memory>
+#include <optional>
+
+namespace {
+
+struct Unref
+{
+    void operator()(udev *context) const { udev_unref(context); }
+    void operator()(udev_enumerate *enumeration) const { udev_enumerate_unref(enumeration); }
+    void operator()(udev_device *device) const { udev_device_unref(device); }
+};
+template <typename T>
+using Handle = std::unique_ptr<T, Unref>;
+
+QString attribute(udev_device *device, const char *name)
+{
+    return QString::fromUtf8(udev_device_get_sysattr_value(device, name));
+}
+
+QString portNameOf(udev_device *terminal)
+{
+    QString node = QString::fromUtf8(udev_device_get_devnode(terminal));
+    const QLatin1String folder("/dev/");
+    return node.startsWith(folder) ? node.mid(folder.size()) : node;
+}
+
+std::optional<UsbLogger> loggerAt(udev_device *terminal)
+{
+    // Belongs to the terminal, so it is not released here.
+    udev_device *usb = udev_device_get_parent_with_subsystem_devtype(terminal, "usb", "usb_device");
+    if (!usb || !isUsbLogger(attribute(usb, "idVendor"), attribute(usb, "idProduct")))
+        return std::nullopt;
+    UsbLogger logger{portNameOf(terminal), serialNumberFromDescription(attribute(usb, "product"))};
+    if (logger.portName.isEmpty() || logger.serialNumber.isEmpty())
+        return std::nullopt;
+    return logger;
+}
+
+} // namespace
+
+QList<UsbLogger> findUsbLoggers()
+{
+    QList<UsbLogger> loggers;
+    const Handle<udev> context(udev_new());
+    const Handle<udev_enumerate> enumeration(context ? udev_enumerate_new(context.get()) : nullptr);
+    // Without the pattern every virtual console (tty0 to tty63) would be read as well, which takes milliseconds.
+    if (!enumeration || udev_enumerate_add_match_subsystem(enumeration.get(), "tty") < 0 ||
+        udev_enumerate_add_match_sysname(enumeration.get(), "tty[A-Z]*") < 0 ||
+        udev_enumerate_scan_devices(enumeration.get()) < 0)
+        return loggers;
+
+    udev_list_entry *entry = nullptr;
+    udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumeration.get()))
+    {
+        const Handle<udev_device> terminal(
+            udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
+        if (!terminal)
+            continue;
+        if (const auto logger = loggerAt(terminal.get()))
+            loggers.append(*logger);
+    }
+    return loggers;
+}
