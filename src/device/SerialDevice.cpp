@@ -182,8 +182,9 @@ void SerialDevice::reportError(QSerialPort::SerialPortError error)
 void SerialDevice::closePort()
 {
     m_closePending = false;
-    if (isOpen())
-        m_port->close();
+    QSerialPort *port = m_port;
+    if (port && port->isOpen())
+        port->close();
 }
 
 void SerialDevice::closeFailedPort()

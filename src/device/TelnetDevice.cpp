@@ -40,16 +40,11 @@ bool TelnetDevice::isOpen()
 void TelnetDevice::close()
 {
     logDevice() << "TelnetDevice::close : buzzer flag :" << m_buzzerFlag << " [" << m_address << "]";
-    closeSocket();
+    if (QTcpSocket *socket = m_socket) {
+        socket->abort();
+        socket->close();
+    }
     m_connected = false;
-}
-
-void TelnetDevice::closeSocket()
-{
-    if (m_socket)
-        m_socket->abort();
-    if (m_socket)
-        m_socket->close();
 }
 
 bool TelnetDevice::open()
