@@ -94,17 +94,22 @@ void Conversation::slotFaultChanged()
         m_flood.start();
     else
         m_flood.stop();
-    if (m_logger->isDeaf())
-        forgetReplies();
-    else
-        slotRead();
+    m_pause.stop();
+    if (m_logger->isDeaf()) {
+        m_input.clear();
+        m_replies.clear();
+        return;
+    }
+    hurry();
+    slotRead();
 }
 
-void Conversation::forgetReplies()
+void Conversation::hurry()
 {
-    m_pause.stop();
-    m_input.clear();
-    m_replies.clear();
+    for (Reply &reply : m_replies) {
+        reply.delayMs = 0;
+        reply.pauseMs = 0;
+    }
 }
 
 void Conversation::slotFlood()

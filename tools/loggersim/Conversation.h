@@ -38,7 +38,8 @@ private:
     void slotFlood();
     void take(const QByteArray &command);
     void write(const QByteArray &bytes);
-    void forgetReplies();
+    /// What an earlier fault still holds back goes out at once.
+    void hurry();
 
     QIODevice *m_wire;
     SimLogger *m_logger;
