@@ -546,8 +546,9 @@ void tst_DevicePolling::mayBeDeletedInsideItsLinksReply()
     UsbPair usb;
     FakeTile tile;
     QPointer<ConfiguredDevice> device = new ConfiguredDevice("A1", kind);
-    tile.onValue = [&] {
-        delete device.data();
+    tile.onCall = [&] {
+        if (tile.calls.last().startsWith("value"))
+            delete device.data();
     };
     device->setTiles(&tile, nullptr);
     const bool isSerial = kind == UsbInterface;
