@@ -1,0 +1,7 @@
+#include "json/QJsonRoot.h"
+
+namespace json {
+
+QJsonRoot::~QJsonRoot() = default;
+
+} // namespace json
