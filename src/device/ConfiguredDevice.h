@@ -129,6 +129,7 @@ private:
     enum class Exchange { Idle = 0, Started = 1, Max1Sent = 3, Min2Sent = 4, Max2Sent = 5, RuleSent = 6, SetSent = 7 };
 
     bool restsFromPolling() const;
+    bool sendPoll();
     void countMissedReply();
     void stampPollTime();
 
