@@ -2,6 +2,7 @@
 
 #include "device/DataInterval.h"
 #include "device/Logging.h"
+#include "device/WireText.h"
 
 #include <QHostAddress>
 #include <QNetworkProxy>
@@ -40,16 +41,11 @@ bool TelnetDevice::isOpen()
 void TelnetDevice::close()
 {
     logDevice() << "TelnetDevice::close : buzzer flag :" << m_buzzerFlag << " [" << m_address << "]";
-    closeSocket();
+    if (QTcpSocket *socket = m_socket) {
+        socket->abort();
+        socket->close();
+    }
     m_connected = false;
-}
-
-void TelnetDevice::closeSocket()
-{
-    if (m_socket)
-        m_socket->abort();
-    if (m_socket)
-        m_socket->close();
 }
 
 bool TelnetDevice::open()
@@ -175,8 +171,7 @@ void TelnetDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_socket)
         return;
-    QString text = QString::fromLatin1(m_socket->readAll());
-    text.remove(QLatin1Char('\r'));
+    QString text = wireText(m_socket->readAll());
     if (!m_buzzerFlag) {
         if (closesAfterReply())
             close();

@@ -56,7 +56,6 @@ public slots:
 
 private:
     bool startConnecting();
-    void closeSocket();
     void sendPoll();
     void sendWhatIsDue();
     bool closesAfterReply() const;

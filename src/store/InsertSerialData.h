@@ -1,20 +1,32 @@
 #pragma once
 
 #include "store/PendingRow.h"
+#include "store/PendingRowFile.h"
 
 #include <QObject>
 #include <QSqlDatabase>
+#include <QSqlError>
+
+#include <functional>
+#include <set>
 
 /// The recording of one project: a connection to its SQLite file and the only writer of its readings.
 /// Devices append rows to one queue that the whole process shares; insertNow() moves the queue into the file.
+/// No call waits longer than about 50 ms for another program that has the file locked.
 class InsertSerialData : public QObject
 {
     Q_OBJECT
 
 public:
+    /// Bytes that can still be written in a folder.
+    using FreeSpace = std::function<quint64(const QString &folder)>;
+    static quint64 diskFreeSpace(const QString &folder);
+
     /// Nothing is opened yet. The connection will be registered as @p connectionPrefix + "filedb".
-    InsertSerialData(const QString &databaseFile, const QString &connectionPrefix, QObject *parent = nullptr);
-    /// Keeps the rows that still could not be written beside the recording, then closes it.
+    InsertSerialData(const QString &databaseFile, const QString &connectionPrefix, QObject *parent = nullptr,
+                     FreeSpace freeSpace = diskFreeSpace);
+    /// Tries once more to write the queue, keeps beside the recording what still could not be written, then closes
+    /// it. The queue of a store that was never open is left alone.
     ~InsertSerialData() override;
 
     /// Opens the file, makes the table where there is none and takes in rows that an earlier run had to leave
@@ -27,7 +39,7 @@ public:
     static int pendingCount();
 
     /// Writes the whole queue in one transaction. While the file is locked by another program or the disk is nearly
-    /// full the rows stay queued. A statement that fails loses its rows: the queue is emptied before it runs.
+    /// full the rows stay queued. A statement that fails loses its rows; those of a failed commit stay queued.
     void insertNow();
 
     /// Unix seconds of the earliest and the latest row; 0 for an empty table or a failed query.
@@ -35,8 +47,38 @@ public:
     quint32 endDateTime() const;
 
 signals:
-    /// Readings are not reaching the file. Emitted once until writing works again; @p reason is for the operator.
+    /// Readings are not reaching the file. Until writing works again each kind of failure (file in use, disk nearly
+    /// full, write refused, readings lost) is told once; @p reason is a sentence for the operator.
     void writingFailed(const QString &reason);
     /// The first successful write after writingFailed().
     void writingRestored();
+
+private:
+    enum class Failure { InUse, DiskNearlyFull, Waiting, Lost };
+
+    QSqlDatabase connection() const;
+    bool openConnection();
+    bool runPragmas() const;
+    bool createTable() const;
+    void takeInKeptRows();
+    void keepRows();
+    bool takeExclusiveLock();
+    QSqlError dropRowsAlreadyStored();
+    void writeBatch();
+    void fail(Failure kind, const QString &reason);
+    void failWaiting(const QSqlError &error);
+    void succeed();
+    quint32 rangeEnd(const char *function, const QString &query) const;
+
+    bool m_open = false;
+    QString m_databaseFile;
+    QString m_connectionName;
+    QString m_folder;
+    FreeSpace m_freeSpace;
+    PendingRowFile m_rowFile;
+    /// Every row of the side file is in the queue, too: once those are committed the file has done its work.
+    bool m_rowFileIsQueued = false;
+    /// So many rows at the front of the queue may be in the recording already.
+    int m_perhapsStored = 0;
+    std::set<Failure> m_failures;
 };

@@ -1,0 +1,371 @@
+#include "store/InsertSerialData.h"
+
+#include "store/InsertStatement.h"
+#include "store/Logging.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QSet>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+namespace {
+
+// Long enough for another program's short transaction, too short to be felt in the window.
+const QString connectOptions = QStringLiteral("QSQLITE_BUSY_TIMEOUT=50");
+
+// Without a journal a full disk ruins the whole file. This leaves room for a batch and for the side file.
+constexpr quint64 minimumFreeSpace = 16 * 1024 * 1024;
+
+std::vector<PendingRow> &queue()
+{
+    static std::vector<PendingRow> rows;
+    return rows;
+}
+
+void prepend(const std::vector<PendingRow> &front, std::vector<PendingRow> &rows)
+{
+    rows.insert(rows.begin(), front.begin(), front.end());
+}
+
+QString clockText()
+{
+    return QDateTime::currentDateTime().toString(QStringLiteral("hh:MM:ss.zzz"));
+}
+
+double channelValue(const QVariant &column)
+{
+    return column.isNull() ? noValue : column.toDouble();
+}
+
+} // namespace
+
+quint64 InsertSerialData::diskFreeSpace(const QString &folder)
+{
+    // A folder that cannot be asked reads as limitless: the write itself then tells what is wrong.
+    std::error_code ignored;
+    return std::filesystem::space(std::filesystem::u8path(folder.toStdString()), ignored).available;
+}
+
+InsertSerialData::InsertSerialData(const QString &databaseFile, const QString &connectionPrefix, QObject *parent,
+                                   FreeSpace freeSpace)
+    : QObject(parent),
+      m_databaseFile(databaseFile),
+      m_connectionName(connectionPrefix + QLatin1String("filedb")),
+      m_folder(QFileInfo(databaseFile).absolutePath()),
+      m_freeSpace(std::move(freeSpace)),
+      m_rowFile(databaseFile)
+{
+}
+
+InsertSerialData::~InsertSerialData()
+{
+    insertNow();
+    if (m_open)
+        keepRows();
+    if (QSqlDatabase::contains(m_connectionName)) {
+        {
+            QSqlDatabase database = connection();
+            database.commit();
+            database.close();
+        }
+        QSqlDatabase::removeDatabase(m_connectionName);
+        qCDebug(lcStore).noquote().nospace()
+            << "InsertSerialData::~InsertSerialData : QSqlDatabase::removeDatabase(" << m_connectionName << "\")";
+    }
+    qCDebug(lcStore).noquote().nospace() << "InsertSerialData::~InsertSerialData()";
+}
+
+bool InsertSerialData::createConnection()
+{
+    if (connection().isOpen()) {
+        m_open = true;
+        return true;
+    }
+    if (openConnection() && runPragmas() && createTable()) {
+        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
+        m_open = true;
+        takeInKeptRows();
+        return true;
+    }
+    // A later call must not take a connection that failed for a working one.
+    connection().close();
+    qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : fail";
+    return m_open;
+}
+
+bool InsertSerialData::isOpen() const
+{
+    return m_open;
+}
+
+void InsertSerialData::enqueue(const PendingRow &row)
+{
+    queue().push_back(row);
+}
+
+int InsertSerialData::pendingCount()
+{
+    return int(queue().size());
+}
+
+void InsertSerialData::insertNow()
+{
+    if (!m_open || queue().empty())
+        return;
+    if (m_freeSpace(m_folder) < minimumFreeSpace) {
+        fail(Failure::DiskNearlyFull,
+             QStringLiteral("The disk is nearly full. Readings wait in memory until there is space again."));
+        return;
+    }
+    if (takeExclusiveLock())
+        writeBatch();
+}
+
+quint32 InsertSerialData::startDateTime() const
+{
+    return rangeEnd("startDateTime", QStringLiteral("select min(pointDate) from ostrivane;"));
+}
+
+quint32 InsertSerialData::endDateTime() const
+{
+    return rangeEnd("endDateTime", QStringLiteral("select max(pointDate) from ostrivane;"));
+}
+
+QSqlDatabase InsertSerialData::connection() const
+{
+    return QSqlDatabase::database(m_connectionName, false);
+}
+
+bool InsertSerialData::openConnection()
+{
+    if (QSqlDatabase::contains(m_connectionName))
+        QSqlDatabase::removeDatabase(m_connectionName);
+    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    database.setDatabaseName(m_databaseFile);
+    database.setConnectOptions(connectOptions);
+    if (!database.open())
+        return false;
+    // SQLite opens a file it may not write without a word.
+    if (QFileInfo(m_databaseFile).isWritable())
+        return true;
+    qCWarning(lcStore).noquote().nospace()
+        << "InsertSerialData::createConnection : [ERROR] not writable : " << m_databaseFile;
+    return false;
+}
+
+bool InsertSerialData::runPragmas() const
+{
+    // The last message names another journal than its statement does. Both are meant to be as they are.
+    static constexpr struct
+    {
+        const char *statement;
+        const char *failure;
+    } pragmas[] = {
+        {"PRAGMA page_size = 4096", "PRAGMA page_size = 4096 : query error"},
+        {"PRAGMA cache_size = 65536", "PRAGMA cache_size = 65536 : query error"},
+        {"PRAGMA journal_mode = OFF", "PRAGMA journal_mode = MEMORY : query error"},
+    };
+    return std::all_of(std::begin(pragmas), std::end(pragmas), [this](const auto &pragma) {
+        const bool done = QSqlQuery(connection()).exec(QLatin1String(pragma.statement));
+        if (!done)
+            qCDebug(lcStore).noquote().nospace() << pragma.failure;
+        return done;
+    });
+}
+
+bool InsertSerialData::createTable() const
+{
+    QSqlQuery query(connection());
+    if (!query.exec(QStringLiteral("select name from sqlite_master where type='table' and name='ostrivane';"))) {
+        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : select table : query error";
+        return false;
+    }
+    if (query.next()) {
+        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : table exist";
+        return true;
+    }
+    if (!query.exec(QStringLiteral("create table ostrivane (\t\tid integer primary key autoincrement,"
+                                   "\t\tserialno varchar(18) not null, \t\tchannel1 float, channel2 float, "
+                                   "\t\tpointDate integer not null\t\t)"))) {
+        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : create table : query error";
+        return false;
+    }
+    qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : create table";
+    // The range queries would otherwise read the whole file. A recording without the index still works.
+    if (!query.exec(QStringLiteral("create index ostrivane_pointDate on ostrivane (pointDate)"))) {
+        qCWarning(lcStore).noquote().nospace()
+            << "InsertSerialData::createTable : [ERROR] create index : " << query.lastError().text();
+    }
+    return true;
+}
+
+/// Puts the side file's rows in front of the queue. The file stays until they are committed, so a crash may leave
+/// rows in both places: they count as perhaps stored.
+void InsertSerialData::takeInKeptRows()
+{
+    if (!m_rowFile.exists())
+        return;
+    const PendingRowFile::Content content = m_rowFile.read();
+    if (content.damaged) {
+        const QString aside = m_rowFile.setAside();
+        qCWarning(lcStore).noquote().nospace()
+            << "InsertSerialData::createConnection : [ERROR] damaged : " << m_rowFile.path()
+            << " : set aside as : " << aside;
+        m_rowFileIsQueued = !aside.isEmpty() && m_rowFile.write(content.rows);
+    } else {
+        m_rowFileIsQueued = true;
+    }
+    m_perhapsStored = int(content.rows.size());
+    prepend(content.rows, queue());
+}
+
+/// Moves what is left of the queue into the side file, behind the rows that this store has not taken over from it.
+void InsertSerialData::keepRows()
+{
+    if (queue().empty())
+        return;
+    std::vector<PendingRow> rows = std::exchange(queue(), {});
+    if (!m_rowFileIsQueued && m_rowFile.exists()) {
+        const PendingRowFile::Content content = m_rowFile.read();
+        if (content.damaged)
+            m_rowFile.setAside();
+        prepend(content.rows, rows);
+    }
+    if (m_rowFile.write(rows))
+        return;
+    qCWarning(lcStore).noquote().nospace() << "InsertSerialData::~InsertSerialData : [ERROR] " << rows.size()
+                                           << " rows could not be kept in " << m_rowFile.path();
+    fail(Failure::Lost, QStringLiteral("%1 readings could not be written and are lost.").arg(rows.size()));
+}
+
+/// The exclusive lock, before anything is touched: under any lesser one a mere reader makes the commit fail.
+bool InsertSerialData::takeExclusiveLock()
+{
+    // A failed commit may have left its transaction open. Ending none is harmless.
+    if (m_perhapsStored > 0)
+        connection().commit();
+    QSqlQuery query(connection());
+    if (!query.exec(QStringLiteral("BEGIN EXCLUSIVE"))) {
+        failWaiting(query.lastError());
+        return false;
+    }
+    const QSqlError error = dropRowsAlreadyStored();
+    if (error.type() == QSqlError::NoError)
+        return true;
+    connection().commit();
+    failWaiting(error);
+    return false;
+}
+
+/// Leaves out the rows at the front of the queue that an interrupted attempt did bring into the file after all.
+QSqlError InsertSerialData::dropRowsAlreadyStored()
+{
+    if (m_perhapsStored == 0)
+        return {};
+    const auto first = queue().begin();
+    const auto last = first + m_perhapsStored;
+    const auto range =
+        std::minmax_element(first, last, [](const PendingRow &a, const PendingRow &b) { return a.time < b.time; });
+    QSqlQuery query(connection());
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane "
+                                   "where pointDate between %1 and %2")
+                        .arg(range.first->time)
+                        .arg(range.second->time)))
+        return query.lastError();
+    QSet<QString> stored;
+    while (query.next()) {
+        stored += insertTerm({query.value(0).toString(), channelValue(query.value(1)), channelValue(query.value(2)),
+                              query.value(3).toUInt()});
+    }
+    queue().erase(std::remove_if(first, last, [&](const PendingRow &row) { return stored.contains(insertTerm(row)); }),
+                  last);
+    m_perhapsStored = 0;
+    return {};
+}
+
+/// Empties the queue into the file. The exclusive transaction is already open.
+void InsertSerialData::writeBatch()
+{
+    qCDebug(lcStore).noquote().nospace() << "InsertSerialData::insertNow : starttime : " << clockText();
+    const QStringList statements = insertStatements(queue());
+    const std::vector<PendingRow> batch = std::exchange(queue(), {});
+    for (const QString &statement : statements)
+        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::insertNow : query : " << statement;
+    qCDebug(lcStore).noquote().nospace() << "begin transaction : " << true;
+
+    QString firstError;
+    for (const QString &statement : statements) {
+        QSqlQuery query(connection());
+        const bool inserted = query.exec(statement);
+        const QString error = query.lastError().text();
+        qCDebug(lcStore).noquote().nospace() << "insert query : " << inserted;
+        qCDebug(lcStore).noquote().nospace() << "lastError : " << error;
+        if (!inserted && firstError.isEmpty())
+            firstError = error;
+    }
+    QSqlDatabase database = connection();
+    const bool committed = database.commit();
+    qCDebug(lcStore).noquote().nospace() << "commit transaction : " << committed;
+    qCDebug(lcStore).noquote().nospace() << "InsertSerialData::insertNow : endtime : " << clockText();
+
+    if (!committed) {
+        m_perhapsStored = int(batch.size());
+        prepend(batch, queue());
+        failWaiting(database.lastError());
+    } else if (!firstError.isEmpty()) {
+        m_rowFileIsQueued = false;
+        fail(Failure::Lost, QStringLiteral("Readings could not be written and are lost: %1").arg(firstError));
+    } else {
+        succeed();
+    }
+}
+
+/// Last step of every failing attempt: a receiver may call back into the store.
+void InsertSerialData::fail(Failure kind, const QString &reason)
+{
+    if (m_failures.insert(kind).second)
+        emit writingFailed(reason);
+}
+
+void InsertSerialData::failWaiting(const QSqlError &error)
+{
+    const QString code = error.nativeErrorCode();
+    if (code == QLatin1String("5") || code == QLatin1String("6")) { // SQLITE_BUSY, SQLITE_LOCKED
+        fail(Failure::InUse, QStringLiteral("The recording is in use by another program. "
+                                            "Readings wait in memory until it is free."));
+    } else {
+        fail(Failure::Waiting,
+             QStringLiteral("Readings could not be written and wait in memory: %1").arg(error.text()));
+    }
+}
+
+void InsertSerialData::succeed()
+{
+    if (std::exchange(m_rowFileIsQueued, false))
+        m_rowFile.remove();
+    if (!m_failures.empty()) {
+        m_failures.clear();
+        emit writingRestored();
+    }
+}
+
+quint32 InsertSerialData::rangeEnd(const char *function, const QString &query) const
+{
+    QSqlQuery range(connection());
+    if (!range.exec(query) || !range.next()) {
+        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::" << function << " : query error";
+        return 0;
+    }
+    const quint32 time = range.value(0).toUInt();
+    qCDebug(lcStore).noquote().nospace() << "InsertSerialData::" << function << " : "
+                                         << QDateTime::fromSecsSinceEpoch(time).toString(
+                                                QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+    return time;
+}

@@ -1,0 +1,104 @@
+#include "store/PendingRowFile.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+#include <optional>
+
+namespace {
+
+const QByteArray headerPrefix = QByteArrayLiteral("sorvanto-pending-rows 1 ");
+
+QByteArray headerLine(const std::vector<PendingRow> &rows)
+{
+    return headerPrefix + QByteArray::number(qulonglong(rows.size())) + '\n';
+}
+
+QByteArray line(const PendingRow &row)
+{
+    // Seventeen significant digits bring every double back exactly.
+    return QByteArray::number(row.time) + ' ' + QByteArray::number(row.channel1, 'g', 17) + ' ' +
+           QByteArray::number(row.channel2, 'g', 17) + ' ' + row.serial.toUtf8().toPercentEncoding() + '\n';
+}
+
+std::optional<PendingRow> parsed(const QByteArray &line)
+{
+    const QList<QByteArray> fields = line.chopped(line.endsWith('\n') ? 1 : 0).split(' ');
+    if (fields.size() != 4 || !line.endsWith('\n'))
+        return std::nullopt;
+    bool timeOk = false;
+    bool channel1Ok = false;
+    bool channel2Ok = false;
+    PendingRow row;
+    row.time = fields.at(0).toUInt(&timeOk);
+    row.channel1 = fields.at(1).toDouble(&channel1Ok);
+    row.channel2 = fields.at(2).toDouble(&channel2Ok);
+    row.serial = QString::fromUtf8(QByteArray::fromPercentEncoding(fields.at(3)));
+    if (!timeOk || !channel1Ok || !channel2Ok)
+        return std::nullopt;
+    return row;
+}
+
+} // namespace
+
+PendingRowFile::PendingRowFile(const QString &databaseFile) : m_path(databaseFile + QLatin1String(".pending")) {}
+
+QString PendingRowFile::path() const
+{
+    return m_path;
+}
+
+bool PendingRowFile::exists() const
+{
+    return QFile::exists(m_path);
+}
+
+PendingRowFile::Content PendingRowFile::read() const
+{
+    Content content;
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        content.damaged = file.exists();
+        return content;
+    }
+    QByteArray header;
+    if (file.peek(headerPrefix.size()) == headerPrefix)
+        header = file.readLine();
+    while (!file.atEnd()) {
+        if (const std::optional<PendingRow> row = parsed(file.readLine()))
+            content.rows.push_back(*row);
+        else
+            content.damaged = true;
+    }
+    if (header != headerLine(content.rows))
+        content.damaged = true;
+    return content;
+}
+
+bool PendingRowFile::write(const std::vector<PendingRow> &rows) const
+{
+    QSaveFile file(m_path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(headerLine(rows));
+    for (const PendingRow &row : rows)
+        file.write(line(row));
+    return file.commit();
+}
+
+bool PendingRowFile::remove() const
+{
+    return QFile::remove(m_path);
+}
+
+QString PendingRowFile::setAside() const
+{
+    // QFile::rename never replaces a file, so an older one set aside stays.
+    constexpr int attempts = 1000;
+    for (int i = 1; i <= attempts; ++i) {
+        const QString target = QStringLiteral("%1.damaged-%2").arg(m_path).arg(i);
+        if (!QFile::exists(target))
+            return QFile::rename(m_path, target) ? target : QString();
+    }
+    return {};
+}
