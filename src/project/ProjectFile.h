@@ -17,7 +17,7 @@ public:
 
     QString path() const;
 
-    /// First keys of a new project: name, interval and the database named after it.
+    /// First keys of a new project: name, interval and the database named after it; no key of an earlier one stays.
     bool create(const QString &projectName, int intervalMs);
     /// Stores the list and keeps the one before it as the backup.
     bool saveDevices(const QList<DeviceEntry> &devices);
