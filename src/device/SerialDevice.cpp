@@ -1,6 +1,7 @@
 #include "device/SerialDevice.h"
 
 #include "device/Logging.h"
+#include "device/WireText.h"
 
 SerialDevice::SerialDevice(QObject *parent) : QObject(parent), m_port(new QSerialPort(this))
 {
@@ -121,8 +122,7 @@ void SerialDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_port)
         return;
-    QString text = QString::fromLatin1(m_port->readAll());
-    text.remove(QLatin1Char('\r'));
+    QString text = wireText(m_port->readAll());
     if (!text.contains(QLatin1String("ATCD"))) {
         logDevice() << "[ERROR] SerialDevice::readData no 'ATCD' : [" << m_portName << "] :" << text;
         return;

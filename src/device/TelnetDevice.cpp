@@ -2,6 +2,7 @@
 
 #include "device/DataInterval.h"
 #include "device/Logging.h"
+#include "device/WireText.h"
 
 #include <QHostAddress>
 #include <QNetworkProxy>
@@ -170,8 +171,7 @@ void TelnetDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_socket)
         return;
-    QString text = QString::fromLatin1(m_socket->readAll());
-    text.remove(QLatin1Char('\r'));
+    QString text = wireText(m_socket->readAll());
     if (!m_buzzerFlag) {
         if (closesAfterReply())
             close();

@@ -23,11 +23,14 @@ void tst_ChannelUnit::textsOfUnits_data()
     QTest::addColumn<QString>("typeText");
     QTest::addColumn<QString>("besideTheValue");
     const QString degree(QChar(176));
-    QTest::newRow("undefined") << 0 << "Undefined" << "";
+    QTest::newRow("undefined") << 0 << "Undefined"
+                               << "";
     QTest::newRow("celsius") << 1 << "Temperature(" + degree + "C)" << degree + "C";
     QTest::newRow("fahrenheit") << 2 << "Temperature(" + degree + "F)" << degree + "F";
-    QTest::newRow("humidity") << 3 << "Humidity(%)" << "%RH";
-    QTest::newRow("custom") << 4 << "Custom" << "hPa";
+    QTest::newRow("humidity") << 3 << "Humidity(%)"
+                              << "%RH";
+    QTest::newRow("custom") << 4 << "Custom"
+                            << "hPa";
 }
 
 void tst_ChannelUnit::textsOfUnits()

@@ -98,9 +98,12 @@ void tst_Discovery::broadcastAddress_data()
 {
     QTest::addColumn<QString>("local");
     QTest::addColumn<QString>("broadcast");
-    QTest::newRow("private") << "192.168.7.23" << "192.168.7.255";
-    QTest::newRow("whatever the mask") << "10.1.2.3" << "10.1.2.255";
-    QTest::newRow("high bytes") << "254.255.128.1" << "254.255.128.255";
+    QTest::newRow("private") << "192.168.7.23"
+                             << "192.168.7.255";
+    QTest::newRow("whatever the mask") << "10.1.2.3"
+                                       << "10.1.2.255";
+    QTest::newRow("high bytes") << "254.255.128.1"
+                                << "254.255.128.255";
 }
 
 void tst_Discovery::broadcastAddress()
@@ -118,8 +121,8 @@ void tst_Discovery::localAddressBelongsToARunningInterface()
     const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
     for (const QNetworkInterface &interface : interfaces) {
         const auto flags = interface.flags();
-        const bool serves = (flags & QNetworkInterface::IsUp) && (flags & QNetworkInterface::IsRunning)
-                            && !(flags & QNetworkInterface::IsLoopBack) && !(flags & QNetworkInterface::IsPointToPoint);
+        const bool serves = (flags & QNetworkInterface::IsUp) && (flags & QNetworkInterface::IsRunning) &&
+                            !(flags & QNetworkInterface::IsLoopBack) && !(flags & QNetworkInterface::IsPointToPoint);
         const QList<QNetworkAddressEntry> entries = interface.addressEntries();
         for (const QNetworkAddressEntry &entry : entries) {
             if (serves && entry.ip().protocol() == QAbstractSocket::IPv4Protocol)

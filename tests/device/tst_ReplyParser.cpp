@@ -23,25 +23,44 @@ void tst_ReplyParser::readsOneLine_data()
     QTest::addColumn<double>("value1");
     QTest::addColumn<QString>("text2");
     QTest::addColumn<double>("value2");
-    QTest::newRow("plain") << "21.50,45.10" << "21.50" << 21.5 << "45.10" << 45.1;
-    QTest::newRow("rounded to two decimals") << "21.556,-0.125" << "21.56" << 21.556 << "-0.13" << -0.125;
-    QTest::newRow("whole numbers") << "21,-45" << "21.00" << 21.0 << "-45.00" << -45.0;
-    QTest::newRow("exponent") << "1e3,2.5e-1" << "1000.00" << 1000.0 << "0.25" << 0.25;
-    QTest::newRow("plus sign") << "+5,+6.5" << "5.00" << 5.0 << "6.50" << 6.5;
-    QTest::newRow("first missing") << "----,45.1" << "----" << noValue << "45.10" << 45.1;
-    QTest::newRow("second missing") << "21.5,----" << "21.50" << 21.5 << "----" << noValue;
-    QTest::newRow("missing is kept as sent") << "x-----y,-----" << "x-----y" << noValue << "-----" << noValue;
-    QTest::newRow("three dashes are no number") << "---,1" << "0.00" << 0.0 << "1.00" << 1.0;
-    QTest::newRow("words") << "warm,damp" << "0.00" << 0.0 << "0.00" << 0.0;
-    QTest::newRow("empty fields") << "," << "0.00" << 0.0 << "0.00" << 0.0;
-    QTest::newRow("number with a tail") << "21.5C,45.1%" << "0.00" << 0.0 << "0.00" << 0.0;
-    QTest::newRow("further fields") << "1,2,3,four" << "1.00" << 1.0 << "2.00" << 2.0;
-    QTest::newRow("nan") << "nan,NaN" << "0.00" << 0.0 << "0.00" << 0.0;
-    QTest::newRow("infinite") << "inf,-inf" << "0.00" << 0.0 << "0.00" << 0.0;
-    QTest::newRow("too large") << "1e400,-1e400" << "0.00" << 0.0 << "0.00" << 0.0;
-    QTest::newRow("quotes") << "','1" << "0.00" << 0.0 << "0.00" << 0.0;
-    QTest::newRow("hexadecimal") << "0x10,1" << "0.00" << 0.0 << "1.00" << 1.0;
-    QTest::newRow("decimal comma makes a field") << "21,5,45,1" << "21.00" << 21.0 << "5.00" << 5.0;
+    QTest::newRow("plain") << "21.50,45.10"
+                           << "21.50" << 21.5 << "45.10" << 45.1;
+    QTest::newRow("rounded to two decimals") << "21.556,-0.125"
+                                             << "21.56" << 21.556 << "-0.13" << -0.125;
+    QTest::newRow("whole numbers") << "21,-45"
+                                   << "21.00" << 21.0 << "-45.00" << -45.0;
+    QTest::newRow("exponent") << "1e3,2.5e-1"
+                              << "1000.00" << 1000.0 << "0.25" << 0.25;
+    QTest::newRow("plus sign") << "+5,+6.5"
+                               << "5.00" << 5.0 << "6.50" << 6.5;
+    QTest::newRow("first missing") << "----,45.1"
+                                   << "----" << noValue << "45.10" << 45.1;
+    QTest::newRow("second missing") << "21.5,----"
+                                    << "21.50" << 21.5 << "----" << noValue;
+    QTest::newRow("missing is kept as sent") << "x-----y,-----"
+                                             << "x-----y" << noValue << "-----" << noValue;
+    QTest::newRow("three dashes are no number") << "---,1"
+                                                << "0.00" << 0.0 << "1.00" << 1.0;
+    QTest::newRow("words") << "warm,damp"
+                           << "0.00" << 0.0 << "0.00" << 0.0;
+    QTest::newRow("empty fields") << ","
+                                  << "0.00" << 0.0 << "0.00" << 0.0;
+    QTest::newRow("number with a tail") << "21.5C,45.1%"
+                                        << "0.00" << 0.0 << "0.00" << 0.0;
+    QTest::newRow("further fields") << "1,2,3,four"
+                                    << "1.00" << 1.0 << "2.00" << 2.0;
+    QTest::newRow("nan") << "nan,NaN"
+                         << "0.00" << 0.0 << "0.00" << 0.0;
+    QTest::newRow("infinite") << "inf,-inf"
+                              << "0.00" << 0.0 << "0.00" << 0.0;
+    QTest::newRow("too large") << "1e400,-1e400"
+                               << "0.00" << 0.0 << "0.00" << 0.0;
+    QTest::newRow("quotes") << "','1"
+                            << "0.00" << 0.0 << "0.00" << 0.0;
+    QTest::newRow("hexadecimal") << "0x10,1"
+                                 << "0.00" << 0.0 << "1.00" << 1.0;
+    QTest::newRow("decimal comma makes a field") << "21,5,45,1"
+                                                 << "21.00" << 21.0 << "5.00" << 5.0;
     QTest::newRow("binary") << QString::fromLatin1("\x01\xFF\xB0,\x02") << "0.00" << 0.0 << "0.00" << 0.0;
 }
 

@@ -71,7 +71,8 @@ void tst_SerialDevice::castsToItsInterface()
 void tst_SerialDevice::declaresSignalsAndSlotsInOrder()
 {
     const QMetaObject &meta = SerialDevice::staticMetaObject;
-    QCOMPARE(methodsOf(meta, QMetaMethod::Signal), QStringList({"connected()", "disconnected()", "readyRead(QString)"}));
+    QCOMPARE(methodsOf(meta, QMetaMethod::Signal),
+             QStringList({"connected()", "disconnected()", "readyRead(QString)"}));
     QCOMPARE(methodsOf(meta, QMetaMethod::Slot),
              QStringList({"readData()", "serialDeleted()", "serialError(QSerialPort::SerialPortError)"}));
 }
@@ -392,7 +393,9 @@ void tst_SerialDevice::mayBeDeletedInsideItsSignals()
     QPointer<SerialDevice> link = new SerialDevice;
     QPointer<QSerialPort> port = portOf(*link);
     link->setDeviceInfo(logger.portName(), 0);
-    const auto deleteLink = [&] { delete link.data(); };
+    const auto deleteLink = [&] {
+        delete link.data();
+    };
     if (signalName == "connected")
         QObject::connect(link, &SerialDevice::connected, &receiver, deleteLink);
     else if (signalName == "disconnected")

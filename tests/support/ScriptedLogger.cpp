@@ -90,10 +90,9 @@ int ScriptedLogger::accepted() const
 
 int ScriptedLogger::openConnections() const
 {
-    return static_cast<int>(
-        std::count_if(m_sockets.cbegin(), m_sockets.cend(), [](const QPointer<QTcpSocket> &socket) {
-            return socket && socket->state() == QAbstractSocket::ConnectedState;
-        }));
+    return static_cast<int>(std::count_if(m_sockets.cbegin(), m_sockets.cend(), [](const QPointer<QTcpSocket> &socket) {
+        return socket && socket->state() == QAbstractSocket::ConnectedState;
+    }));
 }
 
 void ScriptedLogger::acceptConnection()

@@ -1,0 +1,537 @@
+#include "device/ConfiguredDevice.h"
+#include "store/InsertSerialData.h"
+#include "support/DeviceFakes.h"
+#include "support/LogCapture.h"
+#include "support/RecordedRows.h"
+
+#include <QMetaMethod>
+#include <QPointer>
+#include <QTest>
+
+/// Readings, history, alarms, rows and views; replies are handed in as the link hands them over.
+class tst_ConfiguredDevice : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    void startsWithItsDefaults();
+    void declaresSignalsAndSlotsInOrder();
+    void keepsItsSettings();
+    void readsOneReply();
+    void showsMissingValuesAsSent();
+    void readsWhatIsNoNumberAsZero_data();
+    void readsWhatIsNoNumberAsZero();
+    void anyReplyConnects();
+    void alarms_data();
+    void alarms();
+    void alarmClearsWithTheNextReading();
+    void checkAlarmAllJudgesTheValuesShown();
+    void historyAppendsWithEachPollTime();
+    void historyOverwritesAtTheSamePollTime();
+    void historyDropsTheOldest();
+    void historyTimesCarryMilliseconds();
+    void recordsAReplyToPollForRecord();
+    void recordsNothingUnlessRecording();
+    void recordsNoReplyToPollForDisplay();
+    void displayPollHoldsBackOneLineOnly();
+    void recordsEveryLineOfAReply();
+    void recordsThousandsOfLines();
+    void gapRowFollowsTheLastRecordedOne();
+    void gapRowBeforeAnyReading();
+    void pushesIntoItsViews();
+    void disconnectEmptiesEverything();
+    void listEntryStartsDisconnected();
+    void detachedViewsHearNothing();
+    void mayBeDeletedByAView();
+    void logsAlarms();
+};
+
+namespace {
+
+/// A device without an address, whose poll time the test sets.
+struct Bench
+{
+    QDateTime now = QDateTime::fromMSecsSinceEpoch(1700000000000);
+    ConfiguredDevice device{"A1", NetworkInterface};
+
+    Bench()
+    {
+        device.setClock([this] { return now; });
+        device.pollForRecord();
+    }
+
+    void reply(const QString &text, qint64 msLater = 0)
+    {
+        now = now.addMSecs(msLater);
+        device.pollForRecord();
+        device.readData(text);
+    }
+};
+
+struct Histories
+{
+    History times;
+    History channel1;
+    History channel2;
+
+    explicit Histories(const ConfiguredDevice &device) { device.history(times, channel1, channel2); }
+    int points() const
+    {
+        return static_cast<int>(std::count_if(times.begin(), times.end(), [](double t) { return !isNoValue(t); }));
+    }
+};
+
+QStringList methodsOf(const QMetaObject &meta, QMetaMethod::MethodType type)
+{
+    QStringList names;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        if (meta.method(i).methodType() == type)
+            names << QString::fromLatin1(meta.method(i).methodSignature());
+    }
+    return names;
+}
+
+} // namespace
+
+void tst_ConfiguredDevice::cleanup()
+{
+    takeRecordedRows();
+}
+
+void tst_ConfiguredDevice::startsWithItsDefaults()
+{
+    const QDateTime before = QDateTime::currentDateTime();
+    ConfiguredDevice device("A1", NetworkInterface);
+    QCOMPARE(device.serialNumber(), QString("A1"));
+    QCOMPARE(device.interfaceKind(), 2);
+    QCOMPARE(int(device.port()), 23);
+    QCOMPARE(device.buzzerAlarm(), QString("OFF"));
+    QCOMPARE(device.pendingBuzzerAlarm(), QString("OFF"));
+    QVERIFY(device.alarmRange() == AlarmRange());
+    QVERIFY(device.pendingAlarmRange() == AlarmRange());
+    QCOMPARE(device.ch1Unit(), 0);
+    QCOMPARE(device.ch2Unit(), 0);
+    QVERIFY(!device.isConnected() && !device.isRecording() && !device.keepConnection() && !device.isOpen());
+    QVERIFY(!device.alarmOnChannel1() && !device.alarmOnChannel2());
+    QCOMPARE(device.ch1Value(), QString());
+    QVERIFY(device.pollTime() >= before && device.pollTime() <= QDateTime::currentDateTime());
+    const Histories history(device);
+    QCOMPARE(history.points(), 0);
+    for (int i = 0; i < historyLength; ++i)
+        QVERIFY(isNoValue(history.channel1[size_t(i)]) && isNoValue(history.channel2[size_t(i)]));
+}
+
+void tst_ConfiguredDevice::declaresSignalsAndSlotsInOrder()
+{
+    const QMetaObject &meta = ConfiguredDevice::staticMetaObject;
+    QCOMPARE(methodsOf(meta, QMetaMethod::Signal), QStringList({"buzzerSyncSuccess()", "buzzerSyncError(QString)"}));
+    QCOMPARE(methodsOf(meta, QMetaMethod::Slot),
+             QStringList({"readData(QString)", "deviceConnected()", "deviceDisconnected()", "slotWriteStartSync()"}));
+}
+
+void tst_ConfiguredDevice::keepsItsSettings()
+{
+    ConfiguredDevice device("A1", NetworkInterface);
+    device.setDeviceInfo("Kühlraum", "Air", "Floor", "192.168.7.23", 4001);
+    QCOMPARE(device.deviceName(), QString("Kühlraum"));
+    QCOMPARE(device.ch1Name(), QString("Air"));
+    QCOMPARE(device.ch2Name(), QString("Floor"));
+    QCOMPARE(device.address(), QString("192.168.7.23"));
+    QCOMPARE(int(device.port()), 4001);
+    device.setUnits(1, 4);
+    device.setCustomUnits("", "hPa");
+    QCOMPARE(device.ch1Unit(), 1);
+    QCOMPARE(device.ch2Unit(), 4);
+    QCOMPARE(device.ch2CustomUnit(), QString("hPa"));
+    device.setDashboardNumber(3);
+    QCOMPARE(device.dashboardNumber(), 3);
+    device.setKeepConnection(true);
+    QVERIFY(device.keepConnection());
+    ConfiguredDevice serial("B2", UsbInterface);
+    serial.setKeepConnection(true);
+    QVERIFY(!serial.keepConnection());
+}
+
+void tst_ConfiguredDevice::readsOneReply()
+{
+    Bench bench;
+    bench.reply("21.50,45.10\n");
+    QCOMPARE(bench.device.ch1Value(), QString("21.50"));
+    QCOMPARE(bench.device.ch2Value(), QString("45.10"));
+    const Histories history(bench.device);
+    QCOMPARE(history.points(), 1);
+    QCOMPARE(history.times.back(), 1700000000.0);
+    QCOMPARE(history.channel1.back(), 21.5);
+    QCOMPARE(history.channel2.back(), 45.1);
+}
+
+void tst_ConfiguredDevice::showsMissingValuesAsSent()
+{
+    Bench bench;
+    bench.device.setAlarmRange(10, 30, 10, 30);
+    bench.reply("----,45.1\n");
+    QCOMPARE(bench.device.ch1Value(), QString("----"));
+    QCOMPARE(bench.device.ch2Value(), QString("45.10"));
+    QVERIFY(!bench.device.alarmOnChannel1());
+    QVERIFY(bench.device.alarmOnChannel2());
+    QVERIFY(isNoValue(Histories(bench.device).channel1.back()));
+    bench.reply("21.5,-----x\n", 1000);
+    QCOMPARE(bench.device.ch2Value(), QString("-----x"));
+}
+
+void tst_ConfiguredDevice::readsWhatIsNoNumberAsZero_data()
+{
+    QTest::addColumn<QString>("field");
+    for (const char *field : {"nan", "inf", "-inf", "1e400", "warm", "", "0x10", "'"})
+        QTest::newRow(field) << QString(field);
+}
+
+void tst_ConfiguredDevice::readsWhatIsNoNumberAsZero()
+{
+    QFETCH(QString, field);
+    Bench bench;
+    bench.device.setRecording(true);
+    bench.reply(field + "," + field + "\n");
+    QCOMPARE(bench.device.ch1Value(), QString("0.00"));
+    QCOMPARE(bench.device.ch2Value(), QString("0.00"));
+    const QList<RecordedRow> rows = takeRecordedRows();
+    QCOMPARE(rows.size(), 1);
+    QVERIFY(!rows[0].channel1.isNull() && !rows[0].channel2.isNull());
+    QCOMPARE(rows[0].channel1.toDouble(), 0.0);
+    QCOMPARE(rows[0].channel2.toDouble(), 0.0);
+}
+
+void tst_ConfiguredDevice::anyReplyConnects()
+{
+    Bench bench;
+    bench.device.readData("rubbish");
+    QVERIFY(bench.device.isConnected());
+    QCOMPARE(bench.device.ch1Value(), QString());
+    QCOMPARE(Histories(bench.device).points(), 0);
+}
+
+void tst_ConfiguredDevice::alarms_data()
+{
+    QTest::addColumn<float>("min");
+    QTest::addColumn<float>("max");
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<bool>("alarm");
+    QTest::newRow("at the maximum") << 10.0F << 30.0F << "30.0" << false;
+    QTest::newRow("above the maximum") << 10.0F << 30.0F << "30.01" << true;
+    QTest::newRow("at the minimum") << 10.0F << 30.0F << "10" << false;
+    QTest::newRow("below the minimum") << 10.0F << 30.0F << "9.99" << true;
+    QTest::newRow("within") << 10.0F << 30.0F << "20" << false;
+    QTest::newRow("negative") << -20.0F << -5.0F << "-4.99" << true;
+    QTest::newRow("minimum without an exact float") << 10.1F << 30.1F << "10.1" << false;
+    QTest::newRow("maximum without an exact float") << 10.1F << 30.3F << "30.3" << false;
+    QTest::newRow("just below such a minimum") << 10.1F << 30.1F << "10.09" << true;
+    QTest::newRow("no range") << 0.0F << 0.0F << "99" << false;
+    QTest::newRow("empty range elsewhere") << 5.0F << 5.0F << "99" << false;
+    QTest::newRow("turned over") << 30.0F << 10.0F << "20" << true;
+    QTest::newRow("no value") << 10.0F << 30.0F << "----" << false;
+    QTest::newRow("beyond every float") << 10.0F << 30.0F << "1e300" << true;
+    QTest::newRow("below every float") << 10.0F << 30.0F << "-1e300" << true;
+}
+
+void tst_ConfiguredDevice::alarms()
+{
+    QFETCH(float, min);
+    QFETCH(float, max);
+    QFETCH(QString, field);
+    QFETCH(bool, alarm);
+    Bench bench;
+    bench.device.setAlarmRange(min, max, 0, 0);
+    bench.reply(field + "," + field);
+    QCOMPARE(bench.device.alarmOnChannel1(), alarm);
+    QCOMPARE(bench.device.alarmOnChannel2(), false);
+    bench.device.setAlarmRange(0, 0, min, max);
+    bench.reply(field + "," + field);
+    QCOMPARE(bench.device.alarmOnChannel1(), false);
+    QCOMPARE(bench.device.alarmOnChannel2(), alarm);
+}
+
+void tst_ConfiguredDevice::alarmClearsWithTheNextReading()
+{
+    Bench bench;
+    bench.device.setAlarmRange(10, 30, 10, 30);
+    bench.reply("40,40");
+    QVERIFY(bench.device.alarmOnChannel1() && bench.device.alarmOnChannel2());
+    bench.reply("20,20", 1000);
+    QVERIFY(!bench.device.alarmOnChannel1() && !bench.device.alarmOnChannel2());
+}
+
+void tst_ConfiguredDevice::checkAlarmAllJudgesTheValuesShown()
+{
+    Bench bench;
+    bench.device.checkAlarmAll();
+    QVERIFY(!bench.device.alarmOnChannel1());
+    bench.reply("40,----");
+    bench.device.setAlarmRange(10, 30, 10, 30);
+    QVERIFY(!bench.device.alarmOnChannel1());
+    LogCapture log;
+    bench.device.checkAlarmAll();
+    QVERIFY(bench.device.alarmOnChannel1());
+    QVERIFY(!bench.device.alarmOnChannel2());
+    QCOMPARE(log.lines(), QStringList({"@@@@@@@@@@@@@@ checkAlarmAll A : 40, B : 1.7e+308",
+                                       "- ConfiguredDevice::setCheckAlarmSet1() : A1"}));
+    bench.device.setAlarmRange(10, 50, 10, 30);
+    bench.device.checkAlarmAll();
+    QVERIFY(!bench.device.alarmOnChannel1());
+}
+
+void tst_ConfiguredDevice::historyAppendsWithEachPollTime()
+{
+    Bench bench;
+    bench.reply("1,10");
+    bench.reply("2,20", 1000);
+    bench.reply("----,30", 1000);
+    const Histories history(bench.device);
+    QCOMPARE(history.points(), 3);
+    QCOMPARE(history.times[237], 1700000000.0);
+    QCOMPARE(history.times[239], 1700000002.0);
+    QCOMPARE(history.channel1[238], 2.0);
+    QVERIFY(isNoValue(history.channel1[239]));
+    QCOMPARE(history.channel2[239], 30.0);
+}
+
+void tst_ConfiguredDevice::historyOverwritesAtTheSamePollTime()
+{
+    Bench bench;
+    bench.reply("1,10\n2,20\n");
+    bench.device.pollForDisplay();
+    QCOMPARE(Histories(bench.device).points(), 1);
+    QCOMPARE(Histories(bench.device).channel1.back(), 2.0);
+    bench.device.readData("3,30");
+    QCOMPARE(Histories(bench.device).points(), 1);
+    QCOMPARE(Histories(bench.device).channel2.back(), 30.0);
+}
+
+void tst_ConfiguredDevice::historyDropsTheOldest()
+{
+    Bench bench;
+    for (int i = 0; i < historyLength + 10; ++i)
+        bench.reply(QString("%1,%2").arg(i).arg(-i), 1000);
+    const Histories history(bench.device);
+    QCOMPARE(history.points(), historyLength);
+    QCOMPARE(history.channel1.front(), 10.0);
+    QCOMPARE(history.channel2.front(), -10.0);
+    QCOMPARE(history.channel1.back(), 249.0);
+    QCOMPARE(history.times.back() - history.times.front(), 239.0);
+}
+
+void tst_ConfiguredDevice::historyTimesCarryMilliseconds()
+{
+    Bench bench;
+    bench.reply("1,2", 250);
+    QCOMPARE(Histories(bench.device).times.back(), 1700000000.25);
+    bench.reply("1,2", 1);
+    QCOMPARE(Histories(bench.device).times.back(), 1700000000.251);
+    QCOMPARE(Histories(bench.device).points(), 2);
+}
+
+void tst_ConfiguredDevice::recordsAReplyToPollForRecord()
+{
+    Bench bench;
+    bench.device.setRecording(true);
+    QVERIFY(bench.device.isRecording());
+    bench.reply("21.50,----\n", 1999);
+    QCOMPARE(InsertSerialData::pendingCount(), 1);
+    const QList<RecordedRow> rows = takeRecordedRows();
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].serial, QString("A1"));
+    QCOMPARE(rows[0].channel1.toDouble(), 21.5);
+    QVERIFY(rows[0].channel2.isNull());
+    QCOMPARE(rows[0].time, 1700000001U);
+}
+
+void tst_ConfiguredDevice::recordsNothingUnlessRecording()
+{
+    Bench bench;
+    bench.reply("1,2\n");
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+    bench.device.setRecording(true);
+    bench.reply("1,2\n");
+    bench.reply("rubbish\n");
+    QCOMPARE(InsertSerialData::pendingCount(), 1);
+    bench.device.setRecording(false);
+    bench.reply("1,2\n");
+    QCOMPARE(InsertSerialData::pendingCount(), 1);
+}
+
+void tst_ConfiguredDevice::recordsNoReplyToPollForDisplay()
+{
+    Bench bench;
+    bench.device.setRecording(true);
+    bench.device.pollForDisplay();
+    bench.device.readData("1,2\n");
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+    QCOMPARE(bench.device.ch1Value(), QString("1.00"));
+    bench.reply("3,4\n", 1000);
+    QCOMPARE(InsertSerialData::pendingCount(), 1);
+}
+
+void tst_ConfiguredDevice::displayPollHoldsBackOneLineOnly()
+{
+    Bench bench;
+    bench.device.setRecording(true);
+    bench.device.pollForDisplay();
+    bench.device.readData("rubbish\n");
+    bench.device.readData("1,2\n3,4\n");
+    const QList<RecordedRow> rows = takeRecordedRows();
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].channel1.toDouble(), 3.0);
+}
+
+void tst_ConfiguredDevice::recordsEveryLineOfAReply()
+{
+    Bench bench;
+    bench.device.setRecording(true);
+    bench.reply("1,2\n3,4\n");
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
+    const QList<RecordedRow> rows = takeRecordedRows();
+    QCOMPARE(rows[0].channel1.toDouble(), 1.0);
+    QCOMPARE(rows[1].channel1.toDouble(), 3.0);
+    QCOMPARE(rows[0].time, rows[1].time);
+}
+
+void tst_ConfiguredDevice::recordsThousandsOfLines()
+{
+    Bench bench;
+    bench.device.setRecording(true);
+    QString reply;
+    for (int i = 0; i < 5000; ++i)
+        reply += QString("%1,%2\n").arg(i).arg(QString(i % 10 == 0 ? 4000 : 3, '9'));
+    bench.reply(reply);
+    QCOMPARE(InsertSerialData::pendingCount(), 5000);
+    QCOMPARE(Histories(bench.device).points(), 1);
+    QCOMPARE(bench.device.ch1Value(), QString("4999.00"));
+    QCOMPARE(takeRecordedRows().size(), 5000);
+}
+
+void tst_ConfiguredDevice::gapRowFollowsTheLastRecordedOne()
+{
+    Bench bench;
+    bench.device.setRecording(true);
+    bench.reply("1,2\n");
+    bench.device.setRecording(false);
+    bench.reply("3,4\n", 60000);
+    LogCapture log;
+    bench.device.insertNoValue();
+    QCOMPARE(log.lines(), QStringList("- ConfiguredDevice::insertNoValue() : A1"));
+    const QList<RecordedRow> rows = takeRecordedRows();
+    QCOMPARE(rows.size(), 2);
+    QCOMPARE(rows[1].time, 1700000001U);
+    QVERIFY(rows[1].channel1.isNull() && rows[1].channel2.isNull());
+}
+
+void tst_ConfiguredDevice::gapRowBeforeAnyReading()
+{
+    const qint64 before = QDateTime::currentSecsSinceEpoch();
+    ConfiguredDevice device("A1", NetworkInterface);
+    device.insertNoValue();
+    const QList<RecordedRow> rows = takeRecordedRows();
+    QCOMPARE(rows.size(), 1);
+    QVERIFY(rows[0].time >= before + 1 && rows[0].time <= QDateTime::currentSecsSinceEpoch() + 1);
+}
+
+void tst_ConfiguredDevice::pushesIntoItsViews()
+{
+    Bench bench;
+    FakeTile tile1;
+    FakeTile tile2;
+    FakeChart chart;
+    FakeListEntry entry;
+    bench.device.setTiles(&tile1, &tile2);
+    bench.device.setChartView(&chart);
+    bench.device.setListItem(&entry);
+    bench.reply("1,----\n3,4\n");
+    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 1.00", "value 3.00"}));
+    QCOMPARE(tile2.calls, QStringList({"connected A1", "value ----", "value 4.00"}));
+    QCOMPARE(chart.calls, QStringList({"connected A1", "data 1.00 ----", "data 3.00 4.00"}));
+    QCOMPARE(entry.states, QList<bool>({false, true}));
+    QCOMPARE(chart.times.back(), 1700000000.0);
+    QCOMPARE(chart.channel1.back(), 3.0);
+    QCOMPARE(chart.channel2.back(), 4.0);
+}
+
+void tst_ConfiguredDevice::disconnectEmptiesEverything()
+{
+    Bench bench;
+    bench.device.setAlarmRange(10, 30, 10, 30);
+    bench.reply("99,99");
+    FakeTile tile1;
+    FakeTile tile2;
+    FakeChart chart;
+    FakeListEntry entry;
+    bench.device.setTiles(&tile1, &tile2);
+    bench.device.setChartView(&chart);
+    bench.device.setListItem(&entry);
+    bench.device.deviceDisconnected();
+    QVERIFY(!bench.device.isConnected());
+    QVERIFY(!bench.device.alarmOnChannel1() && !bench.device.alarmOnChannel2());
+    QCOMPARE(bench.device.ch1Value(), QString());
+    QCOMPARE(bench.device.ch2Value(), QString());
+    QCOMPARE(tile1.calls, QStringList("disconnected A1"));
+    QCOMPARE(tile2.calls, QStringList("disconnected A1"));
+    QCOMPARE(chart.calls, QStringList("disconnected A1"));
+    QCOMPARE(entry.states, QList<bool>({false, false}));
+    QCOMPARE(Histories(bench.device).points(), 1);
+}
+
+void tst_ConfiguredDevice::listEntryStartsDisconnected()
+{
+    Bench bench;
+    bench.reply("1,2");
+    FakeListEntry entry;
+    bench.device.setListItem(&entry);
+    QCOMPARE(entry.states, QList<bool>{false});
+    bench.device.setListItem(nullptr);
+    bench.device.deviceConnected();
+    QCOMPARE(entry.states, QList<bool>{false});
+}
+
+void tst_ConfiguredDevice::detachedViewsHearNothing()
+{
+    Bench bench;
+    FakeTile tile1;
+    FakeTile tile2;
+    FakeChart chart;
+    FakeListEntry entry;
+    bench.device.setTiles(&tile1, &tile2);
+    bench.device.setChartView(&chart);
+    bench.device.setListItem(&entry);
+    bench.device.detachViews();
+    bench.reply("1,2");
+    bench.device.deviceDisconnected();
+    QVERIFY(tile1.calls.isEmpty() && tile2.calls.isEmpty() && chart.calls.isEmpty());
+    QCOMPARE(entry.states, QList<bool>{false});
+}
+
+void tst_ConfiguredDevice::mayBeDeletedByAView()
+{
+    QPointer<ConfiguredDevice> device = new ConfiguredDevice("A1", NetworkInterface);
+    FakeTile tile;
+    tile.onValue = [&] {
+        delete device.data();
+    };
+    device->setTiles(&tile, nullptr);
+    device->setRecording(true);
+    device->readData("1,2\n3,4\n");
+    QVERIFY(!device);
+    QCOMPARE(tile.calls.size(), 2);
+}
+
+void tst_ConfiguredDevice::logsAlarms()
+{
+    Bench bench;
+    bench.device.setAlarmRange(10, 30, 10, 30);
+    LogCapture log;
+    bench.device.readData("99,99\n");
+    QCOMPARE(log.lines(), QStringList({"- ConfiguredDevice::setCheckAlarmSet1() : A1",
+                                       "- ConfiguredDevice::setCheckAlarmSet2() : A1"}));
+}
+
+QTEST_GUILESS_MAIN(tst_ConfiguredDevice)
+#include "tst_ConfiguredDevice.moc"
