@@ -199,5 +199,5 @@ void tst_InsertStatement::rowsThatOnlyRenderEquallyAreEqual()
     QCOMPARE(insertStatements(rows).size(), 1);
 }
 
-QTEST_APPLESS_MAIN(tst_InsertStatement)
+QTEST_GUILESS_MAIN(tst_InsertStatement)
 #include "tst_InsertStatement.moc"
