@@ -1,6 +1,7 @@
 #include "store/Recording.h"
 #include "support/LogCapture.h"
 
+#include <QSqlQuery>
 #include <QtTest>
 
 #ifdef Q_OS_UNIX
@@ -25,6 +26,7 @@ private slots:
     void readOnlyFileIsRefused();
     void fileReadByAnotherProgramOpens();
     void fileLockedByAnotherProgramIsRefused();
+    void lockIsWaitedForBriefly();
 
     void rangeOfARecording();
     void emptyTableHasNoRange();
@@ -153,6 +155,7 @@ void tst_InsertSerialData::unusableFileIsRefused()
     QVERIFY(!store.createConnection());
     QVERIFY(!store.isOpen());
     QCOMPARE(log.lines().last(), QString("InsertSerialData::createConnection : fail"));
+    QVERIFY(!store.createConnection());
     if (!line.isEmpty())
         QCOMPARE(log.lines().first(), line);
     store.insertNow();
@@ -239,6 +242,16 @@ void tst_InsertSerialData::fileLockedByAnotherProgramIsRefused()
 
     QVERIFY(locker.exec("COMMIT"));
     QVERIFY(recording.open());
+}
+
+void tst_InsertSerialData::lockIsWaitedForBriefly()
+{
+    const Recording recording;
+    const auto store = recording.open();
+    QSqlQuery query(QSqlDatabase::database(QStringLiteral("testfiledb")));
+    QVERIFY(query.exec("PRAGMA busy_timeout") && query.next());
+    QVERIFY(query.value(0).toInt() > 0);
+    QVERIFY(query.value(0).toInt() <= 50);
 }
 
 void tst_InsertSerialData::rangeOfARecording()
