@@ -83,8 +83,9 @@ public:
     bool openDevice();
     void closeDevice();
     bool isOpen() const;
-    /// Gives the link the address to open next; the configured address stays as it is.
-    void setLinkAddress(const QString &address);
+    /// Closes the link and leaves it nothing to open until openDevice(): the port of a logger that was unplugged may be
+    /// another logger's by now. The configured address stays as it is.
+    void forgetPort();
 
     /// Refreshes the newest value without recording it; reopens a closed serial link.
     void pollForDisplay();

@@ -2,9 +2,9 @@
 #include "store/InsertSerialData.h"
 #include "support/DeviceFakes.h"
 #include "support/LogCapture.h"
-#include "support/PseudoTerminal.h"
 #include "support/RecordedRows.h"
 #include "support/ScriptedLogger.h"
+#include "support/SerialLine.h"
 #include "support/TemporaryInterval.h"
 
 #include <QTest>
@@ -44,7 +44,7 @@ private slots:
     void unpluggedUsbLoggerDisconnects();
     void displayPollReopensAClosedPort();
     void recordPollDoesNotReopen();
-    void withdrawnPortIsNotOpened();
+    void forgottenPortIsNotOpened();
     void renamingDoesNotGiveThePortBack();
     void deletedUsbDeviceLeavesNoPort();
     void mayBeDeletedInsideItsLinksReply_data();
@@ -95,14 +95,13 @@ struct NetworkPair
 
 struct UsbPair
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     ConfiguredDevice device{"B2", UsbInterface};
 
     UsbPair()
     {
         device.setDeviceInfo("Attic", "1", "2", logger.portName(), 23);
-        QObject::connect(&logger, &PseudoTerminal::bytesReceived, &logger,
-                         [this] { logger.send("ATCD 21.50,45.10\r\n"); });
+        QObject::connect(&logger, &SerialLine::bytesReceived, &logger, [this] { logger.send("ATCD 21.50,45.10\r\n"); });
     }
 };
 
@@ -434,7 +433,7 @@ void tst_DevicePolling::readdressedDeviceUsesItsNewLogger()
     pair.device.setDeviceInfo("Cellar", "1", "2", other.address(), other.port());
     pair.device.pollForRecord();
     QTRY_COMPARE(pair.device.ch1Value(), QString("5.00"));
-    pair.device.setLinkAddress("not an address");
+    pair.device.forgetPort();
     QCOMPARE(pair.device.address(), other.address());
     pair.device.pollForRecord();
     QVERIFY(!pair.device.isOpen());
@@ -470,7 +469,7 @@ void tst_DevicePolling::unpluggedUsbLoggerDisconnects()
     QTRY_VERIFY(!pair.device.isConnected());
     QTRY_VERIFY(!pair.device.isOpen());
     QCOMPARE(entry.states, QList<bool>({false, true, false}));
-    PseudoTerminal replugged;
+    SerialLine replugged;
     pair.device.setDeviceInfo("Attic", "1", "2", replugged.portName(), 23);
     QVERIFY(pair.device.openDevice());
     QVERIFY(pair.device.isConnected());
@@ -496,12 +495,12 @@ void tst_DevicePolling::recordPollDoesNotReopen()
     QCOMPARE(log.count("SerialDevice::open"), 0);
 }
 
-void tst_DevicePolling::withdrawnPortIsNotOpened()
+void tst_DevicePolling::forgottenPortIsNotOpened()
 {
     UsbPair pair;
     QVERIFY(pair.device.openDevice());
-    pair.device.setLinkAddress(QString());
-    pair.device.closeDevice();
+    pair.device.forgetPort();
+    QVERIFY(!pair.device.isOpen());
     QCOMPARE(pair.device.address(), pair.logger.portName());
     LogCapture log;
     pair.device.pollForDisplay();
@@ -514,7 +513,7 @@ void tst_DevicePolling::withdrawnPortIsNotOpened()
 void tst_DevicePolling::renamingDoesNotGiveThePortBack()
 {
     UsbPair pair;
-    pair.device.setLinkAddress(QString());
+    pair.device.forgetPort();
     pair.device.setDeviceInfo("Loft", "1", "2", pair.logger.portName(), 23);
     QCOMPARE(pair.device.deviceName(), QString("Loft"));
     pair.device.pollForDisplay();
@@ -523,7 +522,7 @@ void tst_DevicePolling::renamingDoesNotGiveThePortBack()
 
 void tst_DevicePolling::deletedUsbDeviceLeavesNoPort()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     for (int round = 0; round < 2; ++round) {
         ConfiguredDevice device("B2", UsbInterface);
         device.setDeviceInfo("Attic", "1", "2", logger.portName(), 23);

@@ -1,6 +1,6 @@
 #include "device/SerialDevice.h"
 #include "support/LogCapture.h"
-#include "support/PseudoTerminal.h"
+#include "support/SerialLine.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -93,7 +93,7 @@ void tst_SerialDevice::setsThePortUpBeforeAnyOpen()
 
 void tst_SerialDevice::reportsConnectedOncePerOpen()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy connected(&link, &SerialDevice::connected);
     QSignalSpy disconnected(&link, &SerialDevice::disconnected);
@@ -111,7 +111,7 @@ void tst_SerialDevice::reportsConnectedOncePerOpen()
 
 void tst_SerialDevice::reportsConnectedWhereThePortDoesNot()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy connected(&link, &SerialDevice::connected);
     // A port library that says nothing on a successful open.
@@ -150,7 +150,7 @@ void tst_SerialDevice::opensNothingWithoutAName()
 
 void tst_SerialDevice::pollsWithItsCommand()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -161,7 +161,7 @@ void tst_SerialDevice::pollsWithItsCommand()
 void tst_SerialDevice::writeCommandReturnsZero()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -199,7 +199,7 @@ void tst_SerialDevice::passesOnOneNotification()
 {
     QFETCH(QByteArray, sent);
     QFETCH(QString, passedOn);
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -213,7 +213,7 @@ void tst_SerialDevice::passesOnOneNotification()
 void tst_SerialDevice::dropsWhatHasNoEcho()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -229,7 +229,7 @@ void tst_SerialDevice::dropsWhatHasNoEcho()
 void tst_SerialDevice::judgesEachNotificationAlone()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -244,7 +244,7 @@ void tst_SerialDevice::judgesEachNotificationAlone()
 
 void tst_SerialDevice::keepsEightBitText()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -288,7 +288,7 @@ void tst_SerialDevice::errors()
 void tst_SerialDevice::unpluggedPortReportsOnceAndClosesItself()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy disconnected(&link, &SerialDevice::disconnected);
     QSignalSpy portErrors(portOf(link), &QSerialPort::errorOccurred);
@@ -311,8 +311,8 @@ void tst_SerialDevice::unpluggedPortReportsOnceAndClosesItself()
 
 void tst_SerialDevice::failedPortForgetsItsName()
 {
-    PseudoTerminal logger;
-    PseudoTerminal other;
+    SerialLine logger;
+    SerialLine other;
     SerialDevice link;
     QSignalSpy disconnected(&link, &SerialDevice::disconnected);
     link.setDeviceInfo(logger.portName(), 0);
@@ -329,8 +329,8 @@ void tst_SerialDevice::failedPortForgetsItsName()
 
 void tst_SerialDevice::nameGivenWhileClosingIsKept()
 {
-    PseudoTerminal logger;
-    PseudoTerminal successor;
+    SerialLine logger;
+    SerialLine successor;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -347,7 +347,7 @@ void tst_SerialDevice::nameGivenWhileClosingIsKept()
 void tst_SerialDevice::closingAFailedPortAtOnceIsNotRepeated()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -361,7 +361,7 @@ void tst_SerialDevice::closingAFailedPortAtOnceIsNotRepeated()
 void tst_SerialDevice::survivesThePortsDeletion()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -388,7 +388,7 @@ void tst_SerialDevice::mayBeDeletedInsideItsSignals_data()
 void tst_SerialDevice::mayBeDeletedInsideItsSignals()
 {
     QFETCH(QString, signalName);
-    PseudoTerminal logger;
+    SerialLine logger;
     QObject receiver;
     QPointer<SerialDevice> link = new SerialDevice;
     QPointer<QSerialPort> port = portOf(*link);
@@ -413,7 +413,7 @@ void tst_SerialDevice::mayBeDeletedInsideItsSignals()
 
 void tst_SerialDevice::leavesNoPortBehind()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     auto link = std::make_unique<SerialDevice>();
     const QPointer<QSerialPort> port = portOf(*link);
     link->setDeviceInfo(logger.portName(), 0);
@@ -442,7 +442,7 @@ void tst_SerialDevice::connectsThroughTheInterface()
 
 void tst_SerialDevice::logsItsLife()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     const QString name = "[" + logger.portName() + "]";
     LogCapture log;
     {
