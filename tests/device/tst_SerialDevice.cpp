@@ -28,6 +28,7 @@ private slots:
     void errors_data();
     void errors();
     void unpluggedPortReportsOnceAndClosesItself();
+    void oneFaultIsReportedOnce();
     void failedPortForgetsItsName();
     void nameGivenWhileClosingIsKept();
     void closingAFailedPortAtOnceIsNotRepeated();
@@ -309,6 +310,28 @@ void tst_SerialDevice::unpluggedPortReportsOnceAndClosesItself()
     QVERIFY2(portErrors.count() < 20, qPrintable(QString::number(portErrors.count())));
 }
 
+void tst_SerialDevice::oneFaultIsReportedOnce()
+{
+    LogCapture log;
+    SerialLine logger;
+    SerialDevice link;
+    QSignalSpy disconnected(&link, &SerialDevice::disconnected);
+    link.setDeviceInfo(logger.portName(), 0);
+    QVERIFY(link.open());
+    // What an unplugged port does until it is closed, a thousand times a millisecond.
+    for (int i = 0; i < 1000; ++i)
+        emit portOf(link)->errorOccurred(i % 2 ? QSerialPort::ReadError : QSerialPort::ResourceError);
+    QCOMPARE(disconnected.count(), 1);
+    QTRY_VERIFY(!link.isOpen());
+    QCOMPARE(disconnected.count(), 1);
+    QCOMPARE(log.count("SerialDevice::serialError : "), 1);
+    // The next spell is news again.
+    link.setDeviceInfo(logger.portName(), 0);
+    QVERIFY(link.open());
+    link.serialError(QSerialPort::ReadError);
+    QCOMPARE(disconnected.count(), 2);
+}
+
 void tst_SerialDevice::failedPortForgetsItsName()
 {
     SerialLine logger;
@@ -408,6 +431,7 @@ void tst_SerialDevice::mayBeDeletedInsideItsSignals()
     else
         logger.send("ATCD 1,2\r\n");
     QTRY_VERIFY(!link);
+    QVERIFY2(outlivesItsSignal, "a port is used after its end when it is deleted inside its own signal");
     QTRY_VERIFY(!port);
 }
 
