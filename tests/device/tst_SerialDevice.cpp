@@ -416,8 +416,10 @@ void tst_SerialDevice::mayBeDeletedInsideItsSignals()
     QPointer<SerialDevice> link = new SerialDevice;
     QPointer<QSerialPort> port = portOf(*link);
     link->setDeviceInfo(logger.portName(), 0);
+    bool outlivesItsSignal = false;
     const auto deleteLink = [&] {
         delete link.data();
+        outlivesItsSignal = port && !port->isOpen();
     };
     if (signalName == "connected")
         QObject::connect(link, &SerialDevice::connected, &receiver, deleteLink);

@@ -447,8 +447,10 @@ void tst_TelnetDevice::mayBeDeletedInsideItsSignals()
     QPointer<QTcpSocket> socket = socketOf(*link);
     link->setBuzzerFlag(exchange);
     link->setDeviceInfo(logger.address(), logger.port());
+    bool outlivesItsSignal = false;
     const auto deleteLink = [&] {
         delete link.data();
+        outlivesItsSignal = socket && socket->state() == QAbstractSocket::UnconnectedState;
     };
     QObject::connect(link, &TelnetDevice::readyRead, &receiver, deleteLink);
     QObject::connect(link, &TelnetDevice::writeStartSync, &receiver, deleteLink);
