@@ -15,6 +15,7 @@ public:
     bool keepAlive = false;
 
     void load();
+    /// Whether the settings are on the disk; what is not will be written with the next ones that can be.
     bool save() const;
     /// Writes the three flags only.
     bool saveAutoFlags() const;

@@ -1,38 +1,15 @@
 #pragma once
 
-#include "device/ConfiguredDevice.h"
+#include "project/DeviceEntry.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <optional>
 
-/// One device as a project file keeps it.
-struct DeviceEntry
-{
-    QString name;
-    QString ch1Name;
-    QString ch2Name;
-    QString serialNumber;
-    int interfaceKind = NetworkInterface;
-    QString address;
-    quint16 port = defaultDevicePort;
-    int ch1Unit = 0;
-    int ch2Unit = 0;
-    AlarmRange range;
-    QString ch1CustomUnit;
-    QString ch2CustomUnit;
-    QString buzzerAlarm = QStringLiteral("OFF");
-    int dashboardNumber = 0;
-};
-
-/// What the project file keeps of @p device.
-DeviceEntry entryOf(const ConfiguredDevice &device);
-/// Gives @p device the entry's settings; its identity and kind stay.
-void configure(ConfiguredDevice &device, const DeviceEntry &entry, bool keepConnection);
-
 /// A project's ".tpc" file. Writing replaces the file as a whole, keeps keys it does not know and returns whether
-/// the new state is on the disk.
+/// the new state is on the disk; if not, the file and what is read from it stay as they were. Only create() makes a
+/// file where there is none.
 class ProjectFile
 {
 public:
@@ -40,7 +17,7 @@ public:
 
     QString path() const;
 
-    /// First keys of a new project: name, interval and the database named after it.
+    /// First keys of a new project: name, interval and the database named after it; no key of an earlier one stays.
     bool create(const QString &projectName, int intervalMs);
     /// Stores the list and keeps the one before it as the backup.
     bool saveDevices(const QList<DeviceEntry> &devices);

@@ -2,6 +2,8 @@
 
 #include <QtNumeric>
 
+namespace loggersim {
+
 namespace {
 
 constexpr int receivedMax = 1000;
@@ -73,3 +75,5 @@ QByteArrayList AlarmMemory::received() const
 {
     return m_received;
 }
+
+} // namespace loggersim

@@ -4,6 +4,8 @@
 #include <QByteArrayList>
 #include <optional>
 
+namespace loggersim {
+
 /// The alarm limits and buzzer rule of a network logger, as it was told them.
 struct AlarmSettings
 {
@@ -39,3 +41,5 @@ private:
     std::optional<AlarmSettings> m_stored;
     QByteArrayList m_received;
 };
+
+} // namespace loggersim

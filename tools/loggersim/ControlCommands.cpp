@@ -5,6 +5,8 @@
 #include <QtNumeric>
 #include <algorithm>
 
+namespace loggersim {
+
 namespace {
 
 const QByteArray done = QByteArrayLiteral("ok\n");
@@ -177,3 +179,5 @@ QByteArray ControlCommands::helpAnswer(const QStringList &) const
 {
     return help().toUtf8() + "end\n";
 }
+
+} // namespace loggersim

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <functional>
 
+namespace loggersim {
+
 class Fleet;
 
 /// What the loggers can be told while they run: one line in, one line out ("ok" or "error …"); questions that have
@@ -44,3 +46,5 @@ private:
     Fleet *m_fleet;
     std::function<void()> m_quit;
 };
+
+} // namespace loggersim

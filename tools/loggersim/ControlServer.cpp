@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace loggersim {
+
 namespace {
 
 constexpr int lineMax = 4096;
@@ -21,19 +23,22 @@ ControlServer::ControlServer(Fleet *fleet, QObject *parent)
 
 bool ControlServer::listen(const QString &path)
 {
-    // A socket that an earlier run left behind would keep the path taken; any other file there is not ours.
-    struct stat status
-    {
-    };
-    if (::lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISSOCK(status.st_mode))
-        QLocalServer::removeServer(path);
+    // A socket that an earlier run left behind is replaced; any other file there is not ours to overwrite.
+    struct stat status{};
+    if (::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISSOCK(status.st_mode)) {
+        m_error = QStringLiteral("there is another file");
+        return false;
+    }
+    QLocalServer::removeServer(path);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    return m_server.listen(path);
+    const bool listening = m_server.listen(path);
+    m_error = listening ? QString() : m_server.errorString();
+    return listening;
 }
 
 QString ControlServer::errorString() const
 {
-    return m_server.errorString();
+    return m_error;
 }
 
 void ControlServer::listenOnStandardInput()
@@ -80,3 +85,5 @@ QByteArray ControlServer::answer(QByteArray &input) const
         input.clear();
     return answers;
 }
+
+} // namespace loggersim

@@ -7,6 +7,8 @@
 #include <QSocketNotifier>
 #include <memory>
 
+namespace loggersim {
+
 /// Takes control lines from a local socket and, when asked to, from the standard input.
 class ControlServer : public QObject
 {
@@ -32,6 +34,9 @@ private:
 
     ControlCommands m_commands;
     QLocalServer m_server;
+    QString m_error;
     std::unique_ptr<QSocketNotifier> m_standardInput;
     QByteArray m_standardLines;
 };
+
+} // namespace loggersim

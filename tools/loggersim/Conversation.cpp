@@ -4,6 +4,8 @@
 #include <QIODevice>
 #include <utility>
 
+namespace loggersim {
+
 namespace {
 
 constexpr int commandMax = 4096;
@@ -122,3 +124,5 @@ void Conversation::slotFlood()
         chunk += m_logger->unaskedReading();
     write(chunk);
 }
+
+} // namespace loggersim

@@ -7,6 +7,9 @@
 #include <QTimer>
 
 class QIODevice;
+
+namespace loggersim {
+
 class SimLogger;
 
 /// The talk of a logger with one station over one wire: cuts what arrives into commands, writes the answers with
@@ -51,3 +54,5 @@ private:
     qint64 m_given = 0;   ///< bytes handed to the wire
     qint64 m_written = 0; ///< bytes of them that are out
 };
+
+} // namespace loggersim

@@ -3,6 +3,8 @@
 #include <QtMath>
 #include <array>
 
+namespace loggersim {
+
 Climate climateOf(int number)
 {
     static const std::array<Climate, 8> places{{
@@ -80,3 +82,5 @@ void Curve::resume()
     m_held.reset();
     m_offset = {};
 }
+
+} // namespace loggersim

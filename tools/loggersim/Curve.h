@@ -5,6 +5,8 @@
 #include <optional>
 #include <random>
 
+namespace loggersim {
+
 /// What is usual at the place where a logger hangs; temperatures in °C, humidity in %RH.
 struct Climate
 {
@@ -57,3 +59,5 @@ private:
     Reading m_offset;
     std::optional<Reading> m_held;
 };
+
+} // namespace loggersim

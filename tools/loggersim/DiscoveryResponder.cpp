@@ -5,6 +5,8 @@
 #include <QNetworkInterface>
 #include <QtEndian>
 
+namespace loggersim {
+
 namespace {
 
 const char identification[] = "OSTRIVANE";
@@ -86,3 +88,5 @@ void DiscoveryResponder::slotRead()
         }
     }
 }
+
+} // namespace loggersim

@@ -4,6 +4,8 @@
 #include <QList>
 #include <QUdpSocket>
 
+namespace loggersim {
+
 class NetworkLogger;
 
 /// Answers the station's search: one datagram a network logger, sent back to where the question came from.
@@ -31,3 +33,5 @@ private:
     QUdpSocket m_socket;
     QList<const NetworkLogger *> m_loggers;
 };
+
+} // namespace loggersim

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+namespace loggersim {
+
 namespace {
 
 enum class Argument { No, Number, OptionalText, Text };
@@ -129,3 +131,5 @@ QString faultHelp()
     }
     return help;
 }
+
+} // namespace loggersim

@@ -3,6 +3,8 @@
 #include <QString>
 #include <optional>
 
+namespace loggersim {
+
 enum class FaultKind {
     None,
     Silent,
@@ -45,3 +47,5 @@ FaultScope scopeOf(FaultKind kind);
 QString faultName(FaultKind kind);
 /// All faults, one a line with what they do.
 QString faultHelp();
+
+} // namespace loggersim

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace loggersim {
+
 namespace {
 
 /// A locally administered address, so that no real device has it.
@@ -177,3 +179,5 @@ QByteArray Fleet::report() const
                   QByteArray::number(logger->served()) + '\n';
     return report;
 }
+
+} // namespace loggersim

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+namespace loggersim {
+
 class NetworkLogger;
 class SerialLogger;
 class SimLogger;
@@ -49,3 +51,5 @@ private:
     std::vector<std::unique_ptr<SimLogger>> m_loggers;
     std::unique_ptr<DiscoveryResponder> m_discovery;
 };
+
+} // namespace loggersim

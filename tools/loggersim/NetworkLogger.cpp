@@ -6,6 +6,8 @@
 #include <QTcpSocket>
 #include <utility>
 
+namespace loggersim {
+
 namespace {
 
 constexpr qint64 readBufferSize = 64 * 1024;
@@ -124,3 +126,5 @@ void NetworkLogger::dropConnections()
         socket->deleteLater();
     }
 }
+
+} // namespace loggersim

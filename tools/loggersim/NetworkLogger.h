@@ -6,8 +6,11 @@
 #include <QTcpServer>
 #include <memory>
 
-class PortBlocker;
 class QTcpSocket;
+
+namespace loggersim {
+
+class PortBlocker;
 
 /// A logger behind a TCP port; any number of stations may be connected at a time.
 class NetworkLogger : public SimLogger
@@ -47,3 +50,5 @@ private:
     std::unique_ptr<QTcpSocket> m_placeholder;
     std::unique_ptr<PortBlocker> m_blocker;
 };
+
+} // namespace loggersim

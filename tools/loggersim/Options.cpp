@@ -7,6 +7,8 @@
 
 #include <QCommandLineParser>
 
+namespace loggersim {
+
 namespace {
 
 constexpr int networkMax = 10000;
@@ -223,3 +225,5 @@ CommandLine readCommandLine(const QStringList &arguments)
 {
     return OptionReader().read(arguments);
 }
+
+} // namespace loggersim

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <optional>
 
+namespace loggersim {
+
 /// What one run of the simulator is to do.
 struct Options
 {
@@ -46,3 +48,5 @@ struct CommandLine
 
 /// @p arguments with the program's own name in front.
 CommandLine readCommandLine(const QStringList &arguments);
+
+} // namespace loggersim

@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+namespace loggersim {
+
 namespace {
 
 /// More than a queue of length 0 ever takes.
@@ -35,3 +37,5 @@ PortBlocker::~PortBlocker()
     for (const int filler : m_fillers)
         ::close(filler);
 }
+
+} // namespace loggersim

@@ -2,6 +2,8 @@
 
 #include <csignal>
 
+namespace loggersim {
+
 namespace {
 
 constexpr int crashedBase = 128;
@@ -51,3 +53,5 @@ void ProgramRun::slotFinished(int exitCode, QProcess::ExitStatus status)
     // The toolkit gives the signal's number as the code of a program that a signal ended.
     emit ended(status == QProcess::NormalExit ? exitCode : crashedBase + exitCode);
 }
+
+} // namespace loggersim

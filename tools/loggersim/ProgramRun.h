@@ -2,6 +2,8 @@
 
 #include <QProcess>
 
+namespace loggersim {
+
 /// Runs another program in front of the simulator: it has the simulator's input and output, gets its signals, and its
 /// end is reported as the exit code that a shell would give.
 class ProgramRun : public QObject
@@ -25,3 +27,5 @@ private:
 
     QProcess m_process;
 };
+
+} // namespace loggersim

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QSettings>
 
+namespace loggersim {
+
 namespace {
 
 constexpr int dashboards = 4;
@@ -77,3 +79,5 @@ bool writeSettings(const QString &folder, const QString &projectPath, bool keepA
     *error = QStringLiteral("cannot write settings below %1").arg(folder);
     return false;
 }
+
+} // namespace loggersim

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+namespace loggersim {
+
 class SimLogger;
 
 /// Writes a station project that fits the loggers: named after their places, spread over the four dashboards.
@@ -11,3 +13,5 @@ bool writeProject(const QString &path, int intervalMs, const QList<SimLogger *> 
 
 /// Writes station settings below @p folder that open this project at start and record by themselves.
 bool writeSettings(const QString &folder, const QString &projectPath, bool keepAlive, QString *error);
+
+} // namespace loggersim

@@ -9,6 +9,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+namespace loggersim {
+
 namespace {
 
 constexpr int inputMax = 64 * 1024;
@@ -130,3 +132,5 @@ void PseudoTerminal::slotWritable()
     if (count > 0)
         emit bytesWritten(count);
 }
+
+} // namespace loggersim

@@ -4,6 +4,8 @@
 #include <QSocketNotifier>
 #include <memory>
 
+namespace loggersim {
+
 /// The logger's end of a serial line. Closing it hangs up on whoever has the other end open, like pulling the plug.
 class PseudoTerminal : public QIODevice
 {
@@ -40,3 +42,5 @@ private:
     std::unique_ptr<QSocketNotifier> m_readNotifier;
     std::unique_ptr<QSocketNotifier> m_writeNotifier;
 };
+
+} // namespace loggersim

@@ -1,5 +1,7 @@
 #include "loggersim/Reply.h"
 
+namespace loggersim {
+
 namespace {
 
 QByteArray line(const QByteArray &echo, const QByteArray &values)
@@ -72,3 +74,5 @@ Reply pollReply(const Fault &fault, const QByteArray &echo, const QByteArray &va
     }
     return reply;
 }
+
+} // namespace loggersim

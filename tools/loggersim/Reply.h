@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QByteArrayList>
 
+namespace loggersim {
+
 /// One answer on its way to the station.
 struct Reply
 {
@@ -17,3 +19,5 @@ struct Reply
 
 /// The answer to a poll: @p values ("21.50,45.10") after the @p echo, as far as the fault lets them through.
 Reply pollReply(const Fault &fault, const QByteArray &echo, const QByteArray &values);
+
+} // namespace loggersim

@@ -2,6 +2,8 @@
 #include "loggersim/Conversation.h"
 #include "loggersim/UsbTree.h"
 
+namespace loggersim {
+
 SerialLogger::SerialLogger(const QString &key, const Climate &climate, quint32 seed, UsbTree *tree, int plug,
                            QObject *parent)
     : SimLogger(UsbInterface, key, climate, seed, parent), m_tree(tree), m_plug(plug)
@@ -60,3 +62,5 @@ QString SerialLogger::errorString() const
 {
     return m_line.errorString();
 }
+
+} // namespace loggersim

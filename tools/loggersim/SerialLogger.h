@@ -5,6 +5,8 @@
 
 #include <QTimer>
 
+namespace loggersim {
+
 class UsbTree;
 
 /// A USB logger: a serial line that is listed in a UsbTree while it is plugged in.
@@ -42,3 +44,5 @@ private:
     PseudoTerminal m_line;
     QTimer m_replug;
 };
+
+} // namespace loggersim

@@ -5,6 +5,8 @@
 #include <csignal>
 #include <unistd.h>
 
+namespace loggersim {
+
 namespace {
 
 constexpr std::array<int, 2> watched{SIGTERM, SIGINT};
@@ -60,3 +62,5 @@ void SignalWatch::slotReadable()
     if (::read(pipeEnds[0], &news, sizeof news) == sizeof news)
         emit received(news.number, news.fromTerminal);
 }
+
+} // namespace loggersim

@@ -4,6 +4,8 @@
 #include <QSocketNotifier>
 #include <memory>
 
+namespace loggersim {
+
 /// Turns SIGTERM and SIGINT into a Qt signal. One at a time; the previous handlers return with its destruction.
 class SignalWatch : public QObject
 {
@@ -22,3 +24,5 @@ private:
 
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
+
+} // namespace loggersim

@@ -1,5 +1,7 @@
 #include "loggersim/SimLogger.h"
 
+namespace loggersim {
+
 SimLogger::SimLogger(InterfaceKind kind, const QString &key, const Climate &climate, quint32 seed, QObject *parent)
     : QObject(parent), m_kind(kind), m_key(key), m_climate(climate), m_curve(climate, seed)
 {
@@ -50,3 +52,5 @@ QByteArray SimLogger::unaskedReading()
 {
     return pollCommand() + ' ' + m_curve.next().toText() + "\r\n";
 }
+
+} // namespace loggersim

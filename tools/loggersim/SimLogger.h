@@ -9,6 +9,8 @@
 
 #include <QObject>
 
+namespace loggersim {
+
 /// One software logger, whatever it is reached through: what it answers to which command, what it does wrong, and
 /// what it has served so far.
 class SimLogger : public QObject
@@ -66,3 +68,5 @@ private:
     quint64 m_served = 0;
     quint64 m_commands = 0;
 };
+
+} // namespace loggersim

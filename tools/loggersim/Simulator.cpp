@@ -7,6 +7,8 @@
 #include <QSaveFile>
 #include <csignal>
 
+namespace loggersim {
+
 Simulator::Simulator(const Options &options, QObject *parent)
     : QObject(parent), m_options(options), m_fleet(options.seed), m_control(&m_fleet)
 {
@@ -118,3 +120,5 @@ bool Simulator::writeReport(QString *error) const
     *error = QStringLiteral("cannot write %1: %2").arg(m_options.reportFile, file.errorString());
     return false;
 }
+
+} // namespace loggersim

@@ -7,6 +7,8 @@
 
 #include <QObject>
 
+namespace loggersim {
+
 /// One run of the simulator as the command line describes it.
 class Simulator : public QObject
 {
@@ -43,3 +45,5 @@ private:
     ControlServer m_control;
     ProgramRun m_program;
 };
+
+} // namespace loggersim

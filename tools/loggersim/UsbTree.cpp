@@ -4,6 +4,8 @@
 #include <QFile>
 #include <dlfcn.h>
 
+namespace loggersim {
+
 namespace {
 
 const QLatin1String preloadLibrary("libumockdev-preload.so.0");
@@ -112,3 +114,5 @@ bool UsbTree::canRedirect()
     ::dlclose(library);
     return true;
 }
+
+} // namespace loggersim

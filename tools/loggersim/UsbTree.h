@@ -3,6 +3,8 @@
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
+namespace loggersim {
+
 /// A small system tree with USB loggers in it, which a program sees instead of the real one when it runs with
 /// programEnvironment(): sysfs as the kernel would show it, and the device nodes of the serial ports.
 /// A plug is a number from 0; the logger in plug 2 is the serial port ttyACM2.
@@ -32,3 +34,5 @@ private:
 
     QTemporaryDir m_root;
 };
+
+} // namespace loggersim

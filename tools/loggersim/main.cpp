@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QTextStream>
 
+using namespace loggersim;
+
 namespace {
 
 constexpr int usageError = 2;
