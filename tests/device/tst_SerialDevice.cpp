@@ -1,5 +1,6 @@
 #include "device/SerialDevice.h"
 #include "support/LogCapture.h"
+#include "support/MetaMethods.h"
 #include "support/SerialLine.h"
 
 #include <QSignalSpy>
@@ -45,16 +46,6 @@ namespace {
 QSerialPort *portOf(SerialDevice &link)
 {
     return link.findChild<QSerialPort *>();
-}
-
-QStringList methodsOf(const QMetaObject &meta, QMetaMethod::MethodType type)
-{
-    QStringList names;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        if (meta.method(i).methodType() == type)
-            names << QString::fromLatin1(meta.method(i).methodSignature());
-    }
-    return names;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "device/TelnetDevice.h"
 #include "support/LogCapture.h"
+#include "support/MetaMethods.h"
 #include "support/ScriptedLogger.h"
 #include "support/TemporaryInterval.h"
 
@@ -50,16 +51,6 @@ namespace {
 QTcpSocket *socketOf(TelnetDevice &link)
 {
     return link.findChild<QTcpSocket *>();
-}
-
-QStringList methodsOf(const QMetaObject &meta, QMetaMethod::MethodType type)
-{
-    QStringList names;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        if (meta.method(i).methodType() == type)
-            names << QString::fromLatin1(meta.method(i).methodSignature());
-    }
-    return names;
 }
 
 /// A link that stays connected, and a silent logger that has received its first poll.
