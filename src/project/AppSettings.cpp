@@ -31,17 +31,6 @@ bool write(const IniValues &values)
 #endif
 }
 
-QVariantMap toMap(const QVariant &value)
-{
-    if (value.userType() != QMetaType::QVariantHash)
-        return value.toMap();
-    QVariantMap map;
-    const QVariantHash hash = value.toHash();
-    for (auto it = hash.begin(); it != hash.end(); ++it)
-        map.insert(it.key(), it.value());
-    return map;
-}
-
 IniValues flags(const AppSettings &settings)
 {
     return {{autoLoadKey, settings.autoLoad}, {autoRecordKey, settings.autoRecord}, {keepAliveKey, settings.keepAlive}};
@@ -53,7 +42,7 @@ void AppSettings::load()
 {
     const QSettings store(organization, application);
     recentProjectList = store.value(listKey).toStringList();
-    recentProjects = toMap(store.value(projectsKey));
+    recentProjects = store.value(projectsKey).toMap();
     autoLoad = store.value(autoLoadKey).toBool();
     autoRecord = store.value(autoRecordKey).toBool();
     keepAlive = store.value(keepAliveKey).toBool();

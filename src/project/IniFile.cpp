@@ -19,27 +19,14 @@ std::optional<QByteArray> contentOf(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    return file.readAll();
+    const QByteArray content = file.readAll();
+    return file.error() == QFileDevice::NoError ? std::optional(content) : std::nullopt;
 }
 
 /// Unbuffered, so that a short write shows here and not after the file is in its place.
 bool writeTo(QFileDevice &file, const QByteArray &content)
 {
     return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(content) == content.size();
-}
-
-bool replaceFile(const QString &path, const QByteArray &content)
-{
-    QSaveFile file(path);
-    if (!writeTo(file, content))
-        return false;
-    // A settings object reads its file again only when size or time differ: never give two versions the same time.
-    const QFileInfo old(path);
-    if (old.exists()) {
-        const QDateTime later = old.lastModified().addMSecs(1);
-        file.setFileTime(qMax(QDateTime::currentDateTime(), later), QFileDevice::FileModificationTime);
-    }
-    return file.commit();
 }
 
 bool writeCopy(const QString &path, const QByteArray &content)
@@ -81,6 +68,20 @@ void setValues(QSettings &settings, const IniValues &values)
         else
             settings.remove(key);
     }
+}
+
+bool replaceFile(const QString &path, const QByteArray &content)
+{
+    QSaveFile file(path);
+    if (!writeTo(file, content))
+        return false;
+    // A settings object reads its file again only when size or time differ: never give two versions the same time.
+    const QFileInfo old(path);
+    if (old.exists()) {
+        const QDateTime later = old.lastModified().addMSecs(1);
+        file.setFileTime(qMax(QDateTime::currentDateTime(), later), QFileDevice::FileModificationTime);
+    }
+    return file.commit();
 }
 
 bool rewriteIniFile(const QString &path, const IniValues &values)

@@ -308,8 +308,9 @@ void tst_Reader::sharesTextsOnlyWhenTheyAreEqual()
 {
     QByteArray text = "[";
     for (int round = 0; round < 3; ++round) {
-        for (const char *value : {"\"OFF\"", "\"OFF\"", "\"OFE\"", "\"OF\"", "\"\"", "\"O\xC3\xA4\"", "\"O\\\\\"",
-                                  "\"OFF\"", "1", "null", "{\"a\": \"OFF\",\"b\": \"OFF\"}"})
+        for (const char *value :
+             {"\"OFF\"", "\"OFF\"", "\"OFE\"", "\"OF\"", "\"\"", "\"\xC3\x83\xC2\xA4\"", "\"\xC3\xA4\"",
+              "\"O\xC3\xA4\"", "\"O\\\\\"", "\"OFF\"", "1", "null", "{\"a\": \"OFF\",\"b\": \"OFF\"}"})
             text += QByteArray("{\"a\": ") + value + ",\"b\": \"OFF\"},";
     }
     text += "0]";
