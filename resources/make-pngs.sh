@@ -1,0 +1,31 @@
+#!/bin/sh
+# Makes img/*.png from svg/*.svg, at single and double density. Run by hand after a drawing has changed; the pictures
+# are kept in the repository, so that a build needs neither the renderer nor the font.
+# Needs rsvg-convert (librsvg2-bin) and the font "Open Sans" (fonts-open-sans).
+set -eu
+cd "$(dirname "$0")"
+
+case "$(fc-match -f '%{family}' 'Open Sans')" in
+*"Open Sans"*) ;;
+*) echo "make-pngs.sh: the font \"Open Sans\" is missing" >&2; exit 1 ;;
+esac
+
+# make NAME WIDTH HEIGHT: the size in pixels at single density.
+make() {
+    rsvg-convert -w "$2" -h "$3" -o "img/$1.png" "svg/$1.svg"
+    rsvg-convert -w "$(($2 * 2))" -h "$(($3 * 2))" -o "img/$1@2x.png" "svg/$1.svg"
+}
+
+mkdir -p img
+make LoadingLite 480 280
+make SorvantoLogoLite 135 30
+make OstrivaneLogo 100 18
+make OstrivaneSymbol2 24 24
+make I_2 64 64
+make StateReady 84 16
+make StateRecording 84 16
+make RecordButton 50 50
+make RecordStopButton 50 50
+make DeviceConnectedSymbol 16 16
+make DeviceConnectingSymbol 16 16
+make DeviceDisconnectedSymbol 16 16

@@ -1,0 +1,246 @@
+#include "support/NullSinkServer.h"
+#include "support/SinkMonitor.h"
+#include "app/AlarmSound.h"
+#include <QAudioDeviceInfo>
+#include <QAudioFormat>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <algorithm>
+
+namespace {
+
+constexpr int patienceMs = 20000;
+constexpr double lowToneHz = 880;
+constexpr double highToneHz = 1180;
+constexpr double audibleLevel = 0.2;
+constexpr int alarmCheckMs = 1000;
+
+/// The end of the sound, its fading included, which comes once a play.
+QByteArray endOfSound()
+{
+    QFile file(QStringLiteral("://critical.wav"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().right(2048) : QByteArray();
+}
+
+int playsFinished(SinkMonitor &ear)
+{
+    return ear.heard().count(endOfSound());
+}
+
+/// In tenths of a second.
+int tenthsHeard(SinkMonitor &ear, double frequencyHz)
+{
+    const auto levels = ear.toneLevels(frequencyHz);
+    return int(std::count_if(levels.begin(), levels.end(), [](double level) { return level > audibleLevel; }));
+}
+
+int tenthsHeard(SinkMonitor &ear)
+{
+    return tenthsHeard(ear, lowToneHz) + tenthsHeard(ear, highToneHz);
+}
+
+QAudio::State lastOf(const QSignalSpy &states)
+{
+    return states.isEmpty() ? QAudio::StoppedState : states.last().first().value<QAudio::State>();
+}
+
+} // namespace
+
+/// The alarm as it leaves the machine: through a real sound server, heard at its other end.
+class tst_AlarmSound : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void serverRefusesUnsignedSamples();
+    void soundFileIsCompiledIn();
+    void setUpLogsTheSizeOfTheSound();
+    void missingSoundIsReported();
+    void alarmIsHeard();
+    void alarmRepeatsOncePerFinishedPlay();
+    void activePlayIsNotStartedOver();
+    void alarmStops();
+    void stopEndsThePlay();
+    void nextPlayStartsFromTheBeginning();
+    void serverMayVanishAndComeBack();
+
+private:
+    NullSinkServer m_server;
+    SinkMonitor m_ear;
+};
+
+void tst_AlarmSound::initTestCase()
+{
+    QVERIFY2(m_server.start(), qPrintable(m_server.errorString()));
+    m_server.useHere();
+    QVERIFY(m_ear.start(m_server));
+}
+
+void tst_AlarmSound::init()
+{
+    m_ear.forget();
+}
+
+void tst_AlarmSound::serverRefusesUnsignedSamples()
+{
+    QAudioFormat format;
+    format.setSampleRate(44100);
+    format.setChannelCount(2);
+    format.setSampleSize(16);
+    format.setCodec(QStringLiteral("audio/pcm"));
+    format.setByteOrder(QAudioFormat::LittleEndian);
+    format.setSampleType(QAudioFormat::UnSignedInt);
+    QVERIFY(!QAudioDeviceInfo::defaultOutputDevice().isNull());
+    QVERIFY(!QAudioDeviceInfo::defaultOutputDevice().isFormatSupported(format));
+
+    AlarmSound alarm;
+    QSignalSpy failed(&alarm, &AlarmSound::setUpFailed);
+    QVERIFY(alarm.setUp());
+    QCOMPARE(failed.count(), 0);
+}
+
+void tst_AlarmSound::soundFileIsCompiledIn()
+{
+    QFile file(QStringLiteral("://critical.wav"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.read(4), QByteArray("RIFF"));
+    QCOMPARE((file.size() - 44) % SinkMonitor::frameBytes, 0);
+    // Shorter than the time between two looks at the alarms, or every other look would find it still playing.
+    QVERIFY(file.size() < qint64(SinkMonitor::sampleRate) * SinkMonitor::frameBytes * alarmCheckMs / 1000);
+}
+
+void tst_AlarmSound::setUpLogsTheSizeOfTheSound()
+{
+    QTest::ignoreMessage(QtDebugMsg, "m_audioFile size : 158804");
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+}
+
+void tst_AlarmSound::missingSoundIsReported()
+{
+    AlarmSound alarm(nullptr, QStringLiteral("://missing.wav"));
+    QSignalSpy failed(&alarm, &AlarmSound::setUpFailed);
+    QSignalSpy states(&alarm, &AlarmSound::stateChanged);
+    QTest::ignoreMessage(QtWarningMsg, "Could not find file \"critical.wav\"!");
+    QTest::ignoreMessage(QtDebugMsg, "m_audioFile size : 0");
+    QVERIFY(!alarm.setUp());
+    QCOMPARE(failed.count(), 1);
+    QCOMPARE(failed.first().at(0).toString(), QStringLiteral("critical.wav"));
+    QCOMPARE(failed.first().at(1).toString(), QStringLiteral("Could not find file \"critical.wav\"!"));
+    alarm.setAlarm(true);
+    QCOMPARE(states.count(), 0);
+}
+
+void tst_AlarmSound::alarmIsHeard()
+{
+    AlarmSound alarm;
+    QSignalSpy states(&alarm, &AlarmSound::stateChanged);
+    QVERIFY(alarm.setUp());
+    QCOMPARE(tenthsHeard(m_ear), 0);
+    alarm.setAlarm(true);
+    QTRY_VERIFY_WITH_TIMEOUT(tenthsHeard(m_ear, lowToneHz) > 0 && tenthsHeard(m_ear, highToneHz) > 0, patienceMs);
+    QCOMPARE(states.first().first().value<QAudio::State>(), QAudio::ActiveState);
+    // To its last sample, and unaltered: signed samples are what the file holds.
+    QTRY_COMPARE_WITH_TIMEOUT(playsFinished(m_ear), 1, patienceMs);
+}
+
+void tst_AlarmSound::alarmRepeatsOncePerFinishedPlay()
+{
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+    QTimer check;
+    connect(&check, &QTimer::timeout, &alarm, [&alarm] { alarm.setAlarm(true); });
+    check.start(alarmCheckMs);
+    QTRY_VERIFY_WITH_TIMEOUT(playsFinished(m_ear) >= 3, patienceMs);
+}
+
+void tst_AlarmSound::activePlayIsNotStartedOver()
+{
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+    QSignalSpy states(&alarm, &AlarmSound::stateChanged);
+    alarm.setAlarm(true);
+    QTimer check;
+    int looks = 0;
+    connect(&check, &QTimer::timeout, &alarm, [&] {
+        if (lastOf(states) != QAudio::ActiveState)
+            return;
+        alarm.setAlarm(true);
+        ++looks;
+    });
+    check.start(20);
+    // Were it started over at each look, it would never reach its end.
+    QTRY_COMPARE_WITH_TIMEOUT(playsFinished(m_ear), 1, patienceMs);
+    QVERIFY(looks > 1);
+}
+
+void tst_AlarmSound::alarmStops()
+{
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+    bool inAlarm = true;
+    QTimer check;
+    connect(&check, &QTimer::timeout, &alarm, [&] { alarm.setAlarm(inAlarm); });
+    check.start(alarmCheckMs);
+    QTRY_VERIFY_WITH_TIMEOUT(playsFinished(m_ear) >= 2, patienceMs);
+    inAlarm = false;
+    // Longer than any pause between two plays.
+    QTRY_VERIFY_WITH_TIMEOUT(m_ear.trailingSilenceSeconds() > 2, patienceMs);
+}
+
+void tst_AlarmSound::stopEndsThePlay()
+{
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+    QSignalSpy states(&alarm, &AlarmSound::stateChanged);
+    alarm.setAlarm(true);
+    QTRY_VERIFY_WITH_TIMEOUT(tenthsHeard(m_ear) > 0, patienceMs);
+    alarm.stop();
+    QTRY_COMPARE_WITH_TIMEOUT(lastOf(states), QAudio::StoppedState, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_ear.trailingSilenceSeconds() > 1, patienceMs);
+    QCOMPARE(playsFinished(m_ear), 0);
+}
+
+void tst_AlarmSound::nextPlayStartsFromTheBeginning()
+{
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+    alarm.setAlarm(true);
+    QTRY_VERIFY_WITH_TIMEOUT(tenthsHeard(m_ear) >= 4, patienceMs);
+    alarm.setAlarm(false);
+    QTRY_VERIFY_WITH_TIMEOUT(m_ear.trailingSilenceSeconds() > 0.5, patienceMs);
+    QCOMPARE(playsFinished(m_ear), 0);
+    m_ear.forget();
+    alarm.setAlarm(true);
+    QTRY_COMPARE_WITH_TIMEOUT(playsFinished(m_ear), 1, patienceMs);
+    QVERIFY(tenthsHeard(m_ear) >= 8);
+}
+
+void tst_AlarmSound::serverMayVanishAndComeBack()
+{
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+    QSignalSpy states(&alarm, &AlarmSound::stateChanged);
+    alarm.setAlarm(true);
+    QTRY_VERIFY_WITH_TIMEOUT(tenthsHeard(m_ear) > 0, patienceMs);
+    m_server.kill();
+    QTRY_COMPARE_WITH_TIMEOUT(lastOf(states), QAudio::StoppedState, patienceMs);
+    alarm.setAlarm(true);
+    alarm.setAlarm(false);
+    alarm.stop();
+
+    QVERIFY2(m_server.start(), qPrintable(m_server.errorString()));
+    SinkMonitor ear;
+    QVERIFY(ear.start(m_server));
+    QTimer check;
+    connect(&check, &QTimer::timeout, &alarm, [&alarm] { alarm.setAlarm(true); });
+    check.start(alarmCheckMs);
+    QTRY_VERIFY_WITH_TIMEOUT(playsFinished(ear) > 0, patienceMs);
+}
+
+QTEST_GUILESS_MAIN(tst_AlarmSound)
+#include "tst_AlarmSound.moc"

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "loggersim/Fault.h"
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+namespace loggersim {
+
+/// One answer on its way to the station.
+struct Reply
+{
+    QByteArrayList pieces;   ///< written one after the other
+    int delayMs = 0;         ///< before the next piece
+    int pauseMs = 0;         ///< between any two pieces
+    bool isReading = false;  ///< a well-formed reading, which counts as served
+    bool closeAfter = false; ///< the connection is closed once it has been written
+};
+
+/// The answer to a poll: @p values ("21.50,45.10") after the @p echo, as far as the fault lets them through.
+Reply pollReply(const Fault &fault, const QByteArray &echo, const QByteArray &values);
+
+} // namespace loggersim

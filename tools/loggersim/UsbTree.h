@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+
+namespace loggersim {
+
+/// A small system tree with USB loggers in it, which a program sees instead of the real one when it runs with
+/// programEnvironment(): sysfs as the kernel would show it, and the device nodes of the serial ports.
+/// A plug is a number from 0; the logger in plug 2 is the serial port ttyACM2.
+class UsbTree
+{
+public:
+    UsbTree();
+
+    bool isValid() const { return m_root.isValid(); }
+    QString root() const { return m_root.path(); }
+    static QString portName(int plug);
+
+    /// Lists a logger with this product text whose serial port leads to @p terminal.
+    bool plugIn(int plug, const QString &product, const QString &terminal);
+    void pullOut(int plug);
+
+    /// @p base plus what makes a program look into this tree.
+    QProcessEnvironment programEnvironment(const QProcessEnvironment &base) const;
+    /// Whether the library that redirects a program is installed.
+    static bool canRedirect();
+
+private:
+    QString usbDevice(int plug) const;
+    QString path(const QString &relative) const { return m_root.filePath(relative); }
+    bool writeUsbDevice(int plug, const QString &product) const;
+    bool writePort(int plug, const QString &terminal) const;
+
+    QTemporaryDir m_root;
+};
+
+} // namespace loggersim
