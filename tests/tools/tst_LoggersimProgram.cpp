@@ -27,8 +27,10 @@ public:
     ~Run() override
     {
         disconnect();
-        kill();
-        waitForFinished();
+        // Politely, so that it ends its program and clears its tree.
+        terminate();
+        if (!waitForFinished())
+            kill();
     }
 
     bool ends()
@@ -275,10 +277,8 @@ void tst_LoggersimProgram::programThatDoesNotExist()
 
 void tst_LoggersimProgram::programGetsTheSignal()
 {
-    Run run({"--usb", "1", "--", "sh", "-c",
-             "trap 'echo told; exit 3' TERM; echo waiting; while :; do read x <&3; done "
-             "3<>" +
-                 path("pipe")});
+    const QString script = "trap 'echo told; exit 3' TERM; mkfifo %1; echo waiting; read never <>%1";
+    Run run({"--usb", "1", "--", "sh", "-c", script.arg(path("fifo"))});
     QVERIFY(run.waitFor("waiting").hasMatch());
     run.terminate();
     QVERIFY(run.waitFor("told").hasMatch());
