@@ -41,8 +41,10 @@ AlarmSound::AlarmSound(QObject *parent, const QString &soundFile) : QObject(pare
 
 AlarmSound::~AlarmSound()
 {
-    // The output reads from the file until it is stopped, and the file goes first.
-    stop();
+    // The output reads from the file, which goes first. An owner on its own way out must not hear of it.
+    if (m_audioOutput)
+        m_audioOutput->disconnect(this);
+    delete m_audioOutput;
 }
 
 bool AlarmSound::setUp()

@@ -8,6 +8,8 @@ class QAudioOutput;
 
 /// The alarm that sounds, over and over, for as long as any channel is out of its range.
 /// Without a sound device everything but setUp() does nothing.
+/// Its destruction handles pending events (the toolkit's output does), so an owner deletes it before anything they
+/// concern.
 class AlarmSound : public QObject
 {
     Q_OBJECT

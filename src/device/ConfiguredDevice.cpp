@@ -249,7 +249,8 @@ bool ConfiguredDevice::isOpen() const
     return m_link->isOpen();
 }
 
-void ConfiguredDevice::setLinkAddress(const QString &address)
+void ConfiguredDevice::forgetPort()
 {
-    m_link->setDeviceInfo(address, m_port);
+    m_link->close();
+    m_link->setDeviceInfo({}, m_port);
 }

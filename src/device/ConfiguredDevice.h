@@ -83,8 +83,9 @@ public:
     bool openDevice();
     void closeDevice();
     bool isOpen() const;
-    /// Gives the link the address to open next; the configured address stays as it is.
-    void setLinkAddress(const QString &address);
+    /// Closes the link and leaves it nothing to open until openDevice(): the port of a logger that was unplugged may be
+    /// another logger's by now. The configured address stays as it is.
+    void forgetPort();
 
     /// Refreshes the newest value without recording it; reopens a closed serial link.
     void pollForDisplay();
@@ -128,6 +129,7 @@ private:
     enum class Exchange { Idle = 0, Started = 1, Max1Sent = 3, Min2Sent = 4, Max2Sent = 5, RuleSent = 6, SetSent = 7 };
 
     bool restsFromPolling() const;
+    bool sendPoll();
     void countMissedReply();
     void stampPollTime();
 

@@ -60,7 +60,8 @@ void ConfiguredDevice::pollForDisplay()
     if (restsFromPolling())
         return;
     m_displayPollOutstanding = true;
-    m_link->write();
+    if (!sendPoll())
+        return;
     if (m_interfaceKind == NetworkInterface)
         countMissedReply();
     else if (m_interfaceKind == UsbInterface && !m_link->isOpen())
@@ -72,9 +73,16 @@ void ConfiguredDevice::pollForRecord()
     if (restsFromPolling())
         return;
     stampPollTime();
-    m_link->write();
-    if (m_interfaceKind == NetworkInterface)
+    if (sendPoll() && m_interfaceKind == NetworkInterface)
         countMissedReply();
+}
+
+/// False when a view had this device deleted on hearing that the link has failed.
+bool ConfiguredDevice::sendPoll()
+{
+    const QPointer<ConfiguredDevice> self(this);
+    m_link->write();
+    return self;
 }
 
 bool ConfiguredDevice::restsFromPolling() const
@@ -93,8 +101,9 @@ void ConfiguredDevice::countMissedReply()
     // connected to disconnected, later only after it has had its own chance to answer: closing it on every poll would
     // cut short each attempt to reach the logger again.
     const bool givesUp = m_link->isOpen() && (m_connected || m_unansweredPolls > limit);
+    const QPointer<ConfiguredDevice> self(this);
     deviceDisconnected();
-    if (givesUp) {
+    if (self && givesUp) {
         m_unansweredPolls = 0;
         m_link->close();
     }
@@ -106,15 +115,15 @@ void ConfiguredDevice::readData(const QString &text)
         takeExchangeReply(QString(text).remove(QLatin1Char('\n')));
         return;
     }
-    const QPointer<ConfiguredDevice> self(this);
-    deviceConnected();
     m_missedReplies = 0;
     m_unansweredPolls = 0;
     const QVector<Reading> readings = parseReply(text);
+    const QPointer<ConfiguredDevice> self(this);
+    deviceConnected();
     for (const Reading &reading : readings) {
-        takeReading(reading);
         if (!self)
             return;
+        takeReading(reading);
     }
 }
 
@@ -161,11 +170,12 @@ void ConfiguredDevice::addToHistory(double time, double value1, double value2)
 
 void ConfiguredDevice::pushReading()
 {
+    const QPointer<ConfiguredDevice> self(this);
     if (m_chartView)
         m_chartView->updateData(m_times, m_history1, m_history2, m_ch1Value, m_ch2Value);
-    if (m_tile1)
+    if (self && m_tile1)
         m_tile1->setValue(m_ch1Value);
-    if (m_tile2)
+    if (self && m_tile2)
         m_tile2->setValue(m_ch2Value);
 }
 
@@ -193,13 +203,14 @@ void ConfiguredDevice::checkAlarmAll()
 void ConfiguredDevice::deviceConnected()
 {
     m_connected = true;
+    const QPointer<ConfiguredDevice> self(this);
     if (m_listItem)
         m_listItem->setConnectionState(true);
-    if (m_chartView)
+    if (self && m_chartView)
         m_chartView->setConnected(m_serialNumber);
-    if (m_tile1)
+    if (self && m_tile1)
         m_tile1->setConnected(m_serialNumber);
-    if (m_tile2)
+    if (self && m_tile2)
         m_tile2->setConnected(m_serialNumber);
 }
 
@@ -211,13 +222,14 @@ void ConfiguredDevice::deviceDisconnected()
     m_alarm1 = false;
     m_alarm2 = false;
     m_exchange = Exchange::Idle;
+    const QPointer<ConfiguredDevice> self(this);
     if (m_listItem)
         m_listItem->setConnectionState(false);
-    if (m_chartView)
+    if (self && m_chartView)
         m_chartView->setDisconnected(m_serialNumber);
-    if (m_tile1)
+    if (self && m_tile1)
         m_tile1->setDisconnected(m_serialNumber);
-    if (m_tile2)
+    if (self && m_tile2)
         m_tile2->setDisconnected(m_serialNumber);
 }
 

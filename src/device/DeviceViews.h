@@ -8,7 +8,8 @@ constexpr int historyLength = 240;
 /// Oldest sample first; the newest is the last element.
 using History = std::array<double, historyLength>;
 
-// What a device pushes its news into. The views implement these; a device never owns or deletes them.
+// What a device pushes its news into. The views implement these; a device never owns or deletes them. A view
+// may have the device deleted inside any of these calls; what it was handed dies with the device.
 
 /// Shows one channel's newest value.
 class ChannelTile

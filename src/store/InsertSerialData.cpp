@@ -2,6 +2,7 @@
 
 #include "store/InsertStatement.h"
 #include "store/Logging.h"
+#include "store/RecordingSchema.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -21,6 +22,7 @@ const QString connectOptions = QStringLiteral("QSQLITE_BUSY_TIMEOUT=50");
 
 // Without a journal a full disk ruins the whole file. This leaves room for a batch and for the side file.
 constexpr quint64 minimumFreeSpace = 16 * 1024 * 1024;
+constexpr quint64 generousRowSize = 256;
 
 std::vector<PendingRow> &queue()
 {
@@ -36,6 +38,12 @@ void prepend(const std::vector<PendingRow> &front, std::vector<PendingRow> &rows
 QString clockText()
 {
     return QDateTime::currentDateTime().toString(QStringLiteral("hh:MM:ss.zzz"));
+}
+
+bool isLockError(const QSqlError &error)
+{
+    const QString code = error.nativeErrorCode();
+    return code == QLatin1String("5") || code == QLatin1String("6"); // SQLITE_BUSY, SQLITE_LOCKED
 }
 
 double channelValue(const QVariant &column)
@@ -87,7 +95,7 @@ bool InsertSerialData::createConnection()
         m_open = true;
         return true;
     }
-    if (openConnection() && runPragmas() && createTable()) {
+    if (openConnection() && tuneForAppending(connection()) && createTable(connection())) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
         takeInKeptRows();
@@ -118,7 +126,7 @@ void InsertSerialData::insertNow()
 {
     if (!m_open || queue().empty())
         return;
-    if (m_freeSpace(m_folder) < minimumFreeSpace) {
+    if (m_freeSpace(m_folder) < std::max<quint64>(minimumFreeSpace, queue().size() * generousRowSize)) {
         fail(Failure::DiskNearlyFull,
              QStringLiteral("The disk is nearly full. Readings wait in memory until there is space again."));
         return;
@@ -157,52 +165,6 @@ bool InsertSerialData::openConnection()
     qCWarning(lcStore).noquote().nospace()
         << "InsertSerialData::createConnection : [ERROR] not writable : " << m_databaseFile;
     return false;
-}
-
-bool InsertSerialData::runPragmas() const
-{
-    // The last message names another journal than its statement does. Both are meant to be as they are.
-    static constexpr struct
-    {
-        const char *statement;
-        const char *failure;
-    } pragmas[] = {
-        {"PRAGMA page_size = 4096", "PRAGMA page_size = 4096 : query error"},
-        {"PRAGMA cache_size = 65536", "PRAGMA cache_size = 65536 : query error"},
-        {"PRAGMA journal_mode = OFF", "PRAGMA journal_mode = MEMORY : query error"},
-    };
-    return std::all_of(std::begin(pragmas), std::end(pragmas), [this](const auto &pragma) {
-        const bool done = QSqlQuery(connection()).exec(QLatin1String(pragma.statement));
-        if (!done)
-            qCDebug(lcStore).noquote().nospace() << pragma.failure;
-        return done;
-    });
-}
-
-bool InsertSerialData::createTable() const
-{
-    QSqlQuery query(connection());
-    if (!query.exec(QStringLiteral("select name from sqlite_master where type='table' and name='ostrivane';"))) {
-        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : select table : query error";
-        return false;
-    }
-    if (query.next()) {
-        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : table exist";
-        return true;
-    }
-    if (!query.exec(QStringLiteral("create table ostrivane (\t\tid integer primary key autoincrement,"
-                                   "\t\tserialno varchar(18) not null, \t\tchannel1 float, channel2 float, "
-                                   "\t\tpointDate integer not null\t\t)"))) {
-        qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : create table : query error";
-        return false;
-    }
-    qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : create table";
-    // The range queries would otherwise read the whole file. A recording without the index still works.
-    if (!query.exec(QStringLiteral("create index ostrivane_pointDate on ostrivane (pointDate)"))) {
-        qCWarning(lcStore).noquote().nospace()
-            << "InsertSerialData::createTable : [ERROR] create index : " << query.lastError().text();
-    }
-    return true;
 }
 
 /// Puts the side file's rows in front of the queue. The file stays until they are committed, so a crash may leave
@@ -247,11 +209,12 @@ void InsertSerialData::keepRows()
 /// The exclusive lock, before anything is touched: under any lesser one a mere reader makes the commit fail.
 bool InsertSerialData::takeExclusiveLock()
 {
-    // A failed commit may have left its transaction open. Ending none is harmless.
-    if (m_perhapsStored > 0)
-        connection().commit();
+    const QString begin = QStringLiteral("BEGIN EXCLUSIVE");
     QSqlQuery query(connection());
-    if (!query.exec(QStringLiteral("BEGIN EXCLUSIVE"))) {
+    // Refused for another reason than a lock, an earlier commit may have failed and left its transaction open.
+    const bool begun =
+        query.exec(begin) || (!isLockError(query.lastError()) && connection().commit() && query.exec(begin));
+    if (!begun) {
         failWaiting(query.lastError());
         return false;
     }
@@ -336,8 +299,7 @@ void InsertSerialData::fail(Failure kind, const QString &reason)
 
 void InsertSerialData::failWaiting(const QSqlError &error)
 {
-    const QString code = error.nativeErrorCode();
-    if (code == QLatin1String("5") || code == QLatin1String("6")) { // SQLITE_BUSY, SQLITE_LOCKED
+    if (isLockError(error)) {
         fail(Failure::InUse, QStringLiteral("The recording is in use by another program. "
                                             "Readings wait in memory until it is free."));
     } else {

@@ -58,8 +58,6 @@ private:
 
     QSqlDatabase connection() const;
     bool openConnection();
-    bool runPragmas() const;
-    bool createTable() const;
     void takeInKeptRows();
     void keepRows();
     bool takeExclusiveLock();

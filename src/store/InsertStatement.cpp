@@ -17,7 +17,8 @@ QString literal(const QString &text)
 {
     if (std::none_of(text.cbegin(), text.cend(), needsEscape))
         return QLatin1Char('\'') + text + QLatin1Char('\'');
-    QString escaped = QString::fromUtf8(text.toUtf8());
+    const QByteArray wellFormed = text.toUtf8();
+    QString escaped = QString::fromUtf8(wellFormed.constData(), wellFormed.size());
     escaped.replace(QLatin1Char('\''), QLatin1String("''"));
     escaped.replace(QChar(QChar::Null), QLatin1String("'||char(0)||'"));
     return QLatin1Char('\'') + escaped + QLatin1Char('\'');

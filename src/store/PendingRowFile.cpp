@@ -33,7 +33,8 @@ std::optional<PendingRow> parsed(const QByteArray &line)
     row.time = fields.at(0).toUInt(&timeOk);
     row.channel1 = fields.at(1).toDouble(&channel1Ok);
     row.channel2 = fields.at(2).toDouble(&channel2Ok);
-    row.serial = QString::fromUtf8(QByteArray::fromPercentEncoding(fields.at(3)));
+    const QByteArray serial = QByteArray::fromPercentEncoding(fields.at(3));
+    row.serial = QString::fromUtf8(serial.constData(), serial.size());
     if (!timeOk || !channel1Ok || !channel2Ok)
         return std::nullopt;
     return row;

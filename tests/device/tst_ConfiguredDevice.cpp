@@ -44,7 +44,9 @@ private slots:
     void disconnectEmptiesEverything();
     void listEntryStartsDisconnected();
     void detachedViewsHearNothing();
+    void mayBeDeletedByAView_data();
     void mayBeDeletedByAView();
+    void mayBeDeletedByAViewInsideItsOwnPoll();
     void logsAlarms();
 };
 
@@ -509,18 +511,48 @@ void tst_ConfiguredDevice::detachedViewsHearNothing()
     QCOMPARE(entry.states, QList<bool>{false});
 }
 
+void tst_ConfiguredDevice::mayBeDeletedByAView_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::newRow("when connected") << 1;
+    QTest::newRow("with the first value") << 2;
+    QTest::newRow("with the second value") << 3;
+    QTest::newRow("when disconnected") << 4;
+}
+
 void tst_ConfiguredDevice::mayBeDeletedByAView()
 {
+    QFETCH(int, call);
     QPointer<ConfiguredDevice> device = new ConfiguredDevice("A1", NetworkInterface);
-    FakeTile tile;
-    tile.onValue = [&] {
-        delete device.data();
+    FakeTile tile1;
+    FakeTile tile2;
+    tile1.onCall = [&] {
+        if (tile1.calls.size() == call)
+            delete device.data();
     };
-    device->setTiles(&tile, nullptr);
+    device->setTiles(&tile1, &tile2);
     device->setRecording(true);
     device->readData("1,2\n3,4\n");
+    for (int poll = 0; device && poll < 6; ++poll)
+        device->pollForRecord();
     QVERIFY(!device);
-    QCOMPARE(tile.calls.size(), 2);
+    QCOMPARE(tile1.calls.size(), call);
+    QCOMPARE(tile2.calls.size(), call - 1);
+}
+
+void tst_ConfiguredDevice::mayBeDeletedByAViewInsideItsOwnPoll()
+{
+    for (const bool forRecord : {true, false}) {
+        QPointer<ConfiguredDevice> device = new ConfiguredDevice("B2", UsbInterface);
+        FakeTile tile;
+        tile.onCall = [&] {
+            delete device.data();
+        };
+        device->setTiles(&tile, nullptr);
+        forRecord ? device->pollForRecord() : device->pollForDisplay(); // the port is closed, so the poll fails
+        QVERIFY(!device);
+        QCOMPARE(tile.calls, QStringList("disconnected B2"));
+    }
 }
 
 void tst_ConfiguredDevice::logsAlarms()

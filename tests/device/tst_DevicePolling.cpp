@@ -434,7 +434,7 @@ void tst_DevicePolling::readdressedDeviceUsesItsNewLogger()
     pair.device.setDeviceInfo("Cellar", "1", "2", other.address(), other.port());
     pair.device.pollForRecord();
     QTRY_COMPARE(pair.device.ch1Value(), QString("5.00"));
-    pair.device.setLinkAddress("not an address");
+    pair.device.forgetPort();
     QCOMPARE(pair.device.address(), other.address());
     pair.device.pollForRecord();
     QVERIFY(!pair.device.isOpen());
@@ -500,7 +500,7 @@ void tst_DevicePolling::withdrawnPortIsNotOpened()
 {
     UsbPair pair;
     QVERIFY(pair.device.openDevice());
-    pair.device.setLinkAddress(QString());
+    pair.device.forgetPort();
     pair.device.closeDevice();
     QCOMPARE(pair.device.address(), pair.logger.portName());
     LogCapture log;
@@ -514,7 +514,7 @@ void tst_DevicePolling::withdrawnPortIsNotOpened()
 void tst_DevicePolling::renamingDoesNotGiveThePortBack()
 {
     UsbPair pair;
-    pair.device.setLinkAddress(QString());
+    pair.device.forgetPort();
     pair.device.setDeviceInfo("Loft", "1", "2", pair.logger.portName(), 23);
     QCOMPARE(pair.device.deviceName(), QString("Loft"));
     pair.device.pollForDisplay();
@@ -546,8 +546,9 @@ void tst_DevicePolling::mayBeDeletedInsideItsLinksReply()
     UsbPair usb;
     FakeTile tile;
     QPointer<ConfiguredDevice> device = new ConfiguredDevice("A1", kind);
-    tile.onValue = [&] {
-        delete device.data();
+    tile.onCall = [&] {
+        if (tile.calls.last().startsWith("value"))
+            delete device.data();
     };
     device->setTiles(&tile, nullptr);
     const bool isSerial = kind == UsbInterface;

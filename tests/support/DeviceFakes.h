@@ -10,20 +10,19 @@ class FakeTile : public ChannelTile
 {
 public:
     QStringList calls;
-    /// Runs inside every setValue().
-    std::function<void()> onValue;
+    /// Runs at the end of every call.
+    std::function<void()> onCall;
 
-    QString lastCall() const { return calls.isEmpty() ? QString() : calls.last(); }
-    void setConnected(const QString &serialNumber) override { calls << QStringLiteral("connected ") + serialNumber; }
-    void setDisconnected(const QString &serialNumber) override
+    void setConnected(const QString &serialNumber) override { note(QStringLiteral("connected ") + serialNumber); }
+    void setDisconnected(const QString &serialNumber) override { note(QStringLiteral("disconnected ") + serialNumber); }
+    void setValue(const QString &text) override { note(QStringLiteral("value ") + text); }
+
+private:
+    void note(const QString &call)
     {
-        calls << QStringLiteral("disconnected ") + serialNumber;
-    }
-    void setValue(const QString &text) override
-    {
-        calls << QStringLiteral("value ") + text;
-        if (onValue)
-            onValue();
+        calls << call;
+        if (onCall)
+            onCall();
     }
 };
 

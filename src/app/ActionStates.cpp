@@ -1,0 +1,19 @@
+#include "app/ActionStates.h"
+
+namespace {
+
+// Above this interval a link is closed after every reply, so keeping it open cannot be offered.
+constexpr int longestKeepAliveIntervalMs = 60000;
+
+} // namespace
+
+ActionStates actionStates(const ControllerState &state)
+{
+    ActionStates actions;
+    actions.close = (state.projectCreated || state.projectOpen) && !state.recording;
+    actions.keepAlive = !state.projectOpen || state.intervalMs <= longestKeepAliveIntervalMs;
+    actions.refreshDevices = state.projectOpen;
+    actions.exit = !state.recording;
+    actions.expansionMode = state.projectOpen;
+    return actions;
+}

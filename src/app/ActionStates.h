@@ -1,0 +1,22 @@
+#pragma once
+
+/// What decides which actions an operator may use.
+struct ControllerState
+{
+    bool projectCreated = false; ///< a project has a name; its devices may still be chosen
+    bool projectOpen = false;
+    bool recording = false;
+    int intervalMs = 0;
+};
+
+/// Which menu entries are enabled.
+struct ActionStates
+{
+    bool close = false;
+    bool keepAlive = false;
+    bool refreshDevices = false;
+    bool exit = false;
+    bool expansionMode = false;
+};
+
+ActionStates actionStates(const ControllerState &state);

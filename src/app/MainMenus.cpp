@@ -1,0 +1,53 @@
+#include "app/MainMenus.h"
+
+#include <QMenu>
+
+namespace {
+
+QMenu *makeMenu(const QString &objectName, QWidget *window)
+{
+    auto *menu = new QMenu(window);
+    menu->setObjectName(objectName);
+    menu->setStyleSheet(QStringLiteral("background-color: rgb(203, 203, 203);"));
+    QFont font = menu->font();
+    font.setBold(true);
+    menu->setFont(font);
+    return menu;
+}
+
+QAction *addCheckable(QMenu *menu, const QString &text)
+{
+    QAction *action = menu->addAction(text);
+    action->setCheckable(true);
+    return action;
+}
+
+} // namespace
+
+MainMenus::MainMenus(QWidget *window) : QObject(window)
+{
+    project = makeMenu(QStringLiteral("menu_project"), window);
+    close = project->addAction(tr("Close"));
+    project->addSeparator();
+    autoProject = addCheckable(project, tr("Auto Load Recent Project"));
+    autoRecord = addCheckable(project, tr("Auto Start Record"));
+    keepAlive = addCheckable(project, tr("Keep Socket Connection"));
+    project->addSeparator();
+    refreshDevices = project->addAction(tr("Refresh Devices"));
+    project->addSeparator();
+    exit = project->addAction(tr("Exit"));
+
+    view = makeMenu(QStringLiteral("menu_view"), window);
+    fullScreen = addCheckable(view, tr("FullScreen"));
+    view->addSeparator();
+    expansionMode = addCheckable(view, tr("Expansion Mode"));
+}
+
+void MainMenus::setEnabledStates(const ActionStates &states)
+{
+    close->setEnabled(states.close);
+    keepAlive->setEnabled(states.keepAlive);
+    refreshDevices->setEnabled(states.refreshDevices);
+    exit->setEnabled(states.exit);
+    expansionMode->setEnabled(states.expansionMode);
+}

@@ -1,0 +1,232 @@
+#include "app/SorvantoMain.h"
+
+#include "app/AlarmSound.h"
+#include "app/Logging.h"
+#include "app/MainMenus.h"
+#include "app/StartUp.h"
+#include "device/ConfiguredDevice.h"
+#include "device/DataInterval.h"
+#include "store/InsertSerialData.h"
+#include "ui_SorvantoMain.h"
+#include "views/ProjectCenter.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDateTime>
+#include <QMessageBox>
+#include <QTimer>
+#include <QUuid>
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int stdTimerMs = 1000;
+constexpr int checkTimerMs = 1500;
+
+} // namespace
+
+SorvantoMain::SorvantoMain(QWidget *parent)
+    : QWidget(parent), m_form(std::make_unique<Ui::SorvantoMain>()),
+      m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
+{
+    buildForm();
+    connectMenus();
+    m_settings.load();
+    m_menus->autoProject->setChecked(m_settings.autoLoad);
+    m_menus->autoRecord->setChecked(m_settings.autoRecord);
+    m_menus->keepAlive->setChecked(m_settings.keepAlive);
+    m_settings.pruneRecentProjects();
+    createTimers();
+    setUpAlarmSound();
+
+    const QString recent = m_settings.autoLoadPath();
+    if (!recent.isEmpty())
+        projectLoaded(recent);
+}
+
+SorvantoMain::~SorvantoMain()
+{
+    m_settings.saveAutoFlags();
+    closeProject();
+    stopTimers();
+    closeOstrivaneDevices();
+    // Some sound backends run the event loop while their output is destroyed, so that must not wait for the children's
+    // turn, when this window is no longer whole.
+    delete std::exchange(m_alarmSound, nullptr);
+}
+
+void SorvantoMain::buildForm()
+{
+    m_form->setupUi(this);
+    new QVBoxLayout(m_form->centralFrame);
+    m_form->centralFrame->layout()->setContentsMargins(0, 0, 0, 0);
+    setWindowTitle(QStringLiteral("Sorvanto Lite"));
+    m_form->label_version->setText(versionText());
+    m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")));
+    m_readyPixmap = QPixmap(QStringLiteral(":/img/StateReady.png"));
+    m_recordingPixmap = QPixmap(QStringLiteral(":/img/StateRecording.png"));
+
+    connect(m_form->menuFrame, &TopCustomFrame::customDoubleClick, this, &SorvantoMain::topDblClick);
+    connect(m_form->command_project, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandProject);
+    connect(m_form->command_screen, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandScreen);
+}
+
+void SorvantoMain::connectMenus()
+{
+    m_menus = new MainMenus(this);
+    connect(m_menus->close, &QAction::triggered, this, &SorvantoMain::slotCloseProject);
+    connect(m_menus->autoProject, &QAction::triggered, this, &SorvantoMain::slotAutoProject);
+    connect(m_menus->autoRecord, &QAction::triggered, this, &SorvantoMain::slotAutoRecord);
+    connect(m_menus->keepAlive, &QAction::triggered, this, &SorvantoMain::slotKeepAlive);
+    connect(m_menus->refreshDevices, &QAction::triggered, this, &SorvantoMain::slotRefreshDevice);
+    connect(m_menus->exit, &QAction::triggered, this, &SorvantoMain::close);
+    connect(m_menus->fullScreen, &QAction::triggered, this, &SorvantoMain::slotViewFull);
+    connect(m_menus->expansionMode, &QAction::triggered, this, &SorvantoMain::slotShowHideItem);
+    refreshActions();
+}
+
+void SorvantoMain::createTimers()
+{
+    const auto createTimer = [this](const QString &name, void (SorvantoMain::*slot)()) {
+        auto *timer = new QTimer(this);
+        timer->setObjectName(name);
+        connect(timer, &QTimer::timeout, this, slot);
+        return timer;
+    };
+    m_stdTimer = createTimer(QStringLiteral("stdTimer"), &SorvantoMain::slotStdTimer);
+    m_checkTimer = createTimer(QStringLiteral("checkTimer"), &SorvantoMain::checkConnection);
+    m_writeDeviceTimer = createTimer(QStringLiteral("writeDeviceTimer"), &SorvantoMain::writeDevice);
+    m_writeDbTimer = createTimer(QStringLiteral("writeDbTimer"), &SorvantoMain::writeDb);
+    // A reading's time is the poll's, so polls must neither drift nor come early; the clock keeps their pace.
+    m_stdTimer->setTimerType(Qt::PreciseTimer);
+    m_writeDeviceTimer->setTimerType(Qt::PreciseTimer);
+    m_stdTimer->start(stdTimerMs);
+    m_checkTimer->start(checkTimerMs);
+}
+
+void SorvantoMain::setUpAlarmSound()
+{
+    m_alarmSound = new AlarmSound(this);
+    connect(m_alarmSound, &AlarmSound::stateChanged, this, &SorvantoMain::handleStateChanged);
+    connect(m_alarmSound, &AlarmSound::setUpFailed, this, [this](const QString &title, const QString &text) {
+        QMessageBox::critical(this, title, text, QMessageBox::Ok);
+    });
+    m_alarmSound->setUp();
+}
+
+void SorvantoMain::stopTimers()
+{
+    for (QTimer *timer : {m_writeDeviceTimer, m_checkTimer, m_stdTimer, m_writeDbTimer})
+        timer->stop();
+}
+
+bool SorvantoMain::hasFailed() const
+{
+    return m_bHasFailed;
+}
+
+bool SorvantoMain::isProjectOpen() const
+{
+    return m_bIsProjectOpen;
+}
+
+bool SorvantoMain::isRecording() const
+{
+    return m_bIsRecordStart;
+}
+
+QList<AvailDevice *> SorvantoMain::availDevices() const
+{
+    return m_availDeviceList;
+}
+
+QList<ConfiguredDevice *> SorvantoMain::configuredDevices() const
+{
+    return m_configuredDevices;
+}
+
+ConfiguredDevice *SorvantoMain::deviceOf(const QString &key) const
+{
+    const auto found = std::find_if(m_configuredDevices.cbegin(), m_configuredDevices.cend(),
+                                    [&key](const ConfiguredDevice *device) { return device->serialNumber() == key; });
+    return found == m_configuredDevices.cend() ? nullptr : *found;
+}
+
+AvailDevice *SorvantoMain::availDeviceOf(const QString &key) const
+{
+    const auto found = std::find_if(m_availDeviceList.cbegin(), m_availDeviceList.cend(),
+                                    [&key](const AvailDevice *record) { return record->key == key; });
+    return found == m_availDeviceList.cend() ? nullptr : *found;
+}
+
+void SorvantoMain::refreshActions()
+{
+    m_menus->setEnabledStates(
+        actionStates({!m_projectFile.isEmpty(), m_bIsProjectOpen, m_bIsRecordStart, dataIntervalMs}));
+}
+
+void SorvantoMain::writeDevice()
+{
+    if (!m_bIsProjectOpen)
+        return;
+    for (ConfiguredDevice *device : m_configuredDevices)
+        device->pollForRecord();
+}
+
+void SorvantoMain::slotStdTimer()
+{
+    m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    if (m_projectCenter)
+        updateRecordRange();
+    checkAlarmSound();
+}
+
+void SorvantoMain::slotRefreshDevice()
+{
+    if (!m_bIsProjectOpen)
+        return;
+    for (ConfiguredDevice *device : m_configuredDevices)
+        device->pollForDisplay();
+}
+
+void SorvantoMain::slotRefreshAvailDeviceList()
+{
+    checkConnection();
+    broadcastDevice();
+}
+
+void SorvantoMain::slotKeepAlive(bool on)
+{
+    m_settings.keepAlive = on;
+    m_settings.saveAutoFlags();
+    if (!m_bIsProjectOpen)
+        return;
+    for (ConfiguredDevice *device : m_configuredDevices)
+        device->setKeepConnection(on);
+}
+
+void SorvantoMain::stopRunningRecording()
+{
+    if (m_bIsRecordStart)
+        slotStopRecord();
+}
+
+void SorvantoMain::endProgram()
+{
+    stopRunningRecording();
+    close();
+    QCoreApplication::exit(0);
+}
+
+void SorvantoMain::closeEvent(QCloseEvent *event)
+{
+    if (m_bIsRecordStart) {
+        event->ignore();
+        return;
+    }
+    slotCloseProject();
+    stopTimers();
+    closeOstrivaneDevices();
+    event->accept();
+}

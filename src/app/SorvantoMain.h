@@ -1,0 +1,160 @@
+#pragma once
+
+#include "device/AvailDevice.h"
+#include "device/UsbLoggers.h"
+#include "project/AppSettings.h"
+
+#include <QAudio>
+#include <QHostAddress>
+#include <QList>
+#include <QPixmap>
+#include <QStringList>
+#include <QWidget>
+#include <memory>
+
+class AlarmSound;
+class ConfiguredDevice;
+class InsertSerialData;
+class MainMenus;
+class ProjectCenter;
+class QMenu;
+class QTimer;
+class QUdpSocket;
+struct DeviceEntry;
+struct DiscoveryReply;
+
+namespace Ui {
+class SorvantoMain;
+}
+
+/// The main window and controller: owns the open project's devices, the loggers in reach, the timers, the recording and
+/// the screen in its centre.
+class SorvantoMain : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Does all the loading work; with auto-load on, a project is open and recorded when this returns.
+    explicit SorvantoMain(QWidget *parent = nullptr);
+    ~SorvantoMain() override;
+
+    /// Whether the recording could not be created, after which the program ends.
+    bool hasFailed() const;
+    bool isProjectOpen() const;
+    bool isRecording() const;
+    /// Every logger in reach; the records belong to the controller and change with every scan.
+    QList<AvailDevice *> availDevices() const;
+    QList<ConfiguredDevice *> configuredDevices() const;
+
+    /// Asks the network's loggers to announce themselves; answers join availDevices().
+    void broadcastDevice();
+
+    /// Stops a running recording so that everything read so far is in the file.
+    void stopRunningRecording();
+    /// Stops a running recording, closes the window and ends the event loop.
+    void endProgram();
+
+public slots:
+    void topDblClick();
+    void slotCommandProject();
+    void slotCommandScreen();
+    void slotViewFull(bool on);
+    void slotShowHideItem(bool on);
+    void slotCloseProject();
+    void slotRefreshDevice();
+    void slotAutoProject(bool on);
+    void slotAutoRecord(bool on);
+    void slotKeepAlive(bool on);
+    void slotUpdateProjectFile();
+    void slotRefreshAvailDeviceList();
+    void slotToggleRecord();
+    void slotStartRecord();
+    void slotStopRecord();
+    void projectLoaded(const QString &path);
+    void checkConnection();
+    void slotStdTimer();
+    void writeDevice();
+    void writeDb();
+    void slotSndUdpSocketDeleted();
+    void slotRcvUdpSocketDeleted();
+    void readPendingDatagrams();
+    void handleStateChanged(QAudio::State state);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    // Life cycle
+    void buildForm();
+    void connectMenus();
+    void createTimers();
+    void stopTimers();
+    void setUpAlarmSound();
+    void checkAlarmSound();
+    ConfiguredDevice *deviceOf(const QString &key) const;
+    AvailDevice *availDeviceOf(const QString &key) const;
+    void refreshActions();
+
+    // USB loggers
+    void dropVanishedLoggers(const QList<UsbLogger> &found);
+    void mergeUsbLoggers(const QList<UsbLogger> &found);
+    void openOstrivaneDevices();
+    void openUsbDevice(ConfiguredDevice *device, const AvailDevice &record);
+    void reopenClosedUsbDevices();
+    void closeSerialDevices();
+    void closeOstrivaneDevices();
+
+    // Recording
+    bool createInsertSerialData(const QString &path);
+    void deleteInsertSerialData();
+    void toggleRecordState(bool on);
+    void updateRecordRange();
+    void slotWritingFailed(const QString &reason);
+    void slotWritingRestored();
+
+    // Discovery
+    bool prepareSendSocket(const QHostAddress &local);
+    void closeDiscoverySockets();
+    void mergeDiscovered(const DiscoveryReply &reply);
+
+    // Project flow
+    void adoptDevices(const QList<DeviceEntry> &entries);
+    void openProjectView();
+    void deleteProjectCenter();
+    void closeProject();
+    void showProjectLabels();
+
+    // Shell
+    void dropDown(QMenu *menu, const QWidget *button);
+    void showTimedMessage(const QString &title, const QString &text);
+
+    std::unique_ptr<Ui::SorvantoMain> m_form;
+    AppSettings m_settings;
+    QString m_projectName;
+    QString m_projectFile;
+    QList<ConfiguredDevice *> m_configuredDevices;
+    QList<AvailDevice *> m_availDeviceList;
+    QList<AvailDevice *> m_serialDeviceList; // the USB records of m_availDeviceList
+    QStringList m_dashboardNames;
+    QString m_databasePath;
+    QString m_dbConnectionName;
+
+    bool m_bIsProjectOpen = false;
+    bool m_bIsRecordStart = false;
+    bool m_usbPresent = false;
+    bool m_usbPresentBefore = false;
+    bool m_bHasFailed = false;
+
+    MainMenus *m_menus = nullptr;
+    QTimer *m_stdTimer = nullptr;
+    QTimer *m_checkTimer = nullptr;
+    QTimer *m_writeDeviceTimer = nullptr;
+    QTimer *m_writeDbTimer = nullptr;
+    InsertSerialData *m_insertSerialData = nullptr;
+    QUdpSocket *m_sndUdpSocket = nullptr;
+    QUdpSocket *m_rcvUdpSocket = nullptr;
+    AlarmSound *m_alarmSound = nullptr;
+    ProjectCenter *m_projectCenter = nullptr;
+    QPixmap m_readyPixmap;
+    QPixmap m_recordingPixmap;
+};

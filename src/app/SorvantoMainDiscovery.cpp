@@ -1,0 +1,117 @@
+#include "app/SorvantoMain.h"
+
+#include "app/Logging.h"
+#include "device/Discovery.h"
+
+#include <QNetworkDatagram>
+#include <QUdpSocket>
+
+namespace {
+
+// A flood must leave the event loop time for everything else; what is left is read at its next turn.
+constexpr int datagramsPerTurn = 64;
+
+} // namespace
+
+void SorvantoMain::broadcastDevice()
+{
+    closeDiscoverySockets();
+    m_sndUdpSocket = new QUdpSocket(this);
+    connect(m_sndUdpSocket, &QObject::destroyed, this, &SorvantoMain::slotSndUdpSocketDeleted);
+    m_rcvUdpSocket = new QUdpSocket(this);
+    connect(m_rcvUdpSocket, &QUdpSocket::readyRead, this, &SorvantoMain::readPendingDatagrams);
+    connect(m_rcvUdpSocket, &QObject::destroyed, this, &SorvantoMain::slotRcvUdpSocketDeleted);
+
+    QHostAddress local;
+    if (!findLocalIpv4Address(local)) {
+        qCDebug(lcApp) << "[ERROR] SorvantoMain::broadcastDevice : can't get local ip address.";
+        showTimedMessage(QStringLiteral("WARNING"), QStringLiteral("Cannot Get Local IP address.\nPlease retry."));
+        return;
+    }
+    qCDebug(lcApp).noquote() << "SorvantoMain::broadcastDevice : local ip address :" << local.toString();
+    if (!prepareSendSocket(local)) {
+        qCDebug(lcApp) << "[ERROR] SorvantoMain::broadcastDevice : m_sndUdpSocket->isValid() : false";
+        showTimedMessage(QStringLiteral("WARNING"), QStringLiteral("UDP Send Socket Down.\nPlease retry."));
+        return;
+    }
+
+    const quint16 replyPort = m_sndUdpSocket->localPort();
+    qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->localPort :" << replyPort;
+    const bool bound =
+        m_rcvUdpSocket->bind(local, replyPort, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
+    qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_rcvUdpSocket->bind :" << bound;
+    qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->write :"
+                   << m_sndUdpSocket->write(discoveryRequest());
+    m_sndUdpSocket->disconnectFromHost();
+}
+
+/// The send socket is bound before it is connected: only so can the receive socket share its port afterwards.
+bool SorvantoMain::prepareSendSocket(const QHostAddress &local)
+{
+    m_sndUdpSocket->bind(local, 0, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
+    m_sndUdpSocket->connectToHost(broadcastAddressOf(local), discoveryPort, QIODevice::ReadWrite);
+    return m_sndUdpSocket->isValid();
+}
+
+/// Deleted later, because this may run inside a signal of the receive socket.
+void SorvantoMain::closeDiscoverySockets()
+{
+    for (QUdpSocket **member : {&m_rcvUdpSocket, &m_sndUdpSocket}) {
+        QUdpSocket *socket = std::exchange(*member, nullptr);
+        if (!socket)
+            continue;
+        socket->abort();
+        socket->close();
+        socket->deleteLater();
+    }
+}
+
+void SorvantoMain::slotSndUdpSocketDeleted()
+{
+    qCDebug(lcApp) << "SorvantoMain::slotSndUdpSocketDeleted";
+    if (sender() == m_sndUdpSocket)
+        m_sndUdpSocket = nullptr;
+}
+
+void SorvantoMain::slotRcvUdpSocketDeleted()
+{
+    qCDebug(lcApp) << "SorvantoMain::slotRcvUdpSocketDeleted";
+    if (sender() == m_rcvUdpSocket)
+        m_rcvUdpSocket = nullptr;
+}
+
+void SorvantoMain::readPendingDatagrams()
+{
+    qCDebug(lcApp) << "SorvantoMain::readPendingDatagrams()";
+    for (int cnt = 0; cnt < datagramsPerTurn && m_rcvUdpSocket && m_rcvUdpSocket->hasPendingDatagrams(); ++cnt) {
+        const QNetworkDatagram datagram = m_rcvUdpSocket->receiveDatagram();
+        const QByteArray bytes = datagram.data();
+        qCDebug(lcApp) << "SorvantoMain::readPendingDatagrams : cnt :" << cnt << ", size :" << bytes.size()
+                       << datagram.senderAddress().toString() << bytes;
+        if (!isDiscoveryReply(bytes))
+            continue;
+        if (const auto reply = decodeDiscoveryReply(bytes))
+            mergeDiscovered(*reply);
+        else
+            qCDebug(lcApp) << "[ERROR] SorvantoMain::readPendingDatagrams : reply too short, size :" << bytes.size();
+    }
+    qCDebug(lcApp).nospace() << "SorvantoMain::readPendingDatagrams m_availDeviceList size :["
+                             << m_availDeviceList.size() << "]";
+}
+
+void SorvantoMain::mergeDiscovered(const DiscoveryReply &reply)
+{
+    const auto port = static_cast<quint16>(reply.announcedPort);
+    qCDebug(lcApp).noquote() << "ipaddr :" << reply.ipAddress;
+    qCDebug(lcApp).noquote() << "macaddr :" << reply.macAddress;
+    qCDebug(lcApp) << "usedhcp :" << reply.usesDhcp;
+    qCDebug(lcApp) << "portnumber :" << reply.announcedPort;
+
+    AvailDevice *record = availDeviceOf(reply.macAddress);
+    if (!record) {
+        record = new AvailDevice{reply.macAddress, {}, defaultDevicePort, NetworkInterface};
+        m_availDeviceList.append(record);
+    }
+    record->address = reply.ipAddress;
+    record->port = port;
+}

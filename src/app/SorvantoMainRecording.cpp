@@ -1,0 +1,164 @@
+#include "app/SorvantoMain.h"
+
+#include "app/Logging.h"
+#include "device/ConfiguredDevice.h"
+#include "project/ProjectFile.h"
+#include "store/InsertSerialData.h"
+#include "ui_SorvantoMain.h"
+#include "views/ProjectCenter.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QTimer>
+
+namespace {
+
+constexpr int writeDbTimerMs = 1500;
+
+// Rows are written in batches; a lone logger would otherwise wait too long for its first one.
+constexpr int batchOfOneDevice = 8;
+constexpr int batchOfSeveralDevices = 16;
+
+QString now()
+{
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
+QString localTimeText(quint32 unixSeconds)
+{
+    if (unixSeconds == 0)
+        return {};
+    return QDateTime::fromSecsSinceEpoch(unixSeconds).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+}
+
+} // namespace
+
+bool SorvantoMain::createInsertSerialData(const QString &path)
+{
+    m_insertSerialData = new InsertSerialData(path, m_dbConnectionName, this);
+    connect(m_insertSerialData, &InsertSerialData::writingFailed, this, &SorvantoMain::slotWritingFailed);
+    connect(m_insertSerialData, &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
+    if (!m_insertSerialData->createConnection()) {
+        delete m_insertSerialData;
+        m_insertSerialData = nullptr;
+        m_bHasFailed = true;
+        QMessageBox::critical(nullptr, QStringLiteral("ERROR"),
+                              QStringLiteral("Create database error!\nExit program."), QMessageBox::Ok);
+        close();
+        QCoreApplication::exit(0);
+        return false;
+    }
+    qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
+    m_projectCenter->setRecordRange(localTimeText(m_insertSerialData->startDateTime()),
+                                    localTimeText(m_insertSerialData->endDateTime()));
+    return true;
+}
+
+void SorvantoMain::deleteInsertSerialData()
+{
+    if (!m_insertSerialData)
+        return;
+    qCDebug(lcApp) << "SorvantoMain::deleteInsertSerialData()";
+    delete m_insertSerialData;
+    m_insertSerialData = nullptr;
+}
+
+void SorvantoMain::slotToggleRecord()
+{
+    if (m_bIsRecordStart)
+        slotStopRecord();
+    else
+        slotStartRecord();
+}
+
+void SorvantoMain::toggleRecordState(bool on)
+{
+    m_bIsRecordStart = on;
+    qCDebug(lcApp) << "SorvantoMain::toggleRecordState : m_bIsRecordStart :" << on;
+    refreshActions();
+    for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+        device->setRecording(on);
+}
+
+void SorvantoMain::slotStartRecord()
+{
+    qCDebug(lcApp) << "SorvantoMain::slotStartRecord";
+    m_writeDbTimer->stop();
+    if (!m_insertSerialData || !m_insertSerialData->isOpen()) {
+        showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Database does not exist."));
+        qCDebug(lcApp) << "SorvantoMain::slotStartRecord : [ERROR] Database does not exist";
+        return;
+    }
+    toggleRecordState(true);
+    m_writeDbTimer->start(writeDbTimerMs);
+    m_form->label_record_state->setPixmap(m_recordingPixmap);
+    if (m_projectCenter) {
+        m_projectCenter->setRecordState(true);
+        ProjectFile(m_projectFile).setRecordStartTime(m_projectCenter->startTimeText());
+    }
+}
+
+void SorvantoMain::slotStopRecord()
+{
+    qCDebug(lcApp) << "SorvantoMain::slotStopRecord";
+    toggleRecordState(false);
+    m_writeDbTimer->stop();
+
+    quint32 start = 0;
+    quint32 end = 0;
+    if (m_insertSerialData && m_insertSerialData->isOpen()) {
+        m_insertSerialData->insertNow();
+        for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+            device->insertNoValue();
+        m_insertSerialData->insertNow();
+        start = m_insertSerialData->startDateTime();
+        end = m_insertSerialData->endDateTime();
+        ProjectFile file(m_projectFile);
+        if (start != 0)
+            file.setRecordStartTime(localTimeText(start));
+        if (end != 0)
+            file.setRecordStopTime(localTimeText(end));
+    }
+    m_form->label_record_state->setPixmap(m_readyPixmap);
+    if (!m_projectCenter)
+        return;
+    m_projectCenter->setRecordState(false);
+    if (start != 0)
+        m_projectCenter->setStartTimeText(localTimeText(start));
+    if (end != 0)
+        m_projectCenter->setEndTimeText(localTimeText(end));
+}
+
+void SorvantoMain::writeDb()
+{
+    if (!m_insertSerialData || !m_insertSerialData->isOpen())
+        return;
+    const int batch = m_configuredDevices.size() < 2 ? batchOfOneDevice : batchOfSeveralDevices;
+    if (InsertSerialData::pendingCount() >= batch)
+        m_insertSerialData->insertNow();
+}
+
+void SorvantoMain::updateRecordRange()
+{
+    if (!m_projectCenter->startTimeText().isEmpty() && !m_projectCenter->endTimeText().isEmpty()) {
+        const QFileInfo database(m_databasePath);
+        if (database.exists())
+            m_projectCenter->setDatabaseSize(database.size());
+    }
+    if (m_bIsRecordStart)
+        m_projectCenter->setEndTimeText(now());
+}
+
+void SorvantoMain::slotWritingFailed(const QString &reason)
+{
+    showTimedMessage(QStringLiteral("ERROR"), reason);
+    if (m_projectCenter)
+        m_projectCenter->setWriteTrouble(reason);
+}
+
+void SorvantoMain::slotWritingRestored()
+{
+    if (m_projectCenter)
+        m_projectCenter->setWriteTrouble({});
+}

@@ -1,0 +1,59 @@
+#include "app/StartUp.h"
+
+#include "app/SorvantoMain.h"
+#include "app/TerminationSignals.h"
+
+#include <QApplication>
+#include <QSplashScreen>
+#include <QThread>
+
+namespace {
+
+// The splash stays for this long however quickly the station was built.
+constexpr unsigned long splashMs = 2500;
+
+} // namespace
+
+QString versionText()
+{
+    return QStringLiteral("V3.54");
+}
+
+void installMessagePattern()
+{
+    qSetMessagePattern(QStringLiteral("%{message}"));
+}
+
+QSplashScreen *showSplash()
+{
+    auto *splash = new QSplashScreen(QPixmap(QStringLiteral(":/img/LoadingLite.png")));
+    splash->show();
+    splash->showMessage(QStringLiteral("[%1] Loading modules...").arg(versionText()),
+                        Qt::AlignHCenter | Qt::AlignBottom, Qt::darkGray);
+    return splash;
+}
+
+int runStation(QApplication &application)
+{
+    TerminationSignals signalsFromSystem;
+    QSplashScreen *splash = showSplash();
+
+    SorvantoMain mainWindow;
+    if (mainWindow.hasFailed())
+        return 0;
+    if (signalsFromSystem.wasRequested()) {
+        mainWindow.stopRunningRecording();
+        return 0;
+    }
+    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
+                     &SorvantoMain::endProgram);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &mainWindow,
+                     &SorvantoMain::stopRunningRecording, Qt::DirectConnection);
+
+    QCoreApplication::processEvents();
+    QThread::msleep(splashMs);
+
+    mainWindow.show();
+    splash->finish(&mainWindow);
+    return QApplication::exec();
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+class QApplication;
+class QSplashScreen;
+
+/// The version shown on the splash screen, in the main window and in the About box.
+QString versionText();
+
+/// Log lines are the bare message, so that they read as they are written.
+void installMessagePattern();
+
+/// Shows the splash picture with its loading line. The splash is never deleted: finish() hides it.
+QSplashScreen *showSplash();
+
+/// Builds the station, waits out the splash, shows the window and runs until it closes; returns the exit code.
+int runStation(QApplication &application);

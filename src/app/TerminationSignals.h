@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QObject>
+#include <memory>
+
+/// Turns the system's requests to end the program (SIGTERM, SIGINT) into a signal on the event loop.
+/// At most one object of this class may exist at a time.
+class TerminationSignals : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TerminationSignals(QObject *parent = nullptr);
+    ~TerminationSignals() override;
+
+    /// Whether a request has been delivered already, to a listener or to none.
+    bool wasRequested() const;
+
+signals:
+    void terminationRequested();
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};

@@ -1,0 +1,71 @@
+#include "app/TerminationSignals.h"
+
+#include <QSocketNotifier>
+
+#include <array>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// A signal handler may do little more than write to a pipe; the event loop reads the other end.
+std::array<int, 2> signalPipe{-1, -1};
+
+constexpr std::array<int, 2> handledSignals{SIGTERM, SIGINT};
+
+void writeToPipe(int)
+{
+    const char byte = 0;
+    // A full pipe already holds a request, so a failed write loses nothing.
+    [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
+
+void setHandler(void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    for (int number : handledSignals)
+        ::sigaction(number, &action, nullptr);
+}
+
+} // namespace
+
+class TerminationSignals::Private
+{
+public:
+    std::unique_ptr<QSocketNotifier> notifier;
+    bool requested = false;
+};
+
+TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
+{
+    if (::pipe2(signalPipe.data(), O_NONBLOCK | O_CLOEXEC) != 0)
+        return;
+    d->notifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
+    connect(d->notifier.get(), &QSocketNotifier::activated, this, [this] {
+        char bytes[16];
+        while (::read(signalPipe[0], bytes, sizeof(bytes)) > 0) {
+        }
+        d->requested = true;
+        emit terminationRequested();
+    });
+    setHandler(writeToPipe);
+}
+
+TerminationSignals::~TerminationSignals()
+{
+    setHandler(SIG_DFL);
+    d->notifier.reset();
+    for (int &end : signalPipe) {
+        if (end != -1)
+            ::close(end);
+        end = -1;
+    }
+}
+
+bool TerminationSignals::wasRequested() const
+{
+    return d->requested;
+}

@@ -1,0 +1,15 @@
+#include "dialogs/TransientMessage.h"
+
+#include "dialogs/MessageDialog.h"
+#include <QTimer>
+
+MessageDialog *showTransientMessage(const QString &title, const QString &text, QWidget *parent)
+{
+    auto *dialog = new MessageDialog(title, text, parent);
+    auto *timer = new QTimer(dialog);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, dialog, &QWidget::close);
+    timer->start(transientMessageMs);
+    dialog->show();
+    return dialog;
+}

@@ -1,0 +1,110 @@
+#include "views/ProjectCenter.h"
+
+#include "device/ConfiguredDevice.h"
+#include "ui_ProjectCenter.h"
+#include "views/ProjectList.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+namespace {
+
+const QString recordingColour = QStringLiteral("color:rgb(255,255,147);background-color:transparent;");
+const QString idleColour = QStringLiteral("color:rgb(192,192,192);background-color:transparent;");
+const QString overLimitColour = QStringLiteral("color:rgb(230,80,80);background-color:transparent;");
+
+constexpr qint64 databaseSizeLimit = 3LL * 1024 * 1024 * 1024;
+constexpr double bytesPerMegabyte = 1048576.0;
+
+QString now()
+{
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+}
+
+} // namespace
+
+ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
+    : QWidget(parent), m_form(std::make_unique<Ui::ProjectCenter>()),
+      m_recordIcon(QStringLiteral(":/img/RecordButton.png")),
+      m_recordStopIcon(QStringLiteral(":/img/RecordStopButton.png")),
+      m_projectList(new ProjectList(QFileInfo(projectFile).baseName(), this))
+{
+    m_form->setupUi(this);
+    auto *listLayout = new QVBoxLayout(m_form->widget_list);
+    listLayout->addWidget(m_projectList);
+    m_form->label_record_error->hide();
+    connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
+}
+
+ProjectCenter::~ProjectCenter() = default;
+
+void ProjectCenter::setDevices(const QList<ConfiguredDevice *> &devices)
+{
+    m_projectList->setDevices(devices);
+}
+
+void ProjectCenter::setDeviceListVisible(bool visible)
+{
+    m_form->widget_list->setVisible(visible);
+}
+
+void ProjectCenter::setRecordState(bool recording)
+{
+    const QString colour = recording ? recordingColour : idleColour;
+    for (QLabel *label : {m_form->label_record_starttime, m_form->label_record_endtime, m_form->label_to})
+        label->setStyleSheet(colour);
+    m_form->btn_record->setIcon(recording ? m_recordStopIcon : m_recordIcon);
+    if (recording) {
+        if (startTimeText().isEmpty())
+            setStartTimeText(now());
+        m_form->label_to->setText(QStringLiteral("~"));
+    } else {
+        setEndTimeText(now());
+        m_form->label_to->clear();
+    }
+}
+
+void ProjectCenter::setDatabaseSize(qint64 bytes)
+{
+    m_form->label_record_bytes->setStyleSheet(bytes < databaseSizeLimit ? idleColour : overLimitColour);
+    m_form->label_record_bytes->setText(QStringLiteral("Database ") +
+                                        QString::number(double(bytes) / bytesPerMegabyte, 'f', 2) +
+                                        QStringLiteral("MB"));
+}
+
+void ProjectCenter::setWriteTrouble(const QString &reason)
+{
+    m_form->label_record_error->setText(reason);
+    m_form->label_record_error->setVisible(!reason.isEmpty());
+}
+
+QString ProjectCenter::startTimeText() const
+{
+    return m_form->label_record_starttime->text();
+}
+
+QString ProjectCenter::endTimeText() const
+{
+    return m_form->label_record_endtime->text();
+}
+
+void ProjectCenter::setStartTimeText(const QString &text)
+{
+    m_form->label_record_starttime->setText(text);
+}
+
+void ProjectCenter::setEndTimeText(const QString &text)
+{
+    m_form->label_record_endtime->setText(text);
+}
+
+void ProjectCenter::setRecordRange(const QString &start, const QString &end)
+{
+    setStartTimeText(start);
+    setEndTimeText(end);
+}
+
+void ProjectCenter::slotRecord()
+{
+    emit clickRecord();
+}

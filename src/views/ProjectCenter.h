@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QIcon>
+#include <QList>
+#include <QWidget>
+#include <memory>
+
+class ConfiguredDevice;
+class ProjectList;
+
+namespace Ui {
+class ProjectCenter;
+}
+
+/// The panel of an open project: its devices on the left, the board beside them, the record bar below.
+class ProjectCenter : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ProjectCenter(const QString &projectFile, QWidget *parent = nullptr);
+    ~ProjectCenter() override;
+
+    /// Devices are not owned; they must be detached from their views before this panel goes away.
+    void setDevices(const QList<ConfiguredDevice *> &devices);
+    void setDeviceListVisible(bool visible);
+
+    /// Recording: keeps the start text, or takes the present time where there is none. Idle: ends the range now.
+    void setRecordState(bool recording);
+    /// The size of the recording in bytes; from 3 GiB on it is shown as too large.
+    void setDatabaseSize(qint64 bytes);
+    /// Why readings are not reaching the recording at present; an empty text when they are.
+    void setWriteTrouble(const QString &reason);
+
+    // The record range, as shown: "yyyy-MM-dd hh:mm:ss" or empty.
+    QString startTimeText() const;
+    QString endTimeText() const;
+    void setStartTimeText(const QString &text);
+    void setEndTimeText(const QString &text);
+    void setRecordRange(const QString &start, const QString &end);
+
+signals:
+    void clickRecord();
+
+private slots:
+    void slotRecord();
+
+private:
+    std::unique_ptr<Ui::ProjectCenter> m_form;
+    QIcon m_recordIcon;
+    QIcon m_recordStopIcon;
+    ProjectList *m_projectList;
+};

@@ -1,0 +1,393 @@
+#include "StationFixture.h"
+
+#include "app/SorvantoMain.h"
+#include "device/ConfiguredDevice.h"
+#include "device/DataInterval.h"
+#include "support/ScriptedLogger.h"
+
+#include <QDir>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTcpSocket>
+#include <QTimer>
+
+namespace {
+
+QAction *action(const SorvantoMain &station, const char *menu, const QString &text)
+{
+    const QList<QAction *> actions = child<QMenu>(station, menu)->actions();
+    for (QAction *candidate : actions) {
+        if (candidate->text() == text)
+            return candidate;
+    }
+    qFatal("no action of that text");
+}
+
+QStringList enabledActions(const SorvantoMain &station)
+{
+    QStringList texts;
+    for (const char *menu : {"menu_project", "menu_view"}) {
+        const QList<QAction *> actions = child<QMenu>(station, menu)->actions();
+        for (const QAction *candidate : actions) {
+            if (!candidate->isSeparator() && candidate->isEnabled())
+                texts << candidate->text();
+        }
+    }
+    return texts;
+}
+
+QString labelText(const SorvantoMain &station, const char *name)
+{
+    return child<QLabel>(station, name)->text();
+}
+
+} // namespace
+
+/// Loading, showing and closing projects in the real window, against loggers on real sockets.
+class tst_ProjectFlow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_fixture = std::make_unique<StationFixture>(); }
+
+    void cleanup()
+    {
+        m_fixture.reset();
+        QCOMPARE(dataIntervalMs, defaultDataIntervalMs);
+    }
+
+    void startsWithoutAProject()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        m_fixture->listProject(QStringLiteral("Kitchen"), false);
+        SorvantoMain station;
+        QVERIFY(!station.isProjectOpen());
+        QCOMPARE(station.windowTitle(), QStringLiteral("Sorvanto Lite"));
+        QCOMPARE(labelText(station, "label_version"), QStringLiteral("V3.54"));
+        QVERIFY(QDateTime::fromString(labelText(station, "label_datetime"), QStringLiteral("dd/MM/yyyy HH:mm:ss"))
+                    .isValid());
+        QCOMPARE(labelText(station, "label_projectname"), QString());
+        QCOMPARE(enabledActions(station),
+                 QStringList({QStringLiteral("Auto Load Recent Project"), QStringLiteral("Auto Start Record"),
+                              QStringLiteral("Keep Socket Connection"), QStringLiteral("Exit"),
+                              QStringLiteral("FullScreen")}));
+        QTRY_VERIFY(QDateTime::fromString(labelText(station, "label_datetime"), QStringLiteral("yyyy-MM-dd HH:mm:ss"))
+                        .isValid());
+    }
+
+    void loadsTheMostRecentProject()
+    {
+        const QList<DeviceEntry> devices{m_fixture->addLogger(), m_fixture->addLogger()};
+        m_fixture->writeProject(QStringLiteral("Older"), {});
+        m_fixture->listProject(QStringLiteral("Older"));
+        m_fixture->writeProject(QStringLiteral("Kitchen"), devices);
+        m_fixture->listProject(QStringLiteral("Kitchen"));
+        SorvantoMain station;
+        QVERIFY(station.isProjectOpen());
+        QVERIFY(!station.isRecording());
+        QCOMPARE(station.configuredDevices().size(), 2);
+        QCOMPARE(labelText(station, "label_interval"), QStringLiteral("Interval : 10 sec"));
+        QVERIFY(labelText(station, "label_projectname").endsWith(QStringLiteral("/Kitchen.tpc")));
+        QVERIFY(QFile::exists(m_fixture->recordingPath(QStringLiteral("Kitchen"))));
+        // Every device is polled at once, not only after the first interval.
+        QTRY_COMPARE(station.configuredDevices().at(1)->ch2Value(), QStringLiteral("45.10"));
+        QVERIFY(station.configuredDevices().at(0)->isConnected());
+    }
+
+    void keepsThePlaceOfAListedProject()
+    {
+        for (const char *name : {"First", "Second"}) {
+            m_fixture->writeProject(QLatin1String(name), {});
+            m_fixture->listProject(QLatin1String(name), false);
+        }
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("First")));
+        QCOMPARE(recentList(), QStringList({QStringLiteral("Second"), QStringLiteral("First")}));
+        station.slotCloseProject();
+        m_fixture->writeProject(QStringLiteral("Third"), {});
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Third")));
+        QCOMPARE(recentList(),
+                 QStringList({QStringLiteral("Third"), QStringLiteral("Second"), QStringLiteral("First")}));
+    }
+
+    void refusesAFileWithoutDevices()
+    {
+        const QString path = m_fixture->projectPath(QStringLiteral("Empty"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[General]\nDeviceList=not json\n");
+        file.close();
+        SorvantoMain station;
+        station.projectLoaded(path);
+        QVERIFY(!station.isProjectOpen());
+        QCOMPARE(shownMessages(), QStringList{QStringLiteral("There is no device information!")});
+        QVERIFY(recentList().isEmpty());
+    }
+
+    void aRefusedFileLeavesTheOpenProjectAlone()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        station.slotStartRecord();
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("absent")));
+        QVERIFY(station.isProjectOpen());
+        QVERIFY(station.isRecording());
+        QCOMPARE(station.configuredDevices().size(), 1);
+    }
+
+    void anotherProjectReplacesTheOpenOne()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        m_fixture->writeProject(QStringLiteral("Lab"), {m_fixture->addLogger(), m_fixture->addLogger()});
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        station.slotStartRecord();
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Lab")));
+        QCOMPARE(station.configuredDevices().size(), 2);
+        QVERIFY(!station.isRecording());
+        QVERIFY(labelText(station, "label_projectname").endsWith(QStringLiteral("/Lab.tpc")));
+    }
+
+    void showsTheStoredName()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {});
+        QVERIFY(QFile::rename(m_fixture->projectPath(QStringLiteral("Kitchen")),
+                              m_fixture->projectPath(QStringLiteral("Copy"))));
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Copy")));
+        QVERIFY(labelText(station, "label_projectname").endsWith(QStringLiteral("/Kitchen.tpc")));
+    }
+
+    void shortensALongFolder()
+    {
+        const QString folder = QString(60, QLatin1Char('f'));
+        QVERIFY(QDir(m_fixture->path({})).mkdir(folder));
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {});
+        const QString path = m_fixture->projectPath(folder + QStringLiteral("/Kitchen"));
+        QVERIFY(QFile::rename(m_fixture->projectPath(QStringLiteral("Kitchen")), path));
+        SorvantoMain station;
+        station.projectLoaded(path);
+        QCOMPARE(labelText(station, "label_projectname").section(QLatin1String(".../"), 0, 0), path.left(40));
+    }
+
+    void aMissingIntervalPollsOnceASecond()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        QSettings(m_fixture->projectPath(QStringLiteral("Kitchen")), QSettings::IniFormat)
+            .remove(QStringLiteral("DataInterval"));
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        QCOMPARE(dataIntervalMs, 0);
+        QCOMPARE(labelText(station, "label_interval"), QStringLiteral("Interval : "));
+        QCOMPARE(child<QTimer>(station, "writeDeviceTimer")->interval(), 1000);
+    }
+
+    void pollsWithAPreciseTimer()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {}, 5000);
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        const auto *timer = child<QTimer>(station, "writeDeviceTimer");
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 5000);
+        QCOMPARE(timer->timerType(), Qt::PreciseTimer);
+        QCOMPARE(child<QTimer>(station, "stdTimer")->interval(), 1000);
+        QCOMPARE(child<QTimer>(station, "checkTimer")->interval(), 1500);
+        QVERIFY(!child<QTimer>(station, "writeDbTimer")->isActive());
+    }
+
+    void fiveMinutesHideKeepConnection()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {}, 300000);
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        const QAction *keepAlive = action(station, "menu_project", QStringLiteral("Keep Socket Connection"));
+        QVERIFY(!keepAlive->isEnabled());
+        station.slotCloseProject();
+        QVERIFY(keepAlive->isEnabled());
+    }
+
+    void flagsAreKept_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("load") << "Auto Load Recent Project" << "autoLoad";
+        QTest::newRow("record") << "Auto Start Record" << "autoRecord";
+        QTest::newRow("keep") << "Keep Socket Connection" << "keepAlive";
+    }
+
+    void flagsAreKept()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, key);
+        {
+            SorvantoMain station;
+            QVERIFY(!action(station, "menu_project", text)->isChecked());
+            action(station, "menu_project", text)->trigger();
+            QCOMPARE(storedFlag(key), true);
+        }
+        SorvantoMain again;
+        QVERIFY(action(again, "menu_project", text)->isChecked());
+        action(again, "menu_project", text)->trigger();
+        QCOMPARE(storedFlag(key), false);
+    }
+
+    void keepConnectionReachesTheLinks()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        m_fixture->listProject(QStringLiteral("Kitchen"), true, false, true);
+        SorvantoMain station;
+        QVERIFY(station.configuredDevices().first()->keepConnection());
+        QTRY_VERIFY(station.configuredDevices().first()->isConnected());
+        QVERIFY(station.configuredDevices().first()->isOpen());
+        action(station, "menu_project", QStringLiteral("Keep Socket Connection"))->trigger();
+        QVERIFY(!station.configuredDevices().first()->keepConnection());
+        station.writeDevice();
+        QTRY_VERIFY(!station.configuredDevices().first()->isOpen());
+    }
+
+    void closingLeavesNothingBehind()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger(), m_fixture->addLogger()}, 1000);
+        SorvantoMain station;
+        station.show();
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        QTRY_COMPARE(m_fixture->logger(0).openConnections(), 1);
+        QTRY_COMPARE(m_fixture->logger(1).openConnections(), 1);
+        station.slotStartRecord();
+        station.slotCloseProject();
+        QVERIFY(!station.isProjectOpen());
+        QVERIFY(!station.isRecording());
+        QVERIFY(station.configuredDevices().isEmpty());
+        QCOMPARE(dataIntervalMs, defaultDataIntervalMs);
+        QCOMPARE(labelText(station, "label_projectname"), QString());
+        QCOMPARE(labelText(station, "label_interval"), QString());
+        QVERIFY(!child<QTimer>(station, "writeDeviceTimer")->isActive());
+        QVERIFY(!child<QTimer>(station, "writeDbTimer")->isActive());
+        QVERIFY(station.findChildren<QTcpSocket *>().isEmpty());
+        QTRY_VERIFY(!station.findChild<QWidget *>(QStringLiteral("ProjectCenter")));
+        QTRY_COMPARE(m_fixture->logger(0).openConnections(), 0);
+        QTRY_COMPARE(m_fixture->logger(1).openConnections(), 0);
+        QVERIFY(!enabledActions(station).contains(QStringLiteral("Close")));
+    }
+
+    void closesFromItsOwnMenu()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {});
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        action(station, "menu_project", QStringLiteral("Close"))->trigger();
+        QVERIFY(!station.isProjectOpen());
+    }
+
+    void expansionModeHidesTheDeviceList()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {});
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        station.show();
+        QAction *expansion = action(station, "menu_view", QStringLiteral("Expansion Mode"));
+        expansion->trigger();
+        QVERIFY(!child<QWidget>(station, "widget_list")->isVisible());
+        expansion->trigger();
+        QVERIFY(child<QWidget>(station, "widget_list")->isVisible());
+        expansion->trigger();
+        station.slotCloseProject();
+        QVERIFY(!expansion->isChecked());
+    }
+
+    void doubleClickTogglesFullScreen()
+    {
+        SorvantoMain station;
+        station.show();
+        auto *band = child<QWidget>(station, "menuFrame");
+        const QAction *fullScreen = action(station, "menu_view", QStringLiteral("FullScreen"));
+        QTest::mouseDClick(band, Qt::LeftButton);
+        QVERIFY(station.isFullScreen());
+        QVERIFY(fullScreen->isChecked());
+        QTest::mouseDClick(band, Qt::LeftButton);
+        QVERIFY(!station.isFullScreen());
+        QVERIFY(!fullScreen->isChecked());
+    }
+
+    void buttonsDropTheirMenus()
+    {
+        SorvantoMain station;
+        station.show();
+        QTest::mouseClick(child<QWidget>(station, "command_project"), Qt::LeftButton);
+        QVERIFY(child<QMenu>(station, "menu_project")->isVisible());
+        child<QMenu>(station, "menu_project")->close();
+        QTest::mouseClick(child<QWidget>(station, "command_screen"), Qt::LeftButton);
+        QVERIFY(child<QMenu>(station, "menu_view")->isVisible());
+    }
+
+    void refreshAsksWithoutRecording()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()}, 600000);
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        QTRY_COMPARE(m_fixture->served(), 1);
+        QTRY_VERIFY(station.configuredDevices().first()->isConnected());
+        station.slotStartRecord();
+        action(station, "menu_project", QStringLiteral("Refresh Devices"))->trigger();
+        QTRY_COMPARE(station.configuredDevices().first()->ch1Value(), QStringLiteral("20.02"));
+        station.slotStopRecord();
+        QCOMPARE(m_fixture->readingCount(QStringLiteral("Kitchen")), 0);
+    }
+
+    void saysWhenTheProjectCannotBeSaved()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        const QString path = m_fixture->projectPath(QStringLiteral("Kitchen"));
+        QVERIFY(QFile::remove(path));
+        QVERIFY(QDir().mkpath(path)); // a folder in the file's place refuses even the superuser
+        station.slotUpdateProjectFile();
+        QCOMPARE(shownMessages(), QStringList{QStringLiteral("Unable to save the project file.")});
+    }
+
+    void aRecordingThatCannotBeCreatedEndsTheOpening()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        QVERIFY(QDir().mkpath(m_fixture->recordingPath(QStringLiteral("Kitchen"))));
+        SorvantoMain station;
+        QStringList boxes;
+        QTimer boxWatch;
+        connect(&boxWatch, &QTimer::timeout, this, [&boxes] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                boxes << box->windowTitle() + QLatin1Char('|') + box->text();
+                box->accept();
+            }
+        });
+        boxWatch.start(10);
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        QCOMPARE(boxes, QStringList{QStringLiteral("ERROR|Create database error!\nExit program.")});
+        QVERIFY(station.hasFailed());
+        QVERIFY(!station.isProjectOpen());
+        QVERIFY(station.configuredDevices().isEmpty());
+        QCOMPARE(m_fixture->logger(0).accepted(), 0);
+    }
+
+private:
+    static QStringList recentList()
+    {
+        return QSettings(QStringLiteral("SorvantoLite"), QStringLiteral("Sorvanto Lite"))
+            .value(QStringLiteral("RecentProjects/list"))
+            .toStringList();
+    }
+
+    static bool storedFlag(const QString &key)
+    {
+        return QSettings(QStringLiteral("SorvantoLite"), QStringLiteral("Sorvanto Lite"))
+            .value(QStringLiteral("RecentProjects/") + key)
+            .toBool();
+    }
+
+    std::unique_ptr<StationFixture> m_fixture;
+};
+
+STATION_TEST_MAIN(tst_ProjectFlow)
+#include "tst_ProjectFlow.moc"

@@ -1,0 +1,125 @@
+#include "store/Recording.h"
+
+#include <QLoggingCategory>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVariant>
+
+namespace {
+
+QStringList capturedLines;
+QStringList capturedWarnings;
+QLoggingCategory::CategoryFilter filterBefore = nullptr;
+
+void keepLine(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    capturedLines << text;
+    if (type != QtDebugMsg && type != QtInfoMsg)
+        capturedWarnings << text;
+}
+
+void enableStore(QLoggingCategory *category)
+{
+    filterBefore(category);
+    if (qstrcmp(category->categoryName(), "sorvanto.store") == 0)
+        category->setEnabled(QtDebugMsg, true);
+}
+
+} // namespace
+
+OtherProgram::OtherProgram(const QString &databaseFile)
+{
+    static int number = 0;
+    m_connectionName = QStringLiteral("other%1").arg(++number);
+    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    database.setDatabaseName(databaseFile);
+    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+    if (!database.open())
+        qFatal("cannot open the recording a second time");
+}
+
+OtherProgram::~OtherProgram()
+{
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+bool OtherProgram::exec(const QString &statement) const
+{
+    return QSqlQuery(QSqlDatabase::database(m_connectionName)).exec(statement);
+}
+
+QStringList OtherProgram::rows(const QString &queryText) const
+{
+    QSqlQuery query(QSqlDatabase::database(m_connectionName));
+    if (!query.exec(queryText))
+        return {query.lastError().text()};
+    QStringList lines;
+    while (query.next()) {
+        QStringList columns;
+        for (int i = 0; i < query.record().count(); ++i)
+            columns << (query.isNull(i) ? QStringLiteral("NULL") : query.value(i).toString());
+        lines << columns.join(QLatin1Char('|'));
+    }
+    return lines;
+}
+
+LogLines::LogLines()
+{
+    clear();
+    filterBefore = QLoggingCategory::installFilter(nullptr);
+    QLoggingCategory::installFilter(enableStore);
+    m_handlerBefore = qInstallMessageHandler(keepLine);
+}
+
+LogLines::~LogLines()
+{
+    qInstallMessageHandler(m_handlerBefore);
+    QLoggingCategory::installFilter(filterBefore);
+}
+
+QStringList LogLines::all() const
+{
+    return capturedLines;
+}
+
+QStringList LogLines::warnings() const
+{
+    return capturedWarnings;
+}
+
+void LogLines::clear()
+{
+    capturedLines.clear();
+    capturedWarnings.clear();
+}
+
+std::unique_ptr<InsertSerialData> Recording::open(quint64 freeSpace) const
+{
+    auto store = std::make_unique<InsertSerialData>(file(), QStringLiteral("test"), nullptr,
+                                                    [freeSpace](const QString &) { return freeSpace; });
+    return store->createConnection() ? std::move(store) : nullptr;
+}
+
+QStringList Recording::rows() const
+{
+    return OtherProgram(file()).rows(
+        QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane order by pointDate, serialno"));
+}
+
+QString Recording::integrity() const
+{
+    return OtherProgram(file()).rows(QStringLiteral("PRAGMA integrity_check")).join(QLatin1Char('\n'));
+}
+
+PendingRow row(const char *serial, quint32 time, double channel1, double channel2)
+{
+    return {QString::fromLatin1(serial), channel1, channel2, time};
+}
+
+void emptyQueue()
+{
+    const Recording elsewhere;
+    if (const auto store = elsewhere.open())
+        store->insertNow();
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "store/InsertSerialData.h"
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <memory>
+
+/// Another program that has the recording open: a connection of its own to the same file.
+class OtherProgram
+{
+public:
+    explicit OtherProgram(const QString &databaseFile);
+    ~OtherProgram();
+    OtherProgram(const OtherProgram &) = delete;
+    OtherProgram &operator=(const OtherProgram &) = delete;
+
+    bool exec(const QString &statement) const;
+    /// The result's rows, their columns joined by "|"; NULL reads "NULL". One line with the error when it fails.
+    QStringList rows(const QString &query) const;
+
+private:
+    QString m_connectionName;
+};
+
+/// Keeps every diagnostic line of its scope; the store's are switched on whatever the environment says.
+class LogLines
+{
+public:
+    LogLines();
+    ~LogLines();
+    LogLines(const LogLines &) = delete;
+    LogLines &operator=(const LogLines &) = delete;
+
+    QStringList all() const;
+    /// Lines of warning level and above, the toolkit's own included.
+    QStringList warnings() const;
+    void clear();
+
+private:
+    QtMessageHandler m_handlerBefore;
+};
+
+/// A folder with one recording, "Kitchen.dat", and what tests ask about it.
+class Recording
+{
+public:
+    QString folder() const { return m_folder.path(); }
+    QString file() const { return m_folder.filePath(QStringLiteral("Kitchen.dat")); }
+    QString sideFile() const { return file() + QStringLiteral(".pending"); }
+
+    /// A store on this recording with a disk of @p freeSpace bytes; nullptr when it cannot be opened.
+    std::unique_ptr<InsertSerialData> open(quint64 freeSpace = quint64(1) << 40) const;
+    /// The rows in the file as "serial|channel 1|channel 2|time", by time and serial.
+    QStringList rows() const;
+    /// "ok" for a sound file.
+    QString integrity() const;
+
+private:
+    QTemporaryDir m_folder;
+};
+
+PendingRow row(const char *serial, quint32 time, double channel1 = 21.5, double channel2 = 40);
+/// Forgets what an earlier test left in the process-wide queue.
+void emptyQueue();

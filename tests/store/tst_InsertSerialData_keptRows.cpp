@@ -1,0 +1,285 @@
+#include "store/Recording.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+/// Rows that a store could not write in its life time wait beside their recording.
+class tst_InsertSerialData_keptRows : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    void lockedRowsAreKeptAndTakenInAgain();
+    void keptRowsComeFirst();
+    void keptRowsOfAFullDisk();
+    void keptRowsNeverReachAnotherRecording();
+    void sideFileStaysUntilItsRowsAreCommitted();
+    void rowsThatWaitTwiceAreKeptOnce();
+    void crashBetweenCommitAndRemovalStoresNothingTwice();
+    void takenInOnlyOnce();
+    void failedStatementLeavesTheSideFile();
+    void laterRowsJoinASideFileThatStayed();
+    void damagedSideFileLosesNothingReadable();
+    void rowsThatCannotBeKeptAreReported();
+};
+
+namespace {
+
+constexpr quint64 fullDisk = 0;
+const QString refuseEverything = QStringLiteral("create trigger refuse before insert on ostrivane "
+                                                "begin select raise(abort, 'refused'); end");
+
+PendingRowFile sideFileOf(const Recording &recording)
+{
+    return PendingRowFile(recording.file());
+}
+
+/// Leaves @p rows beside a recording that nothing was written into.
+void keep(const Recording &recording, const std::vector<PendingRow> &rows)
+{
+    recording.open().reset();
+    QVERIFY(sideFileOf(recording).write(rows));
+}
+
+} // namespace
+
+void tst_InsertSerialData_keptRows::cleanup()
+{
+    emptyQueue();
+}
+
+void tst_InsertSerialData_keptRows::lockedRowsAreKeptAndTakenInAgain()
+{
+    const Recording recording;
+    auto store = recording.open();
+    InsertSerialData::enqueue(row("A1", 1700000000, 0.1 + 0.2, noValue));
+    InsertSerialData::enqueue(row("O'Brien", 1700000001));
+    {
+        const OtherProgram locker(recording.file());
+        QVERIFY(locker.exec("BEGIN EXCLUSIVE"));
+        const LogLines log;
+        store.reset();
+        QCOMPARE(log.all(),
+                 QStringList({"InsertSerialData::~InsertSerialData : QSqlDatabase::removeDatabase(testfiledb\")",
+                              "InsertSerialData::~InsertSerialData()"}));
+    }
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+    QVERIFY(QFile::exists(recording.sideFile()));
+    QCOMPARE(recording.rows(), QStringList());
+    const std::vector<PendingRow> kept = sideFileOf(recording).read().rows;
+    QCOMPARE(kept.size(), size_t(2));
+    QCOMPARE(kept[0].channel1 == 0.1 + 0.2, true);
+    QVERIFY(isNoValue(kept[0].channel2));
+
+    store = recording.open();
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
+    store->insertNow();
+    QCOMPARE(recording.rows(), QStringList({"A1|0.3|NULL|1700000000", "O'Brien|21.5|40|1700000001"}));
+    QVERIFY(!QFile::exists(recording.sideFile()));
+}
+
+void tst_InsertSerialData_keptRows::keptRowsComeFirst()
+{
+    const Recording recording;
+    keep(recording, {row("Z9", 1700000005), row("Y8", 1700000004)});
+    InsertSerialData::enqueue(row("A1", 1700000006));
+    const auto store = recording.open();
+
+    const LogLines log;
+    store->insertNow();
+    QVERIFY(log.all().contains(
+        "InsertSerialData::insertNow : query : insert into ostrivane (serialno, channel1, channel2, pointDate) select "
+        "'Z9', 21.5, 40, 1700000005 union select 'Y8', 21.5, 40, 1700000004 union select 'A1', 21.5, 40, 1700000006;"));
+    QCOMPARE(recording.rows().size(), 3);
+}
+
+void tst_InsertSerialData_keptRows::keptRowsOfAFullDisk()
+{
+    const Recording recording;
+    auto store = recording.open(fullDisk);
+    InsertSerialData::enqueue(row("A1", 1700000000));
+    store.reset();
+    QCOMPARE(recording.rows(), QStringList());
+
+    recording.open()->insertNow();
+    QCOMPARE(recording.rows(), QStringList("A1|21.5|40|1700000000"));
+}
+
+void tst_InsertSerialData_keptRows::keptRowsNeverReachAnotherRecording()
+{
+    const Recording recording;
+    const Recording another;
+    auto store = recording.open(fullDisk);
+    InsertSerialData::enqueue(row("A1", 1700000000));
+    store.reset();
+
+    store = another.open();
+    InsertSerialData::enqueue(row("B2", 1700000001));
+    store->insertNow();
+    QCOMPARE(another.rows(), QStringList("B2|21.5|40|1700000001"));
+    store.reset();
+
+    store = recording.open();
+    store->insertNow();
+    QCOMPARE(recording.rows(), QStringList("A1|21.5|40|1700000000"));
+}
+
+void tst_InsertSerialData_keptRows::sideFileStaysUntilItsRowsAreCommitted()
+{
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000)});
+    const OtherProgram locker(recording.file());
+    const auto store = recording.open();
+    QVERIFY(QFile::exists(recording.sideFile()));
+
+    QVERIFY(locker.exec("BEGIN EXCLUSIVE"));
+    store->insertNow();
+    QVERIFY(QFile::exists(recording.sideFile()));
+
+    QVERIFY(locker.exec("COMMIT"));
+    store->insertNow();
+    QVERIFY(!QFile::exists(recording.sideFile()));
+    QCOMPARE(recording.rows().size(), 1);
+}
+
+void tst_InsertSerialData_keptRows::rowsThatWaitTwiceAreKeptOnce()
+{
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000)});
+    auto store = recording.open(fullDisk);
+    InsertSerialData::enqueue(row("B2", 1700000001));
+    store.reset();
+
+    QCOMPARE(sideFileOf(recording).read().rows.size(), size_t(2));
+    recording.open()->insertNow();
+    QCOMPARE(recording.rows(), QStringList({"A1|21.5|40|1700000000", "B2|21.5|40|1700000001"}));
+}
+
+void tst_InsertSerialData_keptRows::crashBetweenCommitAndRemovalStoresNothingTwice()
+{
+    const std::vector<PendingRow> rows{row("A1", 1700000000, 0.1 + 0.2, noValue),
+                                       row("B2", 1700000001),
+                                       {QString("C'") + QChar(0), 1234567, -0.5, 1700000002}};
+    const Recording recording;
+    recording.open().reset();
+    QVERIFY(sideFileOf(recording).write(rows));
+    recording.open()->insertNow();
+    QCOMPARE(recording.rows().size(), 3);
+
+    QVERIFY(sideFileOf(recording).write({rows[0], rows[1], rows[2], row("B2", 1700000001, 22)}));
+    const auto store = recording.open();
+    InsertSerialData::enqueue(row("A1", 1700000003));
+    store->insertNow();
+    QCOMPARE(recording.rows().size(), 5);
+    QVERIFY(!QFile::exists(recording.sideFile()));
+
+    // When all of them were there already, the file goes, too.
+    QVERIFY(sideFileOf(recording).write(rows));
+    QVERIFY(OtherProgram(recording.file()).exec("drop index ostrivane_pointDate"));
+    InsertSerialData second(recording.file(), QStringLiteral("second"));
+    QVERIFY(second.createConnection());
+    const QSignalSpy failed(&second, &InsertSerialData::writingFailed);
+    second.insertNow();
+    QCOMPARE(failed.count(), 0);
+    QCOMPARE(recording.rows().size(), 5);
+    QVERIFY(!QFile::exists(recording.sideFile()));
+    QCOMPARE(recording.integrity(), QString("ok"));
+}
+
+void tst_InsertSerialData_keptRows::takenInOnlyOnce()
+{
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000)});
+    const auto store = recording.open();
+    QVERIFY(store->createConnection());
+    QCOMPARE(InsertSerialData::pendingCount(), 1);
+}
+
+void tst_InsertSerialData_keptRows::failedStatementLeavesTheSideFile()
+{
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000)});
+    const OtherProgram other(recording.file());
+    auto store = recording.open();
+    QVERIFY(other.exec(refuseEverything));
+    store->insertNow();
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+    QCOMPARE(sideFileOf(recording).read().rows.size(), size_t(1));
+    store.reset();
+
+    QVERIFY(other.exec("drop trigger refuse"));
+    recording.open()->insertNow();
+    QCOMPARE(recording.rows(), QStringList("A1|21.5|40|1700000000"));
+    QVERIFY(!QFile::exists(recording.sideFile()));
+}
+
+void tst_InsertSerialData_keptRows::laterRowsJoinASideFileThatStayed()
+{
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000)});
+    const OtherProgram other(recording.file());
+    auto store = recording.open();
+    QVERIFY(other.exec(refuseEverything));
+    store->insertNow();
+    InsertSerialData::enqueue(row("B2", 1700000001));
+    QVERIFY(other.exec("BEGIN EXCLUSIVE"));
+    store.reset();
+    QVERIFY(other.exec("COMMIT"));
+    QVERIFY(other.exec("drop trigger refuse"));
+
+    recording.open()->insertNow();
+    QCOMPARE(recording.rows(), QStringList({"A1|21.5|40|1700000000", "B2|21.5|40|1700000001"}));
+}
+
+void tst_InsertSerialData_keptRows::damagedSideFileLosesNothingReadable()
+{
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000), row("B2", 1700000001), row("C3", 1700000002)});
+    QFile file(recording.sideFile());
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    const QByteArray damaged = file.readAll().replace("1700000001", "1700\x7f\xff");
+    file.resize(0);
+    file.seek(0);
+    file.write(damaged);
+    file.close();
+
+    const LogLines log;
+    auto store = recording.open();
+    QVERIFY(store);
+    QCOMPARE(log.warnings().filter("[ERROR]").size(), 1);
+    QVERIFY(log.warnings().first().contains(recording.sideFile()));
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
+    // A crash now must not lose them either.
+    QCOMPARE(sideFileOf(recording).read().rows.size(), size_t(2));
+    store->insertNow();
+
+    QCOMPARE(recording.rows(), QStringList({"A1|21.5|40|1700000000", "C3|21.5|40|1700000002"}));
+    QVERIFY(!QFile::exists(recording.sideFile()));
+    QFile aside(recording.sideFile() + ".damaged-1");
+    QVERIFY(aside.open(QIODevice::ReadOnly));
+    QCOMPARE(aside.readAll(), damaged);
+}
+
+void tst_InsertSerialData_keptRows::rowsThatCannotBeKeptAreReported()
+{
+    const Recording recording;
+    auto store = recording.open(fullDisk);
+    QVERIFY(QDir(recording.folder()).removeRecursively());
+    InsertSerialData::enqueue(row("A1", 1700000000));
+    InsertSerialData::enqueue(row("A1", 1700000001));
+    QStringList reasons;
+    connect(store.get(), &InsertSerialData::writingFailed, this,
+            [&reasons](const QString &reason) { reasons << reason; });
+    const LogLines log;
+    store.reset();
+
+    QCOMPARE(reasons.size(), 2);
+    QCOMPARE(reasons.last(), QString("2 readings could not be written and are lost."));
+    QCOMPARE(log.warnings().size(), 1);
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_InsertSerialData_keptRows)
+#include "tst_InsertSerialData_keptRows.moc"

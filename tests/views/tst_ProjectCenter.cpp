@@ -1,0 +1,139 @@
+#include "device/ConfiguredDevice.h"
+#include "views/ProjectCenter.h"
+
+#include <QDateTime>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+const QString idle = QStringLiteral("color:rgb(192,192,192);background-color:transparent;");
+const QString recording = QStringLiteral("color:rgb(255,255,147);background-color:transparent;");
+const QString overLimit = QStringLiteral("color:rgb(230,80,80);background-color:transparent;");
+const QString timeFormat = QStringLiteral("yyyy-MM-dd hh:mm:ss");
+
+QLabel *label(const QWidget &widget, const char *name)
+{
+    auto *found = widget.findChild<QLabel *>(QLatin1String(name));
+    Q_ASSERT(found);
+    return found;
+}
+
+bool sameIcon(const QIcon &icon, const QString &path)
+{
+    return icon.pixmap(50, 50).toImage() == QIcon(path).pixmap(50, 50).toImage();
+}
+
+} // namespace
+
+class tst_ProjectCenter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void databaseSize_data()
+    {
+        QTest::addColumn<qint64>("bytes");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("colour");
+        QTest::newRow("empty") << qint64(0) << "Database 0.00MB" << idle;
+        QTest::newRow("one megabyte") << qint64(1048576) << "Database 1.00MB" << idle;
+        QTest::newRow("rounded") << qint64(1600000) << "Database 1.53MB" << idle;
+        QTest::newRow("largest in idle colour") << qint64(3221225471) << "Database 3072.00MB" << idle;
+        QTest::newRow("smallest over the limit") << qint64(3221225472) << "Database 3072.00MB" << overLimit;
+    }
+
+    void databaseSize()
+    {
+        QFETCH(qint64, bytes);
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        center.setDatabaseSize(bytes);
+        QTEST(label(center, "label_record_bytes")->text(), "text");
+        QTEST(label(center, "label_record_bytes")->styleSheet(), "colour");
+    }
+
+    void recordingTakesThePresentAsStart()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
+        center.setRecordState(true);
+        const QDateTime start = QDateTime::fromString(center.startTimeText(), timeFormat);
+        QVERIFY(start.isValid());
+        QVERIFY(start >= before && start <= QDateTime::currentDateTime());
+        QCOMPARE(label(center, "label_to")->text(), QStringLiteral("~"));
+        for (const char *name : {"label_record_starttime", "label_to", "label_record_endtime"})
+            QCOMPARE(label(center, name)->styleSheet(), recording);
+        QVERIFY(sameIcon(center.findChild<QPushButton *>(QStringLiteral("btn_record"))->icon(),
+                         QStringLiteral(":/img/RecordStopButton.png")));
+    }
+
+    void recordingTwiceKeepsTheFirstStart()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        center.setRecordRange(QStringLiteral("2026-01-02 03:04:05"), QString());
+        center.setRecordState(true);
+        center.setRecordState(true);
+        QCOMPARE(center.startTimeText(), QStringLiteral("2026-01-02 03:04:05"));
+    }
+
+    void stoppingWritesTheEnd()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        center.setRecordRange(QStringLiteral("2026-01-02 03:04:05"), QString());
+        center.setRecordState(true);
+        center.setRecordState(false);
+        QCOMPARE(center.startTimeText(), QStringLiteral("2026-01-02 03:04:05"));
+        QVERIFY(QDateTime::fromString(center.endTimeText(), timeFormat).isValid());
+        QVERIFY(label(center, "label_to")->text().isEmpty());
+        for (const char *name : {"label_record_starttime", "label_to", "label_record_endtime"})
+            QCOMPARE(label(center, name)->styleSheet(), idle);
+        QVERIFY(sameIcon(center.findChild<QPushButton *>(QStringLiteral("btn_record"))->icon(),
+                         QStringLiteral(":/img/RecordButton.png")));
+    }
+
+    void writeTroubleShowsUntilItIsOver()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        QLabel *trouble = label(center, "label_record_error");
+        QVERIFY(trouble->isHidden());
+        center.setWriteTrouble(QStringLiteral("The disk is <b>full</b>."));
+        QVERIFY(!trouble->isHidden());
+        QCOMPARE(trouble->text(), QStringLiteral("The disk is <b>full</b>."));
+        QCOMPARE(trouble->textFormat(), Qt::PlainText);
+        center.setWriteTrouble({});
+        QVERIFY(trouble->isHidden());
+    }
+
+    void recordButtonAsksForRecording()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        QSignalSpy clicked(&center, &ProjectCenter::clickRecord);
+        QTest::mouseClick(center.findChild<QPushButton *>(QStringLiteral("btn_record")), Qt::LeftButton);
+        QCOMPARE(clicked.count(), 1);
+    }
+
+    void recordBarHasItsSizes()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        center.resize(1010, 464);
+        center.show();
+        QCOMPARE(center.findChild<QWidget *>(QStringLiteral("bottom_frame"))->height(), 56);
+        QCOMPARE(center.findChild<QWidget *>(QStringLiteral("widget_list"))->width(), 200);
+        QVERIFY(center.findChild<QWidget *>(QStringLiteral("widget_board"))->width() >= 810);
+        QCOMPARE(label(center, "label_record_starttime")->size(), QSize(200, 56));
+        QCOMPARE(label(center, "label_record_endtime")->size(), QSize(200, 56));
+        QCOMPARE(label(center, "label_record_bytes")->size(), QSize(200, 56));
+    }
+
+    void namesTheProjectByItsFile()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        QCOMPARE(center.findChild<QPushButton *>(QStringLiteral("button_project"))->text(),
+                 QStringLiteral("Kitchen"));
+    }
+};
+
+QTEST_MAIN(tst_ProjectCenter)
+#include "tst_ProjectCenter.moc"

@@ -1,0 +1,111 @@
+#include "device/ConfiguredDevice.h"
+#include "views/ProjectList.h"
+
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+bool shows(const QListWidgetItem *item, const QString &picture)
+{
+    return item->icon().pixmap(16, 16).toImage() == QIcon(picture).pixmap(16, 16).toImage();
+}
+
+const QString connectedPicture = QStringLiteral(":/img/DeviceConnectingSymbol.png");
+const QString disconnectedPicture = QStringLiteral(":/img/DeviceDisconnectedSymbol.png");
+
+} // namespace
+
+class tst_ProjectList : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { qRegisterMetaType<ConfiguredDevice *>(); }
+
+    void init()
+    {
+        m_named = std::make_unique<ConfiguredDevice>(QStringLiteral("0200AA000001"), NetworkInterface);
+        m_named->setDeviceInfo(QStringLiteral("Cold room"), {}, {}, QStringLiteral("10.0.0.7"), 23);
+        m_nameless = std::make_unique<ConfiguredDevice>(QStringLiteral("12345678"), UsbInterface);
+        m_nameless->setDeviceInfo({}, {}, {}, QStringLiteral("ttyACM0"), 23);
+        m_list = std::make_unique<ProjectList>(QStringLiteral("Kitchen"));
+        m_list->setDevices({m_named.get(), nullptr, m_nameless.get()});
+        m_items = m_list->findChild<QListWidget *>(QStringLiteral("list_project"));
+    }
+
+    void cleanup()
+    {
+        m_named->detachViews();
+        m_nameless->detachViews();
+        m_list.reset();
+        m_named.reset();
+        m_nameless.reset();
+    }
+
+    void listsNamesOrKeys()
+    {
+        QCOMPARE(m_items->count(), 2);
+        QCOMPARE(m_items->item(0)->text(), QStringLiteral("Cold room"));
+        QCOMPARE(m_items->item(0)->toolTip(), QStringLiteral("10.0.0.7"));
+        QCOMPARE(m_items->item(1)->text(), QStringLiteral("12345678"));
+        QCOMPARE(m_items->item(1)->toolTip(), QStringLiteral("ttyACM0"));
+    }
+
+    void iconFollowsTheConnection()
+    {
+        QVERIFY(shows(m_items->item(0), disconnectedPicture));
+        m_named->deviceConnected();
+        QVERIFY(shows(m_items->item(0), connectedPicture));
+        QVERIFY(shows(m_items->item(1), disconnectedPicture));
+        m_named->deviceDisconnected();
+        QVERIFY(shows(m_items->item(0), disconnectedPicture));
+    }
+
+    void refreshReadsNamesAgain()
+    {
+        m_named->setDeviceInfo(QStringLiteral("Freezer"), {}, {}, QStringLiteral("10.0.0.8"), 23);
+        m_list->refresh();
+        QCOMPARE(m_items->item(0)->text(), QStringLiteral("Freezer"));
+        QCOMPARE(m_items->item(0)->toolTip(), QStringLiteral("10.0.0.8"));
+    }
+
+    void selectsOneDevice()
+    {
+        m_list->selectDevice(m_nameless.get());
+        QCOMPARE(m_items->selectedItems(), QList<QListWidgetItem *>{m_items->item(1)});
+        ConfiguredDevice stranger(QStringLiteral("stranger"), NetworkInterface);
+        m_list->selectDevice(&stranger);
+        QVERIFY(m_items->selectedItems().isEmpty());
+    }
+
+    void clicksReachTheirDevice()
+    {
+        QSignalSpy clicked(m_list.get(), QOverload<ConfiguredDevice *>::of(&ProjectList::deviceClicked));
+        emit m_items->itemClicked(m_items->item(1));
+        QCOMPARE(clicked.takeFirst().at(0).value<ConfiguredDevice *>(), m_nameless.get());
+        QListWidgetItem stray;
+        emit m_items->itemClicked(&stray);
+        QCOMPARE(clicked.takeFirst().at(0).value<ConfiguredDevice *>(), nullptr);
+    }
+
+    void projectButtonLeadsToTheDashboards()
+    {
+        auto *button = m_list->findChild<QPushButton *>(QStringLiteral("button_project"));
+        QCOMPARE(button->text(), QStringLiteral("Kitchen"));
+        QSignalSpy clicked(m_list.get(), &ProjectList::dashboardClicked);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(clicked.count(), 1);
+    }
+
+private:
+    std::unique_ptr<ConfiguredDevice> m_named;
+    std::unique_ptr<ConfiguredDevice> m_nameless;
+    std::unique_ptr<ProjectList> m_list;
+    QListWidget *m_items = nullptr;
+};
+
+QTEST_MAIN(tst_ProjectList)
+#include "tst_ProjectList.moc"
