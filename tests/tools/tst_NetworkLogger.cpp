@@ -369,6 +369,7 @@ void tst_NetworkLogger::vanishes()
 {
     setFault("vanish");
     m_station->write(poll);
+    settle();
     Station late;
     late.connectToHost(m_logger->hostAddress(), m_logger->port());
     settle();

@@ -24,7 +24,9 @@ ControlServer::ControlServer(Fleet *fleet, QObject *parent)
 bool ControlServer::listen(const QString &path)
 {
     // A socket that an earlier run left behind is replaced; any other file there is not ours to overwrite.
-    struct stat status{};
+    struct stat status
+    {
+    };
     if (::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISSOCK(status.st_mode)) {
         m_error = QStringLiteral("there is another file");
         return false;

@@ -51,7 +51,7 @@ SerialLogger *Fleet::addUsbLogger(QString *error)
     };
     const int plug = static_cast<int>(std::count_if(m_loggers.begin(), m_loggers.end(), isUsb));
     auto logger =
-        std::make_unique<SerialLogger>(usbKey(m_seed, plug + 1), climateOf(number), m_seed + number, &m_usbTree, plug);
+        std::make_unique<SerialLogger>(usbKey(m_seed, plug + 1), climateOf(number), m_seed + number, &usbTree(), plug);
     if (!logger->plugIn()) {
         *error = QStringLiteral("cannot make a serial port: %1").arg(logger->errorString());
         return nullptr;
@@ -169,6 +169,13 @@ bool Fleet::swap(SerialLogger *logger, const QString &otherKey, QString *error)
         return true;
     *error = QStringLiteral("cannot make a serial port");
     return false;
+}
+
+UsbTree &Fleet::usbTree()
+{
+    if (!m_usbTree)
+        m_usbTree = std::make_unique<UsbTree>();
+    return *m_usbTree;
 }
 
 QByteArray Fleet::report() const

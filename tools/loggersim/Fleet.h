@@ -38,7 +38,8 @@ public:
     /// @p fault as parseFault() reads it. False, and the reason in @p error, when this logger cannot have it.
     bool setFault(const QString &keyOrNumber, const QString &fault, QString *error);
 
-    UsbTree &usbTree() { return m_usbTree; }
+    /// Made when it is first asked for.
+    UsbTree &usbTree();
     /// One line a logger: key, kind and readings served, separated by tabs.
     QByteArray report() const;
 
@@ -47,7 +48,7 @@ private:
     bool swap(SerialLogger *logger, const QString &other, QString *error);
 
     const quint16 m_seed;
-    UsbTree m_usbTree;
+    std::unique_ptr<UsbTree> m_usbTree;
     std::vector<std::unique_ptr<SimLogger>> m_loggers;
     std::unique_ptr<DiscoveryResponder> m_discovery;
 };

@@ -19,12 +19,18 @@ Simulator::Simulator(const Options &options, QObject *parent)
     connect(&m_program, &ProgramRun::ended, this, &Simulator::ended);
 }
 
-bool Simulator::start(QString *error)
+std::optional<int> Simulator::start(QString *error)
 {
-    if (!addLoggers(error) || !setFaults(error) || !listen(error) || !writeFiles(error))
-        return false;
+    if (!addLoggers(error))
+        return failureCode;
+    if (!setFaults(error))
+        return badOptionsCode;
+    if (!listen(error) || !writeFiles(error))
+        return failureCode;
     emit ready();
-    return m_options.program.isEmpty() || runProgram(error);
+    if (!m_options.program.isEmpty() && !runProgram(error))
+        return failureCode;
+    return std::nullopt;
 }
 
 bool Simulator::addLoggers(QString *error)

@@ -9,6 +9,9 @@
 
 namespace loggersim {
 
+constexpr int failureCode = 1;
+constexpr int badOptionsCode = 2;
+
 /// One run of the simulator as the command line describes it.
 class Simulator : public QObject
 {
@@ -17,8 +20,9 @@ class Simulator : public QObject
 public:
     explicit Simulator(const Options &options, QObject *parent = nullptr);
 
-    /// Brings up the loggers, the files and the program. False, and the reason in @p error, when something fails.
-    bool start(QString *error);
+    /// Brings up the loggers, the files and the program. Nothing when all of it stands, else the exit code, with the
+    /// reason in @p error.
+    std::optional<int> start(QString *error);
     /// Where everything can be reached, one line each.
     QString overview() const;
     /// Passes a signal on to the program, or ends the run where there is none.

@@ -1,6 +1,8 @@
+// Before the toolkit, whose keyword macros would rewrite names in it.
+#include <umockdev.h>
+
 #include "loggersim/UsbTree.h"
 
-#include <QDir>
 #include <QFile>
 #include <dlfcn.h>
 
@@ -30,13 +32,23 @@ void addTo(QProcessEnvironment &environment, const QString &name, const QString 
     environment.insert(name, before.isEmpty() ? value : value + QLatin1Char(':') + before);
 }
 
+QDir rootOf(UMockdevTestbed *testbed)
+{
+    const std::unique_ptr<gchar, decltype(&g_free)> root(umockdev_testbed_get_root_dir(testbed), &g_free);
+    return QDir(QString::fromLocal8Bit(root.get()));
+}
+
 } // namespace
 
-UsbTree::UsbTree()
+UsbTree::UsbTree() : m_testbed(umockdev_testbed_new()), m_root(rootOf(m_testbed.get()))
 {
-    QDir root(m_root.path());
     for (const char *folder : {"dev", "sys/class/tty", "sys/bus/usb/devices", "sys/devices"})
-        root.mkpath(QLatin1String(folder));
+        m_root.mkpath(QLatin1String(folder));
+}
+
+void UsbTree::Unref::operator()(UMockdevTestbed *testbed) const
+{
+    g_object_unref(testbed);
 }
 
 QString UsbTree::portName(int plug)
@@ -49,6 +61,12 @@ QString UsbTree::usbDevice(int plug) const
     return path(QStringLiteral("sys/devices/pci0000:00/0000:00:14.0/usb1/1-%1").arg(plug + 1));
 }
 
+QString UsbTree::interfaceOf(int plug) const
+{
+    const QString usb = usbDevice(plug);
+    return usb + QLatin1Char('/') + QFileInfo(usb).fileName() + QLatin1String(":1.0");
+}
+
 bool UsbTree::plugIn(int plug, const QString &product, const QString &terminal)
 {
     // The entry under class/tty comes last: it is where a scan begins, so a scan finds the logger whole or not at all.
@@ -58,14 +76,13 @@ bool UsbTree::plugIn(int plug, const QString &product, const QString &terminal)
 bool UsbTree::writeUsbDevice(int plug, const QString &product) const
 {
     const QString usb = usbDevice(plug);
-    const QString name = QFileInfo(usb).fileName();
-    const QString interface = usb + QLatin1Char('/') + name + QLatin1String(":1.0");
+    const QString interface = interfaceOf(plug);
     return QDir().mkpath(interface) && writeFile(usb + QLatin1String("/uevent"), "DEVTYPE=usb_device\n") &&
            writeFile(usb + QLatin1String("/idVendor"), "04d8\n") &&
            writeFile(usb + QLatin1String("/idProduct"), "000a\n") &&
            writeFile(usb + QLatin1String("/product"), product.toUtf8() + '\n') &&
            link(usb + QLatin1String("/subsystem"), path(QStringLiteral("sys/bus/usb"))) &&
-           link(path(QLatin1String("sys/bus/usb/devices/") + name), usb) &&
+           link(path(QLatin1String("sys/bus/usb/devices/") + QFileInfo(usb).fileName()), usb) &&
            writeFile(interface + QLatin1String("/uevent"), "DEVTYPE=usb_interface\n") &&
            link(interface + QLatin1String("/subsystem"), path(QStringLiteral("sys/bus/usb")));
 }
@@ -73,8 +90,7 @@ bool UsbTree::writeUsbDevice(int plug, const QString &product) const
 bool UsbTree::writePort(int plug, const QString &terminal) const
 {
     const QString name = portName(plug);
-    const QString usb = usbDevice(plug);
-    const QString interface = usb + QLatin1Char('/') + QFileInfo(usb).fileName() + QLatin1String(":1.0");
+    const QString interface = interfaceOf(plug);
     const QString port = interface + QLatin1String("/tty/") + name;
     const QByteArray major = QByteArray::number(serialMajor);
     const QByteArray minor = QByteArray::number(plug);

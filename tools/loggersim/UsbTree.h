@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QDir>
 #include <QProcessEnvironment>
-#include <QTemporaryDir>
+#include <memory>
+
+struct _UMockdevTestbed;
 
 namespace loggersim {
 
@@ -13,7 +16,7 @@ class UsbTree
 public:
     UsbTree();
 
-    bool isValid() const { return m_root.isValid(); }
+    /// The folder that stands for "/"; it goes away with the tree.
     QString root() const { return m_root.path(); }
     static QString portName(int plug);
 
@@ -29,10 +32,18 @@ public:
 private:
     QString usbDevice(int plug) const;
     QString path(const QString &relative) const { return m_root.filePath(relative); }
+    QString interfaceOf(int plug) const;
     bool writeUsbDevice(int plug, const QString &product) const;
     bool writePort(int plug, const QString &terminal) const;
 
-    QTemporaryDir m_root;
+    struct Unref
+    {
+        void operator()(_UMockdevTestbed *testbed) const;
+    };
+    // The mock's library makes the root and answers what a redirected program asks of a port. The rest of the tree is
+    // plain files: the library's calls for that work only within a redirected process, and this one is not.
+    std::unique_ptr<_UMockdevTestbed, Unref> m_testbed;
+    QDir m_root;
 };
 
 } // namespace loggersim

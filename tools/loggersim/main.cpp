@@ -9,9 +9,6 @@ using namespace loggersim;
 
 namespace {
 
-constexpr int usageError = 2;
-constexpr int startError = 1;
-
 void print(FILE *stream, const QString &text)
 {
     QTextStream(stream) << text << Qt::flush;
@@ -31,15 +28,15 @@ int run(QCoreApplication &application, const Options &options)
     QObject::connect(&simulator, &Simulator::ready, &simulator,
                      [&simulator] { print(stdout, simulator.overview() + QStringLiteral("ready\n")); });
     QString error;
-    if (!simulator.start(&error)) {
+    if (const auto failure = simulator.start(&error)) {
         complain(error);
-        return startError;
+        return *failure;
     }
     const int exitCode = QCoreApplication::exec();
     if (simulator.writeReport(&error))
         return exitCode;
     complain(error);
-    return startError;
+    return failureCode;
 }
 
 } // namespace
@@ -55,7 +52,7 @@ int main(int argc, char *argv[])
     }
     if (!line.options) {
         complain(line.error + QStringLiteral("\nTry --help."));
-        return usageError;
+        return badOptionsCode;
     }
     return run(application, *line.options);
 }
