@@ -48,7 +48,15 @@ class tst_StartUp : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { m_fixture = std::make_unique<StationFixture>(); }
+    void init()
+    {
+        // A program that ended before its event loop ran leaves the toolkit in the state of ending; only a loop that
+        // runs and ends takes it out of there again.
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        QApplication::exec();
+        m_fixture = std::make_unique<StationFixture>();
+    }
+
     void cleanup() { m_fixture.reset(); }
 
     void splashNamesTheVersion()
