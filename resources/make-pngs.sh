@@ -29,3 +29,15 @@ make RecordStopButton 50 50
 make DeviceConnectedSymbol 16 16
 make DeviceConnectingSymbol 16 16
 make DeviceDisconnectedSymbol 16 16
+make DashboardText 99 16
+make DeviceCh1 32 44
+make DeviceCh2 32 44
+make DeviceImg 16 16
+make SettingButton 18 18
+make btn_addDevice 32 32
+make btn_createProject 32 32
+make btn_interval 32 32
+make btn_removeDevice 32 32
+make icon_lan 16 16
+make icon_usb 16 16
+make sorvanto_lite 720 326

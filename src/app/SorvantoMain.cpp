@@ -121,9 +121,9 @@ void SorvantoMain::stopTimers()
         timer->stop();
 }
 
-bool SorvantoMain::hasFailed() const
+bool SorvantoMain::isEnding() const
 {
-    return m_bHasFailed;
+    return m_bIsEnding;
 }
 
 bool SorvantoMain::isProjectOpen() const
@@ -214,6 +214,7 @@ void SorvantoMain::stopRunningRecording()
 
 void SorvantoMain::endProgram()
 {
+    m_bIsEnding = true;
     stopRunningRecording();
     close();
     QCoreApplication::exit(0);

@@ -38,8 +38,9 @@ public:
     explicit SorvantoMain(QWidget *parent = nullptr);
     ~SorvantoMain() override;
 
-    /// Whether the recording could not be created, after which the program ends.
-    bool hasFailed() const;
+    /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop that
+    /// is not running yet must not be started any more.
+    bool isEnding() const;
     bool isProjectOpen() const;
     bool isRecording() const;
     /// Every logger in reach; the records belong to the controller and change with every scan.
@@ -143,7 +144,7 @@ private:
     bool m_bIsRecordStart = false;
     bool m_usbPresent = false;
     bool m_usbPresentBefore = false;
-    bool m_bHasFailed = false;
+    bool m_bIsEnding = false;
 
     MainMenus *m_menus = nullptr;
     QTimer *m_stdTimer = nullptr;

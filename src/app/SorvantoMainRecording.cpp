@@ -42,7 +42,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     if (!m_insertSerialData->createConnection()) {
         delete m_insertSerialData;
         m_insertSerialData = nullptr;
-        m_bHasFailed = true;
+        m_bIsEnding = true;
         QMessageBox::critical(nullptr, QStringLiteral("ERROR"),
                               QStringLiteral("Create database error!\nExit program."), QMessageBox::Ok);
         close();

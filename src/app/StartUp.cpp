@@ -39,14 +39,12 @@ int runStation(QApplication &application)
     QSplashScreen *splash = showSplash();
 
     SorvantoMain mainWindow;
-    if (mainWindow.hasFailed())
-        return 0;
-    if (signalsFromSystem.wasRequested()) {
-        mainWindow.stopRunningRecording();
-        return 0;
-    }
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
                      &SorvantoMain::endProgram);
+    if (signalsFromSystem.wasRequested())
+        mainWindow.endProgram();
+    if (mainWindow.isEnding())
+        return 0;
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &mainWindow,
                      &SorvantoMain::stopRunningRecording, Qt::DirectConnection);
 
@@ -55,5 +53,5 @@ int runStation(QApplication &application)
 
     mainWindow.show();
     splash->finish(&mainWindow);
-    return QApplication::exec();
+    return mainWindow.isEnding() ? 0 : QApplication::exec();
 }

@@ -24,7 +24,7 @@ TelnetDevice::TelnetDevice(QObject *parent) : QObject(parent), m_socket(new QTcp
 TelnetDevice::~TelnetDevice()
 {
     logDevice() << "TelnetDevice::~TelnetDevice : [" << m_address << "]";
-    close();
+    TelnetDevice::close();
     if (!m_socket)
         return;
     QTcpSocket *socket = m_socket;

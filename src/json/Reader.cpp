@@ -79,8 +79,8 @@ private:
     QJsonValue readNumber();
     void skipDigits();
 
-    QString readKey(std::size_t ordinal);
-    QString readString();
+    QString *newest(std::vector<QString> &texts, std::size_t place);
+    QString readString(QString *known = nullptr);
     Run readRun();
     static QString textOf(const Run &run);
     void appendEscape(QString &text);
@@ -94,8 +94,10 @@ private:
     // Members and values of the containers being read; each is moved out in one piece when its container ends.
     std::vector<Member> m_members;
     std::vector<QJsonValue> m_values;
-    /// The newest key at each place of an object: the objects of a list have the same keys, which then share one text.
+    // The newest key and text at each place of an object: the objects of a list have the same keys and many equal
+    // texts, which share their memory.
     std::vector<QString> m_keys;
+    std::vector<QString> m_texts;
 };
 
 void Reader::fail(QJsonParseError::Number number) const
@@ -167,11 +169,12 @@ QJsonObject Reader::readObject()
     while (more) {
         if (peekToken() != '"')
             fail(QJsonParseError::UnterminatedObject);
-        QString key = readKey(m_members.size() - first);
+        const std::size_t place = m_members.size() - first;
+        QString key = readString(newest(m_keys, place));
         if (peekToken() != ':')
             fail(QJsonParseError::MissingNameSeparator);
         ++m_at;
-        QJsonValue value = readValue();
+        QJsonValue value = peekToken() == '"' ? readString(newest(m_texts, place)) : readValue();
         m_members.push_back({std::move(key), std::move(value)});
         const char next = peekToken();
         if (next != ',' && next != '}')
@@ -246,28 +249,29 @@ void Reader::skipDigits()
         ++m_at;
 }
 
-QString Reader::readKey(std::size_t ordinal)
+/// Null beyond the places that are worth it.
+QString *Reader::newest(std::vector<QString> &texts, std::size_t place)
 {
-    constexpr std::size_t keysKept = 64;
-    const char *start = m_at++;
-    const Run run = readRun();
-    if (*m_at != '"' || !run.ascii || ordinal >= keysKept) {
-        m_at = start;
-        return readString();
-    }
-    ++m_at;
-    if (ordinal >= m_keys.size())
-        m_keys.resize(ordinal + 1);
-    QString &key = m_keys[ordinal];
-    if (key != QLatin1String(run.bytes, run.size))
-        key = textOf(run);
-    return key;
+    constexpr std::size_t placesKept = 64;
+    if (place >= placesKept)
+        return nullptr;
+    if (place >= texts.size())
+        texts.resize(place + 1);
+    return &texts[place];
 }
 
-QString Reader::readString()
+/// Shares the text of @p known when it is the same, otherwise makes it the known one; only plain texts are worth it.
+QString Reader::readString(QString *known)
 {
     ++m_at;
-    QString text = textOf(readRun());
+    const Run run = readRun();
+    if (known && run.ascii && *m_at == '"') {
+        ++m_at;
+        if (*known != QLatin1String(run.bytes, run.size))
+            *known = textOf(run);
+        return *known;
+    }
+    QString text = textOf(run);
     while (*m_at == '\\') {
         appendEscape(text);
         text += textOf(readRun());

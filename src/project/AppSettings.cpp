@@ -1,57 +1,48 @@
 #include "project/AppSettings.h"
 
+#include "project/IniFile.h"
+
+#include <QDir>
 #include <QFileInfo>
 #include <QSettings>
 
 namespace {
 
-const QString listKey = QStringLiteral("list");
-const QString projectsKey = QStringLiteral("projects");
-const QString autoLoadKey = QStringLiteral("autoLoad");
-const QString autoRecordKey = QStringLiteral("autoRecord");
-const QString keepAliveKey = QStringLiteral("keepAlive");
+const QString organization = QStringLiteral("SorvantoLite");
+const QString application = QStringLiteral("Sorvanto Lite");
 
-/// The user's settings, opened in the one group that the station uses.
-class Store : public QSettings
+const QString listKey = QStringLiteral("RecentProjects/list");
+const QString projectsKey = QStringLiteral("RecentProjects/projects");
+const QString autoLoadKey = QStringLiteral("RecentProjects/autoLoad");
+const QString autoRecordKey = QStringLiteral("RecentProjects/autoRecord");
+const QString keepAliveKey = QStringLiteral("RecentProjects/keepAlive");
+
+bool write(const IniValues &values)
 {
-public:
-    Store() : QSettings(QStringLiteral("SorvantoLite"), QStringLiteral("Sorvanto Lite"))
-    {
-        beginGroup(QStringLiteral("RecentProjects"));
-    }
-
-    bool write()
-    {
-        sync();
-        return status() == NoError;
-    }
-};
-
-QVariantMap toMap(const QVariant &value)
-{
-    if (value.userType() != QMetaType::QVariantHash)
-        return value.toMap();
-    QVariantMap map;
-    const QVariantHash hash = value.toHash();
-    for (auto it = hash.begin(); it != hash.end(); ++it)
-        map.insert(it.key(), it.value());
-    return map;
+    QSettings store(organization, application);
+#ifdef Q_OS_LINUX
+    // Here the native store is a file, which a full disk must not damage.
+    const QString path = store.fileName();
+    return QDir().mkpath(QFileInfo(path).absolutePath()) && rewriteIniFile(path, values);
+#else
+    setValues(store, values);
+    store.sync();
+    return store.status() == QSettings::NoError;
+#endif
 }
 
-void setFlags(Store &store, const AppSettings &settings)
+IniValues flags(const AppSettings &settings)
 {
-    store.setValue(autoLoadKey, settings.autoLoad);
-    store.setValue(autoRecordKey, settings.autoRecord);
-    store.setValue(keepAliveKey, settings.keepAlive);
+    return {{autoLoadKey, settings.autoLoad}, {autoRecordKey, settings.autoRecord}, {keepAliveKey, settings.keepAlive}};
 }
 
 } // namespace
 
 void AppSettings::load()
 {
-    const Store store;
+    const QSettings store(organization, application);
     recentProjectList = store.value(listKey).toStringList();
-    recentProjects = toMap(store.value(projectsKey));
+    recentProjects = store.value(projectsKey).toMap();
     autoLoad = store.value(autoLoadKey).toBool();
     autoRecord = store.value(autoRecordKey).toBool();
     keepAlive = store.value(keepAliveKey).toBool();
@@ -59,18 +50,13 @@ void AppSettings::load()
 
 bool AppSettings::save() const
 {
-    Store store;
-    store.setValue(listKey, recentProjectList);
-    store.setValue(projectsKey, recentProjects);
-    setFlags(store, *this);
-    return store.write();
+    const IniValues projects{{listKey, recentProjectList}, {projectsKey, recentProjects}};
+    return write(projects + flags(*this));
 }
 
 bool AppSettings::saveAutoFlags() const
 {
-    Store store;
-    setFlags(store, *this);
-    return store.write();
+    return write(flags(*this));
 }
 
 void AppSettings::pruneRecentProjects()

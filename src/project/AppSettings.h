@@ -15,7 +15,7 @@ public:
     bool keepAlive = false;
 
     void load();
-    /// Whether the settings are on the disk; what is not will be written with the next ones that can be.
+    /// Whether the settings are in the store; if not, it stays as it was.
     bool save() const;
     /// Writes the three flags only.
     bool saveAutoFlags() const;

@@ -1,9 +1,9 @@
 #include "project/ProjectFile.h"
 
 #include "project/DeviceList.h"
+#include "project/IniFile.h"
 
 #include <QFileInfo>
-#include <QPair>
 #include <QSettings>
 #include <QVariant>
 
@@ -20,45 +20,15 @@ const QString recordStartTime = QStringLiteral("record_start_time");
 const QString recordStopTime = QStringLiteral("record_stop_time");
 } // namespace key
 
-/// Keys and values in the order of writing; an invalid value stands for a key that is not there.
-using Values = QList<QPair<QString, QVariant>>;
-
 QVariant read(const QString &path, const QString &key)
 {
     return QSettings(path, QSettings::IniFormat).value(key);
 }
 
-void set(QSettings &settings, const Values &values)
+bool rewriteExisting(const QString &path, const IniValues &values)
 {
-    for (const auto &[name, value] : values) {
-        if (value.isValid())
-            settings.setValue(name, value);
-        else
-            settings.remove(name);
-    }
-}
-
-bool write(QSettings &settings, const Values &values)
-{
-    Values onDisk;
-    for (const auto &[name, value] : values)
-        onDisk.append({name, settings.value(name)});
-    set(settings, values);
-    settings.sync();
-    if (settings.status() != QSettings::AccessError)
-        return true;
-    // What could not be written stays in a cache that every later object for this path reads from and writes.
-    set(settings, onDisk);
-    return false;
-}
-
-bool writeExisting(const QString &path, const Values &values)
-{
-    // The file would come back without its name and its database.
-    if (!QFileInfo::exists(path))
-        return false;
-    QSettings settings(path, QSettings::IniFormat);
-    return write(settings, values);
+    // A file that was deleted would come back without its name and its database.
+    return QFileInfo::exists(path) && rewriteIniFile(path, values);
 }
 
 } // namespace
@@ -72,36 +42,35 @@ QString ProjectFile::path() const
 
 bool ProjectFile::create(const QString &projectName, int intervalMs)
 {
-    QSettings settings(m_path, QSettings::IniFormat);
-    Values values;
-    const QStringList left = settings.allKeys();
+    IniValues values;
+    const QStringList left = QSettings(m_path, QSettings::IniFormat).allKeys();
     for (const QString &name : left)
         values.append({name, QVariant()});
     values.append({key::projectName, projectName});
     values.append({key::dataInterval, intervalMs});
     values.append({key::databaseName, projectName + QStringLiteral(".dat")});
-    return write(settings, values);
+    return rewriteIniFile(m_path, values);
 }
 
 bool ProjectFile::saveDevices(const QList<DeviceEntry> &devices)
 {
-    return writeExisting(m_path, {{key::backup, read(m_path, key::deviceList).toByteArray()},
-                                  {key::deviceList, encodeDeviceList(devices)}});
+    return rewriteExisting(m_path, {{key::backup, read(m_path, key::deviceList).toByteArray()},
+                                    {key::deviceList, encodeDeviceList(devices)}});
 }
 
 bool ProjectFile::saveLayout(int intervalMs, const QStringList &dashboardNames)
 {
-    return writeExisting(m_path, {{key::dataInterval, intervalMs}, {key::dashboardNames, dashboardNames}});
+    return rewriteExisting(m_path, {{key::dataInterval, intervalMs}, {key::dashboardNames, dashboardNames}});
 }
 
 bool ProjectFile::setRecordStartTime(const QString &text)
 {
-    return writeExisting(m_path, {{key::recordStartTime, text}});
+    return rewriteExisting(m_path, {{key::recordStartTime, text}});
 }
 
 bool ProjectFile::setRecordStopTime(const QString &text)
 {
-    return writeExisting(m_path, {{key::recordStopTime, text}});
+    return rewriteExisting(m_path, {{key::recordStopTime, text}});
 }
 
 std::optional<QList<DeviceEntry>> ProjectFile::readDevices() const

@@ -229,10 +229,12 @@ bool InsertSerialData::takeExclusiveLock()
 /// Leaves out the rows at the front of the queue that an interrupted attempt did bring into the file after all.
 QSqlError InsertSerialData::dropRowsAlreadyStored()
 {
-    if (m_perhapsStored == 0)
+    // Another store on the same queue may have emptied it meanwhile.
+    const auto count = std::min(m_perhapsStored, pendingCount());
+    if (count == 0)
         return {};
     const auto first = queue().begin();
-    const auto last = first + m_perhapsStored;
+    const auto last = first + count;
     const auto range =
         std::minmax_element(first, last, [](const PendingRow &a, const PendingRow &b) { return a.time < b.time; });
     QSqlQuery query(connection());

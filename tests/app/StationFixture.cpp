@@ -10,6 +10,17 @@
 #include <QTextBrowser>
 #include <QUuid>
 
+namespace {
+
+NullSinkServer *theSoundServer = nullptr;
+
+} // namespace
+
+NullSinkServer &soundServer()
+{
+    return *theSoundServer;
+}
+
 StationFixture::StationFixture()
 {
     QSettings(QStringLiteral("SorvantoLite"), QStringLiteral("Sorvanto Lite")).clear();
@@ -107,12 +118,13 @@ QStringList shownMessages()
 
 int runStationTest(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &createTest)
 {
-    NullSinkServer soundServer;
-    if (!soundServer.start()) {
-        qCritical("%s", qUtf8Printable(soundServer.errorString()));
+    NullSinkServer server;
+    if (!server.start()) {
+        qCritical("%s", qUtf8Printable(server.errorString()));
         return 1;
     }
-    soundServer.useHere();
+    server.useHere();
+    theSoundServer = &server;
     installMessagePattern();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -73,6 +73,10 @@ T *child(const QObject &parent, const char *name)
 /// Texts of the messages that the window shows at present.
 QStringList shownMessages();
 
+class NullSinkServer;
+/// What the stations of this program play to.
+NullSinkServer &soundServer();
+
 /// A test of the whole station needs a sound server before the application exists; the machine's own is left alone.
 int runStationTest(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &createTest);
 

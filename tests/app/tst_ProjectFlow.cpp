@@ -365,7 +365,7 @@ private slots:
         boxWatch.start(10);
         station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
         QCOMPARE(boxes, QStringList{QStringLiteral("ERROR|Create database error!\nExit program.")});
-        QVERIFY(station.hasFailed());
+        QVERIFY(station.isEnding());
         QVERIFY(!station.isProjectOpen());
         QVERIFY(station.configuredDevices().isEmpty());
         QCOMPARE(m_fixture->logger(0).accepted(), 0);

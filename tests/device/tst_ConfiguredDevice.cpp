@@ -1,14 +1,12 @@
-#include "device/ConfiguredDevice.h"
 #include "store/InsertSerialData.h"
-#include "support/DeviceFakes.h"
+#include "support/ClockedDevice.h"
 #include "support/LogCapture.h"
+#include "support/MetaMethods.h"
 #include "support/RecordedRows.h"
 
-#include <QMetaMethod>
-#include <QPointer>
 #include <QTest>
 
-/// Readings, history, alarms, rows and views; replies are handed in as the link hands them over.
+/// Settings, readings, history, alarms and rows.
 class tst_ConfiguredDevice : public QObject
 {
     Q_OBJECT
@@ -40,37 +38,10 @@ private slots:
     void recordsThousandsOfLines();
     void gapRowFollowsTheLastRecordedOne();
     void gapRowBeforeAnyReading();
-    void pushesIntoItsViews();
-    void disconnectEmptiesEverything();
-    void listEntryStartsDisconnected();
-    void detachedViewsHearNothing();
-    void mayBeDeletedByAView_data();
-    void mayBeDeletedByAView();
-    void mayBeDeletedByAViewInsideItsOwnPoll();
     void logsAlarms();
 };
 
 namespace {
-
-/// A device without an address, whose poll time the test sets.
-struct Bench
-{
-    QDateTime now = QDateTime::fromMSecsSinceEpoch(1700000000000);
-    ConfiguredDevice device{"A1", NetworkInterface};
-
-    Bench()
-    {
-        device.setClock([this] { return now; });
-        device.pollForRecord();
-    }
-
-    void reply(const QString &text, qint64 msLater = 0)
-    {
-        now = now.addMSecs(msLater);
-        device.pollForRecord();
-        device.readData(text);
-    }
-};
 
 struct Histories
 {
@@ -84,16 +55,6 @@ struct Histories
         return static_cast<int>(std::count_if(times.begin(), times.end(), [](double t) { return !isNoValue(t); }));
     }
 };
-
-QStringList methodsOf(const QMetaObject &meta, QMetaMethod::MethodType type)
-{
-    QStringList names;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        if (meta.method(i).methodType() == type)
-            names << QString::fromLatin1(meta.method(i).methodSignature());
-    }
-    return names;
-}
 
 } // namespace
 
@@ -158,7 +119,7 @@ void tst_ConfiguredDevice::keepsItsSettings()
 
 void tst_ConfiguredDevice::readsOneReply()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.reply("21.50,45.10\n");
     QCOMPARE(bench.device.ch1Value(), QString("21.50"));
     QCOMPARE(bench.device.ch2Value(), QString("45.10"));
@@ -171,7 +132,7 @@ void tst_ConfiguredDevice::readsOneReply()
 
 void tst_ConfiguredDevice::showsMissingValuesAsSent()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setAlarmRange(10, 30, 10, 30);
     bench.reply("----,45.1\n");
     QCOMPARE(bench.device.ch1Value(), QString("----"));
@@ -193,7 +154,7 @@ void tst_ConfiguredDevice::readsWhatIsNoNumberAsZero_data()
 void tst_ConfiguredDevice::readsWhatIsNoNumberAsZero()
 {
     QFETCH(QString, field);
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setRecording(true);
     bench.reply(field + "," + field + "\n");
     QCOMPARE(bench.device.ch1Value(), QString("0.00"));
@@ -207,7 +168,7 @@ void tst_ConfiguredDevice::readsWhatIsNoNumberAsZero()
 
 void tst_ConfiguredDevice::anyReplyConnects()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.readData("rubbish");
     QVERIFY(bench.device.isConnected());
     QCOMPARE(bench.device.ch1Value(), QString());
@@ -243,7 +204,7 @@ void tst_ConfiguredDevice::alarms()
     QFETCH(float, max);
     QFETCH(QString, field);
     QFETCH(bool, alarm);
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setAlarmRange(min, max, 0, 0);
     bench.reply(field + "," + field);
     QCOMPARE(bench.device.alarmOnChannel1(), alarm);
@@ -256,7 +217,7 @@ void tst_ConfiguredDevice::alarms()
 
 void tst_ConfiguredDevice::alarmClearsWithTheNextReading()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setAlarmRange(10, 30, 10, 30);
     bench.reply("40,40");
     QVERIFY(bench.device.alarmOnChannel1() && bench.device.alarmOnChannel2());
@@ -266,7 +227,7 @@ void tst_ConfiguredDevice::alarmClearsWithTheNextReading()
 
 void tst_ConfiguredDevice::checkAlarmAllJudgesTheValuesShown()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.checkAlarmAll();
     QVERIFY(!bench.device.alarmOnChannel1());
     bench.reply("40,----");
@@ -285,7 +246,7 @@ void tst_ConfiguredDevice::checkAlarmAllJudgesTheValuesShown()
 
 void tst_ConfiguredDevice::historyAppendsWithEachPollTime()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.reply("1,10");
     bench.reply("2,20", 1000);
     bench.reply("----,30", 1000);
@@ -300,7 +261,7 @@ void tst_ConfiguredDevice::historyAppendsWithEachPollTime()
 
 void tst_ConfiguredDevice::historyOverwritesAtTheSamePollTime()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.reply("1,10\n2,20\n");
     bench.device.pollForDisplay();
     QCOMPARE(Histories(bench.device).points(), 1);
@@ -312,7 +273,7 @@ void tst_ConfiguredDevice::historyOverwritesAtTheSamePollTime()
 
 void tst_ConfiguredDevice::historyDropsTheOldest()
 {
-    Bench bench;
+    ClockedDevice bench;
     for (int i = 0; i < historyLength + 10; ++i)
         bench.reply(QString("%1,%2").arg(i).arg(-i), 1000);
     const Histories history(bench.device);
@@ -325,7 +286,7 @@ void tst_ConfiguredDevice::historyDropsTheOldest()
 
 void tst_ConfiguredDevice::historyTimesCarryMilliseconds()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.reply("1,2", 250);
     QCOMPARE(Histories(bench.device).times.back(), 1700000000.25);
     bench.reply("1,2", 1);
@@ -335,7 +296,7 @@ void tst_ConfiguredDevice::historyTimesCarryMilliseconds()
 
 void tst_ConfiguredDevice::recordsAReplyToPollForRecord()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setRecording(true);
     QVERIFY(bench.device.isRecording());
     bench.reply("21.50,----\n", 1999);
@@ -350,7 +311,7 @@ void tst_ConfiguredDevice::recordsAReplyToPollForRecord()
 
 void tst_ConfiguredDevice::recordsNothingUnlessRecording()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.reply("1,2\n");
     QCOMPARE(InsertSerialData::pendingCount(), 0);
     bench.device.setRecording(true);
@@ -364,7 +325,7 @@ void tst_ConfiguredDevice::recordsNothingUnlessRecording()
 
 void tst_ConfiguredDevice::recordsNoReplyToPollForDisplay()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setRecording(true);
     bench.device.pollForDisplay();
     bench.device.readData("1,2\n");
@@ -376,7 +337,7 @@ void tst_ConfiguredDevice::recordsNoReplyToPollForDisplay()
 
 void tst_ConfiguredDevice::displayPollHoldsBackOneLineOnly()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setRecording(true);
     bench.device.pollForDisplay();
     bench.device.readData("rubbish\n");
@@ -388,7 +349,7 @@ void tst_ConfiguredDevice::displayPollHoldsBackOneLineOnly()
 
 void tst_ConfiguredDevice::recordsEveryLineOfAReply()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setRecording(true);
     bench.reply("1,2\n3,4\n");
     QCOMPARE(InsertSerialData::pendingCount(), 2);
@@ -400,7 +361,7 @@ void tst_ConfiguredDevice::recordsEveryLineOfAReply()
 
 void tst_ConfiguredDevice::recordsThousandsOfLines()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setRecording(true);
     QString reply;
     for (int i = 0; i < 5000; ++i)
@@ -414,7 +375,7 @@ void tst_ConfiguredDevice::recordsThousandsOfLines()
 
 void tst_ConfiguredDevice::gapRowFollowsTheLastRecordedOne()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setRecording(true);
     bench.reply("1,2\n");
     bench.device.setRecording(false);
@@ -438,126 +399,9 @@ void tst_ConfiguredDevice::gapRowBeforeAnyReading()
     QVERIFY(rows[0].time >= before + 1 && rows[0].time <= QDateTime::currentSecsSinceEpoch() + 1);
 }
 
-void tst_ConfiguredDevice::pushesIntoItsViews()
-{
-    Bench bench;
-    FakeTile tile1;
-    FakeTile tile2;
-    FakeChart chart;
-    FakeListEntry entry;
-    bench.device.setTiles(&tile1, &tile2);
-    bench.device.setChartView(&chart);
-    bench.device.setListItem(&entry);
-    bench.reply("1,----\n3,4\n");
-    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 1.00", "value 3.00"}));
-    QCOMPARE(tile2.calls, QStringList({"connected A1", "value ----", "value 4.00"}));
-    QCOMPARE(chart.calls, QStringList({"connected A1", "data 1.00 ----", "data 3.00 4.00"}));
-    QCOMPARE(entry.states, QList<bool>({false, true}));
-    QCOMPARE(chart.times.back(), 1700000000.0);
-    QCOMPARE(chart.channel1.back(), 3.0);
-    QCOMPARE(chart.channel2.back(), 4.0);
-}
-
-void tst_ConfiguredDevice::disconnectEmptiesEverything()
-{
-    Bench bench;
-    bench.device.setAlarmRange(10, 30, 10, 30);
-    bench.reply("99,99");
-    FakeTile tile1;
-    FakeTile tile2;
-    FakeChart chart;
-    FakeListEntry entry;
-    bench.device.setTiles(&tile1, &tile2);
-    bench.device.setChartView(&chart);
-    bench.device.setListItem(&entry);
-    bench.device.deviceDisconnected();
-    QVERIFY(!bench.device.isConnected());
-    QVERIFY(!bench.device.alarmOnChannel1() && !bench.device.alarmOnChannel2());
-    QCOMPARE(bench.device.ch1Value(), QString());
-    QCOMPARE(bench.device.ch2Value(), QString());
-    QCOMPARE(tile1.calls, QStringList("disconnected A1"));
-    QCOMPARE(tile2.calls, QStringList("disconnected A1"));
-    QCOMPARE(chart.calls, QStringList("disconnected A1"));
-    QCOMPARE(entry.states, QList<bool>({false, false}));
-    QCOMPARE(Histories(bench.device).points(), 1);
-}
-
-void tst_ConfiguredDevice::listEntryStartsDisconnected()
-{
-    Bench bench;
-    bench.reply("1,2");
-    FakeListEntry entry;
-    bench.device.setListItem(&entry);
-    QCOMPARE(entry.states, QList<bool>{false});
-    bench.device.setListItem(nullptr);
-    bench.device.deviceConnected();
-    QCOMPARE(entry.states, QList<bool>{false});
-}
-
-void tst_ConfiguredDevice::detachedViewsHearNothing()
-{
-    Bench bench;
-    FakeTile tile1;
-    FakeTile tile2;
-    FakeChart chart;
-    FakeListEntry entry;
-    bench.device.setTiles(&tile1, &tile2);
-    bench.device.setChartView(&chart);
-    bench.device.setListItem(&entry);
-    bench.device.detachViews();
-    bench.reply("1,2");
-    bench.device.deviceDisconnected();
-    QVERIFY(tile1.calls.isEmpty() && tile2.calls.isEmpty() && chart.calls.isEmpty());
-    QCOMPARE(entry.states, QList<bool>{false});
-}
-
-void tst_ConfiguredDevice::mayBeDeletedByAView_data()
-{
-    QTest::addColumn<int>("call");
-    QTest::newRow("when connected") << 1;
-    QTest::newRow("with the first value") << 2;
-    QTest::newRow("with the second value") << 3;
-    QTest::newRow("when disconnected") << 4;
-}
-
-void tst_ConfiguredDevice::mayBeDeletedByAView()
-{
-    QFETCH(int, call);
-    QPointer<ConfiguredDevice> device = new ConfiguredDevice("A1", NetworkInterface);
-    FakeTile tile1;
-    FakeTile tile2;
-    tile1.onCall = [&] {
-        if (tile1.calls.size() == call)
-            delete device.data();
-    };
-    device->setTiles(&tile1, &tile2);
-    device->setRecording(true);
-    device->readData("1,2\n3,4\n");
-    for (int poll = 0; device && poll < 6; ++poll)
-        device->pollForRecord();
-    QVERIFY(!device);
-    QCOMPARE(tile1.calls.size(), call);
-    QCOMPARE(tile2.calls.size(), call - 1);
-}
-
-void tst_ConfiguredDevice::mayBeDeletedByAViewInsideItsOwnPoll()
-{
-    for (const bool forRecord : {true, false}) {
-        QPointer<ConfiguredDevice> device = new ConfiguredDevice("B2", UsbInterface);
-        FakeTile tile;
-        tile.onCall = [&] {
-            delete device.data();
-        };
-        device->setTiles(&tile, nullptr);
-        forRecord ? device->pollForRecord() : device->pollForDisplay(); // the port is closed, so the poll fails
-        QVERIFY(!device);
-        QCOMPARE(tile.calls, QStringList("disconnected B2"));
-    }
-}
-
 void tst_ConfiguredDevice::logsAlarms()
 {
-    Bench bench;
+    ClockedDevice bench;
     bench.device.setAlarmRange(10, 30, 10, 30);
     LogCapture log;
     bench.device.readData("99,99\n");

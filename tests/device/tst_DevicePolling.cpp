@@ -2,11 +2,11 @@
 #include "store/InsertSerialData.h"
 #include "support/DeviceFakes.h"
 #include "support/LogCapture.h"
-#include "support/PseudoTerminal.h"
 #include "support/RecordedRows.h"
 #include "support/ScriptedLogger.h"
 #include "support/TemporaryInterval.h"
 
+#include <QPointer>
 #include <QTest>
 
 #include <arpa/inet.h>
@@ -15,7 +15,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-/// A configured device on its real link: polls, missed replies, and every way a logger can go away and come back.
+/// A network device on its real link: polls, missed replies, and every way a logger can go away and come back.
 class tst_DevicePolling : public QObject
 {
     Q_OBJECT
@@ -39,15 +39,6 @@ private slots:
     void passesKeepConnectionOn();
     void deletedNetworkDeviceLeavesNoConnection();
     void readdressedDeviceUsesItsNewLogger();
-
-    void pollsAUsbLogger();
-    void unpluggedUsbLoggerDisconnects();
-    void displayPollReopensAClosedPort();
-    void recordPollDoesNotReopen();
-    void withdrawnPortIsNotOpened();
-    void renamingDoesNotGiveThePortBack();
-    void deletedUsbDeviceLeavesNoPort();
-    void mayBeDeletedInsideItsLinksReply_data();
     void mayBeDeletedInsideItsLinksReply();
 };
 
@@ -90,19 +81,6 @@ struct NetworkPair
                 return true;
         }
         return device.isConnected();
-    }
-};
-
-struct UsbPair
-{
-    PseudoTerminal logger;
-    ConfiguredDevice device{"B2", UsbInterface};
-
-    UsbPair()
-    {
-        device.setDeviceInfo("Attic", "1", "2", logger.portName(), 23);
-        QObject::connect(&logger, &PseudoTerminal::bytesReceived, &logger,
-                         [this] { logger.send("ATCD 21.50,45.10\r\n"); });
     }
 };
 
@@ -442,121 +420,21 @@ void tst_DevicePolling::readdressedDeviceUsesItsNewLogger()
     QTRY_COMPARE(other.accepted(), 2);
 }
 
-void tst_DevicePolling::pollsAUsbLogger()
-{
-    UsbPair pair;
-    pair.device.setRecording(true);
-    QVERIFY(pair.device.openDevice());
-    QVERIFY(pair.device.isOpen());
-    QVERIFY(pair.device.isConnected());
-    pair.device.pollForRecord();
-    QTRY_COMPARE(pair.device.ch1Value(), QString("21.50"));
-    QCOMPARE(pair.logger.received(), QByteArray("ATCD\r\n"));
-    QCOMPARE(InsertSerialData::pendingCount(), 1);
-    // Missed replies are counted for network loggers only.
-    pair.logger.disconnect();
-    for (int poll = 0; poll < 10; ++poll)
-        pair.device.pollForRecord();
-    QVERIFY(pair.device.isConnected());
-}
-
-void tst_DevicePolling::unpluggedUsbLoggerDisconnects()
-{
-    UsbPair pair;
-    FakeListEntry entry;
-    pair.device.setListItem(&entry);
-    QVERIFY(pair.device.openDevice());
-    pair.logger.unplug();
-    QTRY_VERIFY(!pair.device.isConnected());
-    QTRY_VERIFY(!pair.device.isOpen());
-    QCOMPARE(entry.states, QList<bool>({false, true, false}));
-    PseudoTerminal replugged;
-    pair.device.setDeviceInfo("Attic", "1", "2", replugged.portName(), 23);
-    QVERIFY(pair.device.openDevice());
-    QVERIFY(pair.device.isConnected());
-}
-
-void tst_DevicePolling::displayPollReopensAClosedPort()
-{
-    UsbPair pair;
-    QVERIFY(pair.device.openDevice());
-    pair.device.closeDevice();
-    pair.device.pollForDisplay();
-    QVERIFY(pair.device.isOpen());
-    QVERIFY(pair.device.isConnected());
-}
-
-void tst_DevicePolling::recordPollDoesNotReopen()
-{
-    UsbPair pair;
-    LogCapture log;
-    pair.device.pollForRecord();
-    QVERIFY(!pair.device.isOpen());
-    QVERIFY(!pair.device.isConnected());
-    QCOMPARE(log.count("SerialDevice::open"), 0);
-}
-
-void tst_DevicePolling::withdrawnPortIsNotOpened()
-{
-    UsbPair pair;
-    QVERIFY(pair.device.openDevice());
-    pair.device.forgetPort();
-    pair.device.closeDevice();
-    QCOMPARE(pair.device.address(), pair.logger.portName());
-    LogCapture log;
-    pair.device.pollForDisplay();
-    QVERIFY(!pair.device.isOpen());
-    QVERIFY(!pair.device.isConnected());
-    QCOMPARE(log.warnings(), QStringList());
-    QVERIFY(pair.device.openDevice());
-}
-
-void tst_DevicePolling::renamingDoesNotGiveThePortBack()
-{
-    UsbPair pair;
-    pair.device.forgetPort();
-    pair.device.setDeviceInfo("Loft", "1", "2", pair.logger.portName(), 23);
-    QCOMPARE(pair.device.deviceName(), QString("Loft"));
-    pair.device.pollForDisplay();
-    QVERIFY(!pair.device.isOpen());
-}
-
-void tst_DevicePolling::deletedUsbDeviceLeavesNoPort()
-{
-    PseudoTerminal logger;
-    for (int round = 0; round < 2; ++round) {
-        ConfiguredDevice device("B2", UsbInterface);
-        device.setDeviceInfo("Attic", "1", "2", logger.portName(), 23);
-        QVERIFY(device.openDevice());
-    }
-}
-
-void tst_DevicePolling::mayBeDeletedInsideItsLinksReply_data()
-{
-    QTest::addColumn<int>("kind");
-    QTest::newRow("serial") << 1;
-    QTest::newRow("network") << 2;
-}
-
 void tst_DevicePolling::mayBeDeletedInsideItsLinksReply()
 {
-    QFETCH(int, kind);
     TemporaryInterval interval(1000);
-    ScriptedLogger network;
-    UsbPair usb;
+    ScriptedLogger logger;
     FakeTile tile;
-    QPointer<ConfiguredDevice> device = new ConfiguredDevice("A1", kind);
+    QPointer<ConfiguredDevice> device = new ConfiguredDevice("A1", NetworkInterface);
     tile.onCall = [&] {
         if (tile.calls.last().startsWith("value"))
             delete device.data();
     };
     device->setTiles(&tile, nullptr);
-    const bool isSerial = kind == UsbInterface;
-    device->setDeviceInfo("Cellar", "1", "2", isSerial ? usb.logger.portName() : network.address(), network.port());
-    device->openDevice();
+    device->setDeviceInfo("Cellar", "1", "2", logger.address(), logger.port());
     device->pollForRecord();
     QTRY_VERIFY(!device);
-    QTRY_COMPARE(network.openConnections(), 0);
+    QTRY_COMPARE(logger.openConnections(), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_DevicePolling)

@@ -1,6 +1,7 @@
 #include "device/SerialDevice.h"
 #include "support/LogCapture.h"
-#include "support/PseudoTerminal.h"
+#include "support/MetaMethods.h"
+#include "support/SerialLine.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -28,6 +29,7 @@ private slots:
     void errors_data();
     void errors();
     void unpluggedPortReportsOnceAndClosesItself();
+    void oneFaultIsReportedOnce();
     void failedPortForgetsItsName();
     void nameGivenWhileClosingIsKept();
     void closingAFailedPortAtOnceIsNotRepeated();
@@ -44,16 +46,6 @@ namespace {
 QSerialPort *portOf(SerialDevice &link)
 {
     return link.findChild<QSerialPort *>();
-}
-
-QStringList methodsOf(const QMetaObject &meta, QMetaMethod::MethodType type)
-{
-    QStringList names;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        if (meta.method(i).methodType() == type)
-            names << QString::fromLatin1(meta.method(i).methodSignature());
-    }
-    return names;
 }
 
 } // namespace
@@ -93,7 +85,7 @@ void tst_SerialDevice::setsThePortUpBeforeAnyOpen()
 
 void tst_SerialDevice::reportsConnectedOncePerOpen()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy connected(&link, &SerialDevice::connected);
     QSignalSpy disconnected(&link, &SerialDevice::disconnected);
@@ -111,7 +103,7 @@ void tst_SerialDevice::reportsConnectedOncePerOpen()
 
 void tst_SerialDevice::reportsConnectedWhereThePortDoesNot()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy connected(&link, &SerialDevice::connected);
     // A port library that says nothing on a successful open.
@@ -150,7 +142,7 @@ void tst_SerialDevice::opensNothingWithoutAName()
 
 void tst_SerialDevice::pollsWithItsCommand()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -161,7 +153,7 @@ void tst_SerialDevice::pollsWithItsCommand()
 void tst_SerialDevice::writeCommandReturnsZero()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -199,7 +191,7 @@ void tst_SerialDevice::passesOnOneNotification()
 {
     QFETCH(QByteArray, sent);
     QFETCH(QString, passedOn);
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -213,7 +205,7 @@ void tst_SerialDevice::passesOnOneNotification()
 void tst_SerialDevice::dropsWhatHasNoEcho()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -229,7 +221,7 @@ void tst_SerialDevice::dropsWhatHasNoEcho()
 void tst_SerialDevice::judgesEachNotificationAlone()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -244,7 +236,7 @@ void tst_SerialDevice::judgesEachNotificationAlone()
 
 void tst_SerialDevice::keepsEightBitText()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy readyRead(&link, &SerialDevice::readyRead);
     link.setDeviceInfo(logger.portName(), 0);
@@ -288,7 +280,7 @@ void tst_SerialDevice::errors()
 void tst_SerialDevice::unpluggedPortReportsOnceAndClosesItself()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     QSignalSpy disconnected(&link, &SerialDevice::disconnected);
     QSignalSpy portErrors(portOf(link), &QSerialPort::errorOccurred);
@@ -309,10 +301,32 @@ void tst_SerialDevice::unpluggedPortReportsOnceAndClosesItself()
     QVERIFY2(portErrors.count() < 20, qPrintable(QString::number(portErrors.count())));
 }
 
+void tst_SerialDevice::oneFaultIsReportedOnce()
+{
+    LogCapture log;
+    SerialLine logger;
+    SerialDevice link;
+    QSignalSpy disconnected(&link, &SerialDevice::disconnected);
+    link.setDeviceInfo(logger.portName(), 0);
+    QVERIFY(link.open());
+    // What an unplugged port does until it is closed, a thousand times a millisecond.
+    for (int i = 0; i < 1000; ++i)
+        emit portOf(link)->errorOccurred(i % 2 ? QSerialPort::ReadError : QSerialPort::ResourceError);
+    QCOMPARE(disconnected.count(), 1);
+    QTRY_VERIFY(!link.isOpen());
+    QCOMPARE(disconnected.count(), 1);
+    QCOMPARE(log.count("SerialDevice::serialError : "), 1);
+    // The next spell is news again.
+    link.setDeviceInfo(logger.portName(), 0);
+    QVERIFY(link.open());
+    link.serialError(QSerialPort::ReadError);
+    QCOMPARE(disconnected.count(), 2);
+}
+
 void tst_SerialDevice::failedPortForgetsItsName()
 {
-    PseudoTerminal logger;
-    PseudoTerminal other;
+    SerialLine logger;
+    SerialLine other;
     SerialDevice link;
     QSignalSpy disconnected(&link, &SerialDevice::disconnected);
     link.setDeviceInfo(logger.portName(), 0);
@@ -329,8 +343,8 @@ void tst_SerialDevice::failedPortForgetsItsName()
 
 void tst_SerialDevice::nameGivenWhileClosingIsKept()
 {
-    PseudoTerminal logger;
-    PseudoTerminal successor;
+    SerialLine logger;
+    SerialLine successor;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -347,7 +361,7 @@ void tst_SerialDevice::nameGivenWhileClosingIsKept()
 void tst_SerialDevice::closingAFailedPortAtOnceIsNotRepeated()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -361,7 +375,7 @@ void tst_SerialDevice::closingAFailedPortAtOnceIsNotRepeated()
 void tst_SerialDevice::survivesThePortsDeletion()
 {
     LogCapture log;
-    PseudoTerminal logger;
+    SerialLine logger;
     SerialDevice link;
     link.setDeviceInfo(logger.portName(), 0);
     QVERIFY(link.open());
@@ -388,13 +402,15 @@ void tst_SerialDevice::mayBeDeletedInsideItsSignals_data()
 void tst_SerialDevice::mayBeDeletedInsideItsSignals()
 {
     QFETCH(QString, signalName);
-    PseudoTerminal logger;
+    SerialLine logger;
     QObject receiver;
     QPointer<SerialDevice> link = new SerialDevice;
     QPointer<QSerialPort> port = portOf(*link);
     link->setDeviceInfo(logger.portName(), 0);
+    bool outlivesItsSignal = false;
     const auto deleteLink = [&] {
         delete link.data();
+        outlivesItsSignal = port && !port->isOpen();
     };
     if (signalName == "connected")
         QObject::connect(link, &SerialDevice::connected, &receiver, deleteLink);
@@ -408,12 +424,13 @@ void tst_SerialDevice::mayBeDeletedInsideItsSignals()
     else
         logger.send("ATCD 1,2\r\n");
     QTRY_VERIFY(!link);
+    QVERIFY2(outlivesItsSignal, "a port is used after its end when it is deleted inside its own signal");
     QTRY_VERIFY(!port);
 }
 
 void tst_SerialDevice::leavesNoPortBehind()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     auto link = std::make_unique<SerialDevice>();
     const QPointer<QSerialPort> port = portOf(*link);
     link->setDeviceInfo(logger.portName(), 0);
@@ -442,7 +459,7 @@ void tst_SerialDevice::connectsThroughTheInterface()
 
 void tst_SerialDevice::logsItsLife()
 {
-    PseudoTerminal logger;
+    SerialLine logger;
     const QString name = "[" + logger.portName() + "]";
     LogCapture log;
     {

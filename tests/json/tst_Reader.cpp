@@ -22,6 +22,7 @@ private slots:
     void nestsUpToTheLimit();
     void repeatedKeyReplaces();
     void sharesKeysOnlyWhenTheyAreEqual();
+    void sharesTextsOnlyWhenTheyAreEqual();
     void hugeNumberIsHarmless();
     void everyCharacterSurvives();
     void everyCharacterSurvivesAlone();
@@ -301,6 +302,25 @@ void tst_Reader::sharesKeysOnlyWhenTheyAreEqual()
     for (int i = 1000; i < 1200; ++i)
         wide += '"' + QByteArray::number(i) + "\": 1" + (i == 1199 ? "}" : ",");
     QCOMPARE(written(read("[" + wide + "," + wide + "]")), QString::fromLatin1("[" + wide + "," + wide + "]"));
+}
+
+void tst_Reader::sharesTextsOnlyWhenTheyAreEqual()
+{
+    QByteArray text = "[";
+    for (int round = 0; round < 3; ++round) {
+        for (const char *value :
+             {"\"OFF\"", "\"OFF\"", "\"OFE\"", "\"OF\"", "\"\"", "\"\xC3\x83\xC2\xA4\"", "\"\xC3\xA4\"",
+              "\"O\xC3\xA4\"", "\"O\\\\\"", "\"OFF\"", "1", "null", "{\"a\": \"OFF\",\"b\": \"OFF\"}"})
+            text += QByteArray("{\"a\": ") + value + ",\"b\": \"OFF\"},";
+    }
+    text += "0]";
+    const json::QJsonDocument document = read(text);
+    QCOMPARE(written(document), QString::fromUtf8(text));
+
+    // A text that several values share belongs to each of them alone.
+    QString mine = document.array().at(0).toObject()["a"].toString();
+    mine[0] = QLatin1Char('o');
+    QCOMPARE(written(document), QString::fromUtf8(text));
 }
 
 void tst_Reader::hugeNumberIsHarmless()

@@ -14,7 +14,7 @@ class tst_ProjectFile : public QObject
 
 private slots:
     void init();
-    void createWritesTheFirstKeysInOrder();
+    void createWritesTheFirstKeys();
     void createLeavesNothingOfAnEarlierProject();
     void storedNameMayDifferFromTheFileName();
     void fileWithoutIntervalReadsZero();
@@ -30,6 +30,8 @@ private slots:
     void missingListIsNothing();
     void hostileValuesDoNoHarm();
     void replacesTheFileWhole();
+    void linkAndPermissionsStay();
+    void readsWhatWasJustWritten();
     void fullDiskLeavesTheOldFile();
     void fullDiskAtCreation();
     void fileDeletedBehindOurBack();
@@ -94,11 +96,11 @@ void tst_ProjectFile::writeContent(const QByteArray &bytes) const
     QCOMPARE(file.write(bytes), qint64(bytes.size()));
 }
 
-void tst_ProjectFile::createWritesTheFirstKeysInOrder()
+void tst_ProjectFile::createWritesTheFirstKeys()
 {
     ProjectFile project(m_path);
     QVERIFY(project.create(QStringLiteral("Kitchen"), 5000));
-    QCOMPARE(content(), QByteArray("[General]\nprojectName=Kitchen\nDataInterval=5000\ndatabaseName=Kitchen.dat\n"));
+    QCOMPARE(content(), QByteArray("[General]\nDataInterval=5000\ndatabaseName=Kitchen.dat\nprojectName=Kitchen\n"));
     QCOMPARE(project.path(), m_path);
     QCOMPARE(project.projectName(), QStringLiteral("Kitchen"));
     QCOMPARE(project.dataInterval(), 5000);
@@ -111,13 +113,13 @@ void tst_ProjectFile::createLeavesNothingOfAnEarlierProject()
     QVERIFY(project.create(QStringLiteral("Old"), 5000));
     QVERIFY(project.saveDevices(devices(2)));
     QVERIFY(project.create(QStringLiteral("Kitchen"), 1000));
-    QCOMPARE(content(), QByteArray("[General]\nprojectName=Kitchen\nDataInterval=1000\ndatabaseName=Kitchen.dat\n"));
+    QCOMPARE(content(), QByteArray("[General]\nDataInterval=1000\ndatabaseName=Kitchen.dat\nprojectName=Kitchen\n"));
 
     // The start screen empties the file before it is created anew.
     QVERIFY(project.saveDevices(devices(2)));
     writeContent({});
     QVERIFY(project.create(QStringLiteral("Kitchen"), 1000));
-    QCOMPARE(content(), QByteArray("[General]\nprojectName=Kitchen\nDataInterval=1000\ndatabaseName=Kitchen.dat\n"));
+    QCOMPARE(content(), QByteArray("[General]\nDataInterval=1000\ndatabaseName=Kitchen.dat\nprojectName=Kitchen\n"));
 }
 
 void tst_ProjectFile::storedNameMayDifferFromTheFileName()
@@ -176,7 +178,7 @@ void tst_ProjectFile::backupIsTheListBefore()
     QVERIFY(project.saveDevices(devices(2)));
     QCOMPARE(stored(QStringLiteral("Backup")).toByteArray(), first);
     QVERIFY(stored(QStringLiteral("DeviceList")).toByteArray() != first);
-    QVERIFY(*project.readDevices() == devices(2));
+    QVERIFY(project.readDevices() == devices(2));
     QVERIFY(content().indexOf("\nBackup=") < content().indexOf("\nDeviceList="));
 }
 
@@ -193,8 +195,7 @@ void tst_ProjectFile::namesSurviveInTheFile()
     const QString moved = m_folder->filePath(QStringLiteral("moved.tpc"));
     QVERIFY(QFile::rename(m_path, moved));
     const ProjectFile other(moved);
-    QVERIFY(other.readDevices());
-    QVERIFY(*other.readDevices() == devices(3, name));
+    QVERIFY(other.readDevices() == devices(3, name));
     QCOMPARE(other.projectName(), name);
 }
 
@@ -284,6 +285,31 @@ void tst_ProjectFile::replacesTheFileWhole()
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList({"Kitchen.tpc", "old"}));
 }
 
+void tst_ProjectFile::linkAndPermissionsStay()
+{
+    QVERIFY(ProjectFile(m_path).create(QStringLiteral("Kitchen"), 10000));
+    constexpr auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::WriteGroup;
+    QVERIFY(QFile::setPermissions(m_path, permissions));
+    const QString linkPath = m_folder->filePath(QStringLiteral("link.tpc"));
+    QVERIFY(QFile::link(m_path, linkPath));
+    QVERIFY(ProjectFile(linkPath).saveDevices(devices(1)));
+    QVERIFY(QFileInfo(linkPath).isSymLink());
+    QVERIFY(ProjectFile(m_path).readDevices() == devices(1));
+    QVERIFY(QFile::permissions(m_path).testFlag(QFile::WriteGroup));
+    QVERIFY(!QFile::permissions(m_path).testFlag(QFile::ReadOther));
+}
+
+/// Versions of the same size follow each other faster than the file system's clock ticks.
+void tst_ProjectFile::readsWhatWasJustWritten()
+{
+    ProjectFile project(m_path);
+    QVERIFY(project.create(QStringLiteral("Kitchen"), 10000));
+    for (int i = 100; i < 150; ++i) {
+        QVERIFY(project.saveLayout(i, {}));
+        QCOMPARE(project.dataInterval(), i);
+    }
+}
+
 void tst_ProjectFile::fullDiskLeavesTheOldFile()
 {
     ProjectFile project(m_path);
@@ -297,18 +323,18 @@ void tst_ProjectFile::fullDiskLeavesTheOldFile()
         QVERIFY(!project.saveDevices(devices(21)));
         QVERIFY(!project.setRecordStopTime(QString(3000, QLatin1Char('9'))));
         QVERIFY(!project.saveLayout(1000, {QString(3000, QLatin1Char('x'))}));
-        QVERIFY(*project.readDevices() == devices(1));
+        QVERIFY(project.readDevices() == devices(1));
         QCOMPARE(project.dataInterval(), 10000);
         QCOMPARE(project.dashboardNames(), QStringList());
     }
     QCOMPARE(content(), before);
-    QVERIFY(*project.readDevices() == devices(1));
+    QVERIFY(project.readDevices() == devices(1));
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList("Kitchen.tpc"));
 
     // The next save that succeeds holds its own news only, and the backup is a list that was on the disk.
     const QByteArray first = stored(QStringLiteral("DeviceList")).toByteArray();
     QVERIFY(project.saveDevices(devices(22)));
-    QVERIFY(*project.readDevices() == devices(22));
+    QVERIFY(project.readDevices() == devices(22));
     QCOMPARE(stored(QStringLiteral("Backup")).toByteArray(), first);
     QCOMPARE(stored(QStringLiteral("DataInterval")).toInt(), 10000);
     QVERIFY(!stored(QStringLiteral("record_stop_time")).isValid());
@@ -327,10 +353,10 @@ void tst_ProjectFile::fullDiskAtCreation()
         QVERIFY(!project.create(QString(3000, QLatin1Char('x')), 1000));
     }
     QCOMPARE(content(), before);
-    QVERIFY(*project.readDevices() == devices(2));
+    QVERIFY(project.readDevices() == devices(2));
     QVERIFY(project.setRecordStartTime(QStringLiteral("2024-05-06 07:08:09")));
     QCOMPARE(stored(QStringLiteral("projectName")).toString(), QStringLiteral("Kitchen"));
-    QVERIFY(*project.readDevices() == devices(2));
+    QVERIFY(project.readDevices() == devices(2));
 }
 
 void tst_ProjectFile::fileDeletedBehindOurBack()
@@ -348,7 +374,7 @@ void tst_ProjectFile::fileDeletedBehindOurBack()
     QCOMPARE(project.projectName(), QString());
 
     QVERIFY(project.create(QStringLiteral("Again"), 1000));
-    QCOMPARE(content(), QByteArray("[General]\nprojectName=Again\nDataInterval=1000\ndatabaseName=Again.dat\n"));
+    QCOMPARE(content(), QByteArray("[General]\nDataInterval=1000\ndatabaseName=Again.dat\nprojectName=Again\n"));
 }
 
 void tst_ProjectFile::folderDeletedBehindOurBack()
@@ -368,21 +394,23 @@ void tst_ProjectFile::readOnlyFolder()
     ProjectFile project(m_path);
     QVERIFY(project.create(QStringLiteral("Kitchen"), 10000));
     QVERIFY(project.saveDevices(devices(1)));
-    QVERIFY(QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther | QFile::WriteOther));
-    QVERIFY(QFile::setPermissions(m_folder->path(),
-                                  QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther));
+    constexpr auto readers = QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther;
+    constexpr auto writers = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+    constexpr auto visitors = QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther;
+    QVERIFY(QFile::setPermissions(m_path, readers | writers));
+    QVERIFY(QFile::setPermissions(m_folder->path(), readers | visitors));
     const QByteArray before = content();
     {
         const OrdinaryUser nobody;
         QVERIFY(!project.saveDevices(devices(2)));
         QVERIFY(!project.setRecordStartTime(QStringLiteral("2024-05-06 07:08:09")));
         QVERIFY(!ProjectFile(m_folder->filePath(QStringLiteral("New.tpc"))).create(QStringLiteral("New"), 1000));
-        QVERIFY(*project.readDevices() == devices(1));
+        QVERIFY(project.readDevices() == devices(1));
     }
-    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QVERIFY(QFile::setPermissions(m_folder->path(), readers | writers | visitors));
     QCOMPARE(content(), before);
     QVERIFY(project.saveDevices(devices(2)));
-    QVERIFY(*project.readDevices() == devices(2));
+    QVERIFY(project.readDevices() == devices(2));
 }
 
 QTEST_GUILESS_MAIN(tst_ProjectFile)

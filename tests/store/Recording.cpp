@@ -1,32 +1,9 @@
 #include "store/Recording.h"
 
-#include <QLoggingCategory>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QVariant>
-
-namespace {
-
-QStringList capturedLines;
-QStringList capturedWarnings;
-QLoggingCategory::CategoryFilter filterBefore = nullptr;
-
-void keepLine(QtMsgType type, const QMessageLogContext &, const QString &text)
-{
-    capturedLines << text;
-    if (type != QtDebugMsg && type != QtInfoMsg)
-        capturedWarnings << text;
-}
-
-void enableStore(QLoggingCategory *category)
-{
-    filterBefore(category);
-    if (qstrcmp(category->categoryName(), "sorvanto.store") == 0)
-        category->setEnabled(QtDebugMsg, true);
-}
-
-} // namespace
 
 OtherProgram::OtherProgram(const QString &databaseFile)
 {
@@ -62,36 +39,6 @@ QStringList OtherProgram::rows(const QString &queryText) const
         lines << columns.join(QLatin1Char('|'));
     }
     return lines;
-}
-
-LogLines::LogLines()
-{
-    clear();
-    filterBefore = QLoggingCategory::installFilter(nullptr);
-    QLoggingCategory::installFilter(enableStore);
-    m_handlerBefore = qInstallMessageHandler(keepLine);
-}
-
-LogLines::~LogLines()
-{
-    qInstallMessageHandler(m_handlerBefore);
-    QLoggingCategory::installFilter(filterBefore);
-}
-
-QStringList LogLines::all() const
-{
-    return capturedLines;
-}
-
-QStringList LogLines::warnings() const
-{
-    return capturedWarnings;
-}
-
-void LogLines::clear()
-{
-    capturedLines.clear();
-    capturedWarnings.clear();
 }
 
 std::unique_ptr<InsertSerialData> Recording::open(quint64 freeSpace) const

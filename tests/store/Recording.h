@@ -24,24 +24,6 @@ private:
     QString m_connectionName;
 };
 
-/// Keeps every diagnostic line of its scope; the store's are switched on whatever the environment says.
-class LogLines
-{
-public:
-    LogLines();
-    ~LogLines();
-    LogLines(const LogLines &) = delete;
-    LogLines &operator=(const LogLines &) = delete;
-
-    QStringList all() const;
-    /// Lines of warning level and above, the toolkit's own included.
-    QStringList warnings() const;
-    void clear();
-
-private:
-    QtMessageHandler m_handlerBefore;
-};
-
 /// A folder with one recording, "Kitchen.dat", and what tests ask about it.
 class Recording
 {

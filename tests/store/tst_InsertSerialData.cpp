@@ -1,5 +1,7 @@
 #include "store/Recording.h"
+#include "support/LogCapture.h"
 
+#include <QSqlQuery>
 #include <QtTest>
 
 #ifdef Q_OS_UNIX
@@ -23,6 +25,8 @@ private slots:
     void unusableFileIsRefused();
     void readOnlyFileIsRefused();
     void fileReadByAnotherProgramOpens();
+    void fileLockedByAnotherProgramIsRefused();
+    void lockIsWaitedForBriefly();
 
     void rangeOfARecording();
     void emptyTableHasNoRange();
@@ -44,13 +48,13 @@ void tst_InsertSerialData::cleanup()
 void tst_InsertSerialData::newRecordingGetsTableAndIndex()
 {
     const Recording recording;
-    const LogLines log;
+    const LogCapture log;
     const auto store = recording.open();
 
     QVERIFY(store);
     QVERIFY(store->isOpen());
-    QCOMPARE(log.all(), QStringList({"InsertSerialData::createTable : create table",
-                                     "InsertSerialData::createConnection : success"}));
+    QCOMPARE(log.lines(), QStringList({"InsertSerialData::createTable : create table",
+                                       "InsertSerialData::createConnection : success"}));
     const OtherProgram viewer(recording.file());
     QCOMPARE(viewer.rows("select sql from sqlite_master where name='ostrivane'"),
              QStringList("CREATE TABLE ostrivane (\t\tid integer primary key autoincrement,\t\tserialno varchar(18) "
@@ -66,12 +70,12 @@ void tst_InsertSerialData::existingRecordingKeepsItsRows()
     InsertSerialData::enqueue(row("A1", 1700000000));
     recording.open()->insertNow();
 
-    const LogLines log;
+    const LogCapture log;
     const auto store = recording.open();
 
     QVERIFY(store);
-    QCOMPARE(log.all(), QStringList({"InsertSerialData::createTable : table exist",
-                                     "InsertSerialData::createConnection : success"}));
+    QCOMPARE(log.lines(), QStringList({"InsertSerialData::createTable : table exist",
+                                       "InsertSerialData::createConnection : success"}));
     QCOMPARE(recording.rows(), QStringList("A1|21.5|40|1700000000"));
 }
 
@@ -98,11 +102,11 @@ void tst_InsertSerialData::existingConnectionIsTaken()
     QVERIFY(first);
     InsertSerialData second(recording.file(), QStringLiteral("test"));
 
-    const LogLines log;
+    const LogCapture log;
     QVERIFY(second.createConnection());
     QVERIFY(second.isOpen());
     QVERIFY(first->createConnection());
-    QCOMPARE(log.all(), QStringList());
+    QCOMPARE(log.lines(), QStringList());
 }
 
 void tst_InsertSerialData::failedConnectionIsNotTakenForAnOpenOne()
@@ -114,7 +118,7 @@ void tst_InsertSerialData::failedConnectionIsNotTakenForAnOpenOne()
     QVERIFY(!store.isOpen());
 
     QVERIFY(QDir(recording.folder()).mkdir("later"));
-    const LogLines log;
+    const LogCapture log;
     QVERIFY(store.createConnection());
     QVERIFY(store.isOpen());
     QCOMPARE(log.warnings(), QStringList());
@@ -147,12 +151,13 @@ void tst_InsertSerialData::unusableFileIsRefused()
     InsertSerialData store(folder.filePath(name), QStringLiteral("test"));
     InsertSerialData::enqueue(row("A1", 1700000000));
 
-    const LogLines log;
+    const LogCapture log;
     QVERIFY(!store.createConnection());
     QVERIFY(!store.isOpen());
-    QCOMPARE(log.all().last(), QString("InsertSerialData::createConnection : fail"));
+    QCOMPARE(log.lines().last(), QString("InsertSerialData::createConnection : fail"));
+    QVERIFY(!store.createConnection());
     if (!line.isEmpty())
-        QCOMPARE(log.all().first(), line);
+        QCOMPARE(log.lines().first(), line);
     store.insertNow();
     QCOMPARE(InsertSerialData::pendingCount(), 1);
     QVERIFY(text.open(QIODevice::ReadOnly));
@@ -198,9 +203,9 @@ void tst_InsertSerialData::readOnlyFileIsRefused()
 
     const OrdinaryUser user;
     QVERIFY(user.isOk());
-    const LogLines log;
+    const LogCapture log;
     QVERIFY(!recording.open());
-    QVERIFY(log.all().contains("InsertSerialData::createConnection : fail"));
+    QVERIFY(log.lines().contains("InsertSerialData::createConnection : fail"));
     QCOMPARE(log.warnings(),
              QStringList("InsertSerialData::createConnection : [ERROR] not writable : " + recording.file()));
 }
@@ -227,6 +232,28 @@ void tst_InsertSerialData::fileReadByAnotherProgramOpens()
     QVERIFY(viewer.exec("COMMIT"));
 }
 
+void tst_InsertSerialData::fileLockedByAnotherProgramIsRefused()
+{
+    const Recording recording;
+    recording.open().reset();
+    const OtherProgram locker(recording.file());
+    QVERIFY(locker.exec("BEGIN EXCLUSIVE"));
+    QVERIFY(!recording.open());
+
+    QVERIFY(locker.exec("COMMIT"));
+    QVERIFY(recording.open());
+}
+
+void tst_InsertSerialData::lockIsWaitedForBriefly()
+{
+    const Recording recording;
+    const auto store = recording.open();
+    QSqlQuery query(QSqlDatabase::database(QStringLiteral("testfiledb")));
+    QVERIFY(query.exec("PRAGMA busy_timeout") && query.next());
+    QVERIFY(query.value(0).toInt() > 0);
+    QVERIFY(query.value(0).toInt() <= 50);
+}
+
 void tst_InsertSerialData::rangeOfARecording()
 {
     const Recording recording;
@@ -235,26 +262,26 @@ void tst_InsertSerialData::rangeOfARecording()
         InsertSerialData::enqueue(row("A1", time));
     store->insertNow();
 
-    const LogLines log;
+    const LogCapture log;
     QCOMPARE(store->startDateTime(), 1700000000u);
     QCOMPARE(store->endDateTime(), 4294967295u);
     const auto text = [](qint64 time) {
         return QDateTime::fromSecsSinceEpoch(time).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     };
-    QCOMPARE(log.all(), QStringList({"InsertSerialData::startDateTime : " + text(1700000000),
-                                     "InsertSerialData::endDateTime : " + text(4294967295)}));
+    QCOMPARE(log.lines(), QStringList({"InsertSerialData::startDateTime : " + text(1700000000),
+                                       "InsertSerialData::endDateTime : " + text(4294967295)}));
 }
 
 void tst_InsertSerialData::emptyTableHasNoRange()
 {
     const Recording recording;
     const auto store = recording.open();
-    const LogLines log;
+    const LogCapture log;
 
     QCOMPARE(store->startDateTime(), 0u);
     QCOMPARE(store->endDateTime(), 0u);
     const QString epoch = QDateTime::fromSecsSinceEpoch(0).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
-    QCOMPARE(log.all(),
+    QCOMPARE(log.lines(),
              QStringList({"InsertSerialData::startDateTime : " + epoch, "InsertSerialData::endDateTime : " + epoch}));
 }
 
@@ -276,11 +303,11 @@ void tst_InsertSerialData::failedRangeQueryIsZero()
     const auto store = recording.open();
     QVERIFY(OtherProgram(recording.file()).exec("drop table ostrivane"));
 
-    const LogLines log;
+    const LogCapture log;
     QCOMPARE(store->startDateTime(), 0u);
     QCOMPARE(store->endDateTime(), 0u);
-    QCOMPARE(log.all(), QStringList({"InsertSerialData::startDateTime : query error",
-                                     "InsertSerialData::endDateTime : query error"}));
+    QCOMPARE(log.lines(), QStringList({"InsertSerialData::startDateTime : query error",
+                                       "InsertSerialData::endDateTime : query error"}));
 }
 
 void tst_InsertSerialData::destructionClosesQuietly()
@@ -291,11 +318,12 @@ void tst_InsertSerialData::destructionClosesQuietly()
     store->insertNow();
     QCOMPARE(store->startDateTime(), 1700000000u);
 
-    const LogLines log;
+    const LogCapture log;
     store.reset();
 
-    QCOMPARE(log.all(), QStringList({"InsertSerialData::~InsertSerialData : QSqlDatabase::removeDatabase(testfiledb\")",
-                                     "InsertSerialData::~InsertSerialData()"}));
+    QCOMPARE(log.lines(),
+             QStringList({"InsertSerialData::~InsertSerialData : QSqlDatabase::removeDatabase(testfiledb\")",
+                          "InsertSerialData::~InsertSerialData()"}));
     QCOMPARE(log.warnings(), QStringList());
     QVERIFY(!QSqlDatabase::contains(QStringLiteral("testfiledb")));
 }
@@ -317,10 +345,10 @@ void tst_InsertSerialData::destructionOfANeverOpenedStoreLeavesTheQueue()
     const Recording recording;
     auto store = std::make_unique<InsertSerialData>(recording.file(), QStringLiteral("test"));
     InsertSerialData::enqueue(row("A1", 1700000000));
-    const LogLines log;
+    const LogCapture log;
     store.reset();
 
-    QCOMPARE(log.all(), QStringList("InsertSerialData::~InsertSerialData()"));
+    QCOMPARE(log.lines(), QStringList("InsertSerialData::~InsertSerialData()"));
     QCOMPARE(InsertSerialData::pendingCount(), 1);
     QVERIFY(!QFile::exists(recording.sideFile()));
 }

@@ -1,4 +1,5 @@
 #include "store/Recording.h"
+#include "support/LogCapture.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -38,10 +39,10 @@ void tst_InsertSerialData_batches::twoDevicesAreOneStatement()
     InsertSerialData::enqueue(row("A1", 1700000000, 21.5, noValue));
     InsertSerialData::enqueue(row("B2", 1700000000, 3, 4));
 
-    const LogLines log;
+    const LogCapture log;
     store->insertNow();
 
-    QVERIFY(log.all().contains(
+    QVERIFY(log.lines().contains(
         "InsertSerialData::insertNow : query : insert into ostrivane (serialno, channel1, channel2, pointDate) select "
         "'A1', 21.5, NULL, 1700000000 union select 'B2', 3, 4, 1700000000;"));
     QCOMPARE(recording.rows(), QStringList({"A1|21.5|NULL|1700000000", "B2|3|4|1700000000"}));
@@ -54,10 +55,10 @@ void tst_InsertSerialData_batches::logLinesOfABatch()
     const auto store = recording.open();
     InsertSerialData::enqueue(row("A1", 1700000000));
 
-    const LogLines log;
+    const LogCapture log;
     store->insertNow();
 
-    const QStringList lines = log.all();
+    const QStringList lines = log.lines();
     QCOMPARE(lines.size(), 7);
     const QString month = QDate::currentDate().toString(QStringLiteral("MM"));
     const QString clock = QStringLiteral("\\d\\d:%1:\\d\\d\\.\\d\\d\\d$").arg(month);
@@ -85,10 +86,10 @@ void tst_InsertSerialData_batches::emptyQueueIsNoAccess()
     QVERIFY(locker.exec("BEGIN EXCLUSIVE"));
     const QSignalSpy failed(&store, &InsertSerialData::writingFailed);
 
-    const LogLines log;
+    const LogCapture log;
     store.insertNow();
 
-    QCOMPARE(log.all(), QStringList());
+    QCOMPARE(log.lines(), QStringList());
     QCOMPARE(questions, 0);
     QCOMPARE(failed.count(), 0);
 }
@@ -99,11 +100,11 @@ void tst_InsertSerialData_batches::closedStoreLeavesTheQueue()
     InsertSerialData store(recording.file(), QStringLiteral("test"));
     InsertSerialData::enqueue(row("A1", 1700000000));
 
-    const LogLines log;
+    const LogCapture log;
     store.insertNow();
 
     QCOMPARE(InsertSerialData::pendingCount(), 1);
-    QCOMPARE(log.all(), QStringList());
+    QCOMPARE(log.lines(), QStringList());
     QVERIFY(!QFile::exists(recording.file()));
 }
 
@@ -168,16 +169,16 @@ void tst_InsertSerialData_batches::largeBatchIsStoredWhole()
     for (quint32 i = 0; i < 600; ++i)
         InsertSerialData::enqueue(row("A1", 1700000000 + 2 * i));
 
-    const LogLines log;
+    const LogCapture log;
     store->insertNow();
 
     QCOMPARE(InsertSerialData::pendingCount(), 0);
     QCOMPARE(recording.rows().size(), 900);
     QCOMPARE(OtherProgram(recording.file()).rows("select count(distinct pointDate) from ostrivane"),
              QStringList("900"));
-    QCOMPARE(log.all().count("insert query : true"), 2);
-    QCOMPARE(log.all().count("begin transaction : true"), 1);
-    QCOMPARE(log.all().count("commit transaction : true"), 1);
+    QCOMPARE(log.lines().count("insert query : true"), 2);
+    QCOMPARE(log.lines().count("begin transaction : true"), 1);
+    QCOMPARE(log.lines().count("commit transaction : true"), 1);
     QCOMPARE(recording.integrity(), QString("ok"));
 }
 

@@ -1,4 +1,5 @@
 #include "store/Recording.h"
+#include "support/LogCapture.h"
 
 #include <QSignalSpy>
 #include <QSqlQuery>
@@ -86,12 +87,12 @@ void tst_InsertSerialData_failures::lockedFileKeepsTheRows()
     for (const QString &statement : statements)
         QVERIFY(other.exec(statement));
 
-    const LogLines log;
+    const LogCapture log;
     for (quint32 i = 0; i < 4; ++i) {
         InsertSerialData::enqueue(row("A1", 1700000000 + i));
         m_store->insertNow();
     }
-    QCOMPARE(log.all(), QStringList());
+    QCOMPARE(log.lines(), QStringList());
     QCOMPARE(InsertSerialData::pendingCount(), 4);
     QCOMPARE(m_failed->count(), 1);
     QCOMPARE(m_failed->first().first().toString(),
@@ -114,11 +115,11 @@ void tst_InsertSerialData_failures::nearlyFullDiskKeepsTheRows()
 {
     m_freeSpace = 16 * mebibyte - 1;
     InsertSerialData::enqueue(row("A1", 1700000000));
-    const LogLines log;
+    const LogCapture log;
     m_store->insertNow();
     m_store->insertNow();
 
-    QCOMPARE(log.all(), QStringList());
+    QCOMPARE(log.lines(), QStringList());
     QCOMPARE(InsertSerialData::pendingCount(), 1);
     QCOMPARE(m_recording->rows(), QStringList());
     QCOMPARE(m_failed->count(), 1);
@@ -207,14 +208,14 @@ void tst_InsertSerialData_failures::failedStatementLosesItsRowsOnly()
     for (quint32 i = 0; i < 1200; ++i)
         InsertSerialData::enqueue(row(i == 700 ? "bad" : "A1", 1700000000 + i));
 
-    const LogLines log;
+    const LogCapture log;
     m_store->insertNow();
 
     QCOMPARE(InsertSerialData::pendingCount(), 0);
-    QCOMPARE(log.all().filter("insert query : "),
+    QCOMPARE(log.lines().filter("insert query : "),
              QStringList({"insert query : true", "insert query : false", "insert query : true"}));
-    QVERIFY(log.all().filter("lastError : ").at(1).contains("no such logger"));
-    QVERIFY(log.all().contains("commit transaction : true"));
+    QVERIFY(log.lines().filter("lastError : ").at(1).contains("no such logger"));
+    QVERIFY(log.lines().contains("commit transaction : true"));
     QCOMPARE(other.rows("select count(*) from ostrivane where pointDate not between 1700000500 and 1700000999"),
              QStringList("700"));
     QCOMPARE(other.rows("select count(*) from ostrivane where serialno='bad'"), QStringList("0"));
@@ -255,9 +256,9 @@ void tst_InsertSerialData_failures::openTransactionOfAFailedCommitIsEnded()
     InsertSerialData::enqueue(row("A1", 1700000000));
     InsertSerialData::enqueue(row("B2", 1700000000, noValue, 1234567));
 
-    const LogLines log;
+    const LogCapture log;
     m_store->insertNow();
-    QVERIFY(log.all().contains("commit transaction : false"));
+    QVERIFY(log.lines().contains("commit transaction : false"));
     QCOMPARE(InsertSerialData::pendingCount(), 2);
     QCOMPARE(m_failed->count(), 1);
     InsertSerialData::enqueue(row("C3", 1700000001));
@@ -343,9 +344,9 @@ void tst_InsertSerialData_failures::failedCommitKeepsTheRows()
     {
         const FileSizeLimit limit(QFileInfo(m_recording->file()).size());
         QVERIFY(limit.isOk());
-        const LogLines log;
+        const LogCapture log;
         m_store->insertNow();
-        QVERIFY(log.all().contains("commit transaction : false"));
+        QVERIFY(log.lines().contains("commit transaction : false"));
     }
     QCOMPARE(InsertSerialData::pendingCount(), 400);
     QCOMPARE(m_failed->count(), 1);

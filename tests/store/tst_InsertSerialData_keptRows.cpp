@@ -1,4 +1,5 @@
 #include "store/Recording.h"
+#include "support/LogCapture.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -19,6 +20,7 @@ private slots:
     void rowsThatWaitTwiceAreKeptOnce();
     void crashBetweenCommitAndRemovalStoresNothingTwice();
     void takenInOnlyOnce();
+    void anotherStoreMayWriteThem();
     void failedStatementLeavesTheSideFile();
     void laterRowsJoinASideFileThatStayed();
     void damagedSideFileLosesNothingReadable();
@@ -59,9 +61,9 @@ void tst_InsertSerialData_keptRows::lockedRowsAreKeptAndTakenInAgain()
     {
         const OtherProgram locker(recording.file());
         QVERIFY(locker.exec("BEGIN EXCLUSIVE"));
-        const LogLines log;
+        const LogCapture log;
         store.reset();
-        QCOMPARE(log.all(),
+        QCOMPARE(log.lines(),
                  QStringList({"InsertSerialData::~InsertSerialData : QSqlDatabase::removeDatabase(testfiledb\")",
                               "InsertSerialData::~InsertSerialData()"}));
     }
@@ -87,9 +89,9 @@ void tst_InsertSerialData_keptRows::keptRowsComeFirst()
     InsertSerialData::enqueue(row("A1", 1700000006));
     const auto store = recording.open();
 
-    const LogLines log;
+    const LogCapture log;
     store->insertNow();
-    QVERIFY(log.all().contains(
+    QVERIFY(log.lines().contains(
         "InsertSerialData::insertNow : query : insert into ostrivane (serialno, channel1, channel2, pointDate) select "
         "'Z9', 21.5, 40, 1700000005 union select 'Y8', 21.5, 40, 1700000004 union select 'A1', 21.5, 40, 1700000006;"));
     QCOMPARE(recording.rows().size(), 3);
@@ -197,6 +199,22 @@ void tst_InsertSerialData_keptRows::takenInOnlyOnce()
     QCOMPARE(InsertSerialData::pendingCount(), 1);
 }
 
+void tst_InsertSerialData_keptRows::anotherStoreMayWriteThem()
+{
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000), row("B2", 1700000001), row("C3", 1700000002)});
+    const auto store = recording.open();
+    const Recording another;
+    InsertSerialData second(another.file(), QStringLiteral("second"));
+    QVERIFY(second.createConnection());
+    second.insertNow();
+    QCOMPARE(another.rows().size(), 3);
+
+    InsertSerialData::enqueue(row("D4", 1700000003));
+    store->insertNow();
+    QCOMPARE(recording.rows(), QStringList("D4|21.5|40|1700000003"));
+}
+
 void tst_InsertSerialData_keptRows::failedStatementLeavesTheSideFile()
 {
     const Recording recording;
@@ -245,7 +263,7 @@ void tst_InsertSerialData_keptRows::damagedSideFileLosesNothingReadable()
     file.write(damaged);
     file.close();
 
-    const LogLines log;
+    const LogCapture log;
     auto store = recording.open();
     QVERIFY(store);
     QCOMPARE(log.warnings().filter("[ERROR]").size(), 1);
@@ -272,7 +290,7 @@ void tst_InsertSerialData_keptRows::rowsThatCannotBeKeptAreReported()
     QStringList reasons;
     connect(store.get(), &InsertSerialData::writingFailed, this,
             [&reasons](const QString &reason) { reasons << reason; });
-    const LogLines log;
+    const LogCapture log;
     store.reset();
 
     QCOMPARE(reasons.size(), 2);

@@ -12,6 +12,7 @@ class tst_InsertStatement : public QObject
 private slots:
     void channelValues_data();
     void channelValues();
+    void everyHundredthReadsAsInTheGeneralNotation();
     void keys_data();
     void keys();
     void noRowsNeedNoStatement();
@@ -51,6 +52,11 @@ void tst_InsertStatement::channelValues_data()
     QTest::newRow("small") << 0.00001234 << "1.234e-05";
     QTest::newRow("negative") << -40.25 << "-40.25";
     QTest::newRow("zero") << 0.0 << "0";
+    QTest::newRow("minus zero") << -0.0 << "0";
+    QTest::newRow("hundredth") << 0.01 << "0.01";
+    QTest::newRow("minus a tenth") << -0.1 << "-0.1";
+    QTest::newRow("largest with two decimals") << 9999.99 << "9999.99";
+    QTest::newRow("one digit too many") << 10000.01 << "10000";
     QTest::newRow("no value") << 1.7e308 << "NULL";
     QTest::newRow("next to no value") << std::nextafter(1.7e308, 0.0) << "1.7e+308";
     QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << "NULL";
@@ -65,6 +71,28 @@ void tst_InsertStatement::channelValues()
 
     QCOMPARE(insertTerm({QStringLiteral("A1"), value, 1, 7}), QStringLiteral("select 'A1', %1, 1, 7").arg(text));
     QCOMPARE(insertTerm({QStringLiteral("A1"), 1, value, 7}), QStringLiteral("select 'A1', 1, %1, 7").arg(text));
+}
+
+// Values with two decimals take a way of their own.
+void tst_InsertStatement::everyHundredthReadsAsInTheGeneralNotation()
+{
+    const auto check = [](double value) {
+        const QString expected = QStringLiteral("select 'A1', %1, 1, 7").arg(QString::number(value, 'g', 6));
+        if (insertTerm({QStringLiteral("A1"), value, 1, 7}) != expected)
+            QFAIL(qPrintable(expected));
+    };
+    for (int hundredths = -1000100; hundredths <= 1000100; hundredths += 61) {
+        const double value = hundredths / 100.0;
+        check(value);
+        check(std::nextafter(value, 1e9));
+        check(std::nextafter(value, -1e9));
+        check(value + 0.005);
+        check(value + 0.0049999);
+    }
+    for (double value = 1e-12; value < 1e18; value *= 1.37) {
+        check(value);
+        check(-value);
+    }
 }
 
 void tst_InsertStatement::keys_data()
@@ -171,5 +199,5 @@ void tst_InsertStatement::rowsThatOnlyRenderEquallyAreEqual()
     QCOMPARE(insertStatements(rows).size(), 1);
 }
 
-QTEST_APPLESS_MAIN(tst_InsertStatement)
+QTEST_GUILESS_MAIN(tst_InsertStatement)
 #include "tst_InsertStatement.moc"

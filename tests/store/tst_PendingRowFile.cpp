@@ -201,5 +201,5 @@ void tst_PendingRowFile::setAsideNeverReplaces()
     QVERIFY(m_file->setAside().isEmpty());
 }
 
-QTEST_APPLESS_MAIN(tst_PendingRowFile)
+QTEST_GUILESS_MAIN(tst_PendingRowFile)
 #include "tst_PendingRowFile.moc"

@@ -4,14 +4,14 @@
 #include <QSocketNotifier>
 #include <memory>
 
-/// The logger's end of a serial port: the link under test opens portName().
-class PseudoTerminal : public QObject
+/// The logger's end of a serial line, a pseudo terminal: the link under test opens portName().
+class SerialLine : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit PseudoTerminal(QObject *parent = nullptr);
-    ~PseudoTerminal() override;
+    explicit SerialLine(QObject *parent = nullptr);
+    ~SerialLine() override;
 
     /// Empty when the system gave none.
     QString portName() const;

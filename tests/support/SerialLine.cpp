@@ -1,4 +1,4 @@
-#include "support/PseudoTerminal.h"
+#include "support/SerialLine.h"
 
 #include <QFile>
 
@@ -8,7 +8,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-PseudoTerminal::PseudoTerminal(QObject *parent) : QObject(parent)
+SerialLine::SerialLine(QObject *parent) : QObject(parent)
 {
     m_master = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (m_master < 0 || ::grantpt(m_master) != 0 || ::unlockpt(m_master) != 0)
@@ -20,31 +20,31 @@ PseudoTerminal::PseudoTerminal(QObject *parent) : QObject(parent)
     ::cfmakeraw(&settings);
     ::tcsetattr(m_slave, TCSANOW, &settings);
     m_notifier = std::make_unique<QSocketNotifier>(m_master, QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, &PseudoTerminal::readBytes);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &SerialLine::readBytes);
 }
 
-PseudoTerminal::~PseudoTerminal()
+SerialLine::~SerialLine()
 {
     unplug();
 }
 
-QString PseudoTerminal::portName() const
+QString SerialLine::portName() const
 {
     return m_portName;
 }
 
-QByteArray PseudoTerminal::received() const
+QByteArray SerialLine::received() const
 {
     return m_received;
 }
 
-void PseudoTerminal::send(const QByteArray &bytes)
+void SerialLine::send(const QByteArray &bytes)
 {
     if (::write(m_master, bytes.constData(), static_cast<size_t>(bytes.size())) != bytes.size())
         qFatal("the pseudo terminal took fewer bytes than it was given");
 }
 
-void PseudoTerminal::unplug()
+void SerialLine::unplug()
 {
     m_notifier.reset();
     if (m_slave >= 0)
@@ -55,7 +55,7 @@ void PseudoTerminal::unplug()
     m_master = -1;
 }
 
-void PseudoTerminal::readBytes()
+void SerialLine::readBytes()
 {
     std::array<char, 4096> buffer{};
     const ssize_t count = ::read(m_master, buffer.data(), buffer.size());

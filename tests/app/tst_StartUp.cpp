@@ -1,0 +1,168 @@
+#include "StationFixture.h"
+
+#include "app/SorvantoMain.h"
+#include "app/StartUp.h"
+#include "store/InsertSerialData.h"
+
+#include <QDir>
+#include <QMessageBox>
+#include <QSessionManager>
+#include <QSplashScreen>
+#include <QTimer>
+#include <csignal>
+
+namespace {
+
+SorvantoMain *shownStation()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        auto *station = qobject_cast<SorvantoMain *>(window);
+        if (station && station->isVisible())
+            return station;
+    }
+    return nullptr;
+}
+
+/// Runs the station from splash to exit; @p use is called with the window once it is shown.
+int runAndUse(const std::function<void(SorvantoMain &)> &use)
+{
+    QTimer watch;
+    bool used = false;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+        SorvantoMain *station = shownStation();
+        if (!station || used)
+            return;
+        used = true;
+        use(*station);
+    });
+    watch.start(10);
+    return runStation(*qobject_cast<QApplication *>(QCoreApplication::instance()));
+}
+
+} // namespace
+
+/// The way from the splash to the end of the program.
+class tst_StartUp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        // A program that ended before its event loop ran leaves the toolkit in the state of ending; only a loop that
+        // runs and ends takes it out of there again.
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        QApplication::exec();
+        m_fixture = std::make_unique<StationFixture>();
+    }
+
+    void cleanup() { m_fixture.reset(); }
+
+    void splashNamesTheVersion()
+    {
+        const std::unique_ptr<QSplashScreen> splash(showSplash());
+        QCOMPARE(splash->message(), QStringLiteral("[V3.54] Loading modules..."));
+        QVERIFY(splash->isVisible());
+        QCOMPARE(splash->pixmap().toImage(), QPixmap(QStringLiteral(":/img/LoadingLite.png")).toImage());
+    }
+
+    void withoutAProjectTheWindowIsEmpty()
+    {
+        bool open = true;
+        const int code = runAndUse([&open](SorvantoMain &station) {
+            open = station.isProjectOpen();
+            station.endProgram();
+        });
+        QCOMPARE(code, 0);
+        QVERIFY(!open);
+    }
+
+    void theWindowAppearsWithTheRecentProject()
+    {
+        recordedProject();
+        bool recording = false;
+        QString shown;
+        const int code = runAndUse([&](SorvantoMain &station) {
+            recording = station.isRecording();
+            shown = child<QLabel>(station, "label_projectname")->text();
+            station.endProgram();
+        });
+        QCOMPARE(code, 0);
+        QVERIFY(recording);
+        QVERIFY(shown.endsWith(QStringLiteral("/Kitchen.tpc")));
+    }
+
+    void aTerminationSignalStopsTheRecording_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("SIGTERM") << SIGTERM;
+        QTest::newRow("SIGINT") << SIGINT;
+    }
+
+    void aTerminationSignalStopsTheRecording()
+    {
+        QFETCH(int, number);
+        recordedProject();
+        QTimer reading;
+        const int code = runAndUse([&](SorvantoMain &) {
+            connect(&reading, &QTimer::timeout, this, [&] {
+                if (InsertSerialData::pendingCount() < 1)
+                    return;
+                reading.stop();
+                ::raise(number);
+            });
+            reading.start(10);
+        });
+        QCOMPARE(code, 0);
+        QCOMPARE(m_fixture->readingCount(m_name), m_fixture->served());
+        QVERIFY(m_fixture->rows(m_name).last().isGap());
+    }
+
+    void theEndOfTheSessionStopsTheRecording()
+    {
+        recordedProject();
+        bool recordingBefore = false;
+        bool recordingAfter = true;
+        const int code = runAndUse([&](SorvantoMain &station) {
+            recordingBefore = station.isRecording();
+            emit qApp->commitDataRequest(*qApp->findChild<QSessionManager *>());
+            recordingAfter = station.isRecording();
+            station.endProgram();
+        });
+        QCOMPARE(code, 0);
+        QVERIFY(recordingBefore);
+        QVERIFY(!recordingAfter);
+    }
+
+    void aRecordingThatCannotBeCreatedEndsTheProgram()
+    {
+        recordedProject();
+        QVERIFY(QDir().mkpath(m_fixture->recordingPath(m_name)));
+        int boxes = 0;
+        QTimer boxWatch;
+        connect(&boxWatch, &QTimer::timeout, this, [&boxes] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                ++boxes;
+                box->accept();
+            }
+        });
+        boxWatch.start(10);
+        QCOMPARE(runAndUse([](SorvantoMain &) { QFAIL("the window was shown"); }), 0);
+        QCOMPARE(boxes, 1);
+        QCOMPARE(m_fixture->served(), 0);
+    }
+
+private:
+    void recordedProject()
+    {
+        m_fixture->writeProject(m_name, {m_fixture->addLogger()}, 600000);
+        m_fixture->listProject(m_name, true, true);
+    }
+
+    const QString m_name = QStringLiteral("Kitchen");
+    std::unique_ptr<StationFixture> m_fixture;
+};
+
+STATION_TEST_MAIN(tst_StartUp)
+#include "tst_StartUp.moc"
