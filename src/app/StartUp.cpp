@@ -42,6 +42,11 @@ int runStation(QApplication &application)
     const QPointer<QSplashScreen> splash = showSplash();
     const auto splashEnd = qScopeGuard([&splash] { delete splash; });
 
+    // A box that waits for an answer while the station is built must not keep the program alive.
+    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &signalsFromSystem, [] {
+        if (QWidget *box = QApplication::activeModalWidget())
+            box->close();
+    });
     SorvantoMain mainWindow;
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
                      &SorvantoMain::endProgram);
