@@ -99,15 +99,13 @@ int main(int argc, char **argv)
 
     const QString programs = QCoreApplication::applicationDirPath();
     const auto measure = [](const char *name, const QString &program, const QByteArray &readyLine) {
-        benchmark::RegisterBenchmark(
-            name, [=](benchmark::State &state) { start(state, program, readyLine); })
+        benchmark::RegisterBenchmark(name, [=](benchmark::State &state) { start(state, program, readyLine); })
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond)
             ->Iterations(10);
     };
     measure("empty_window", programs + QStringLiteral("/empty_window"), "ready");
-    measure("station_with_64_devices", programs + QStringLiteral("/sorvanto-lite"),
-            "SorvantoMain::toggleRecordState");
+    measure("station_with_64_devices", programs + QStringLiteral("/sorvanto-lite"), "SorvantoMain::toggleRecordState");
 
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -27,7 +27,8 @@ constexpr int checkTimerMs = 1500;
 } // namespace
 
 SorvantoMain::SorvantoMain(QWidget *parent)
-    : QWidget(parent), m_form(std::make_unique<Ui::SorvantoMain>()),
+    : QWidget(parent),
+      m_form(std::make_unique<Ui::SorvantoMain>()),
       m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
 {
     buildForm();

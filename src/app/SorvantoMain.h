@@ -38,8 +38,8 @@ public:
     explicit SorvantoMain(QWidget *parent = nullptr);
     ~SorvantoMain() override;
 
-    /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop that
-    /// is not running yet must not be started any more.
+    /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop
+    /// that is not running yet must not be started any more.
     bool isEnding() const;
     bool isProjectOpen() const;
     bool isRecording() const;

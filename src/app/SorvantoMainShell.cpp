@@ -62,11 +62,11 @@ void SorvantoMain::slotAutoRecord(bool on)
 
 void SorvantoMain::checkAlarmSound()
 {
-    const bool alarm = m_bIsProjectOpen && std::any_of(m_configuredDevices.cbegin(), m_configuredDevices.cend(),
-                                                       [](const ConfiguredDevice *device) {
-                                                           return device->alarmOnChannel1() ||
-                                                                  device->alarmOnChannel2();
-                                                       });
+    const bool alarm =
+        m_bIsProjectOpen &&
+        std::any_of(m_configuredDevices.cbegin(), m_configuredDevices.cend(), [](const ConfiguredDevice *device) {
+            return device->alarmOnChannel1() || device->alarmOnChannel2();
+        });
     m_alarmSound->setAlarm(alarm);
 }
 

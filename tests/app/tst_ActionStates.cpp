@@ -17,10 +17,8 @@ private slots:
         QTest::newRow("choosing devices") << ControllerState{true, false, false, 10000} << "close keep exit";
         QTest::newRow("open") << ControllerState{true, true, false, 10000} << "close keep refresh exit expansion";
         QTest::newRow("recording") << ControllerState{true, true, true, 10000} << "keep refresh expansion";
-        QTest::newRow("one minute") << ControllerState{true, true, false, 60000}
-                                    << "close keep refresh exit expansion";
-        QTest::newRow("five minutes") << ControllerState{true, true, false, 300000}
-                                      << "close refresh exit expansion";
+        QTest::newRow("one minute") << ControllerState{true, true, false, 60000} << "close keep refresh exit expansion";
+        QTest::newRow("five minutes") << ControllerState{true, true, false, 300000} << "close refresh exit expansion";
         QTest::newRow("five minutes, closed again") << ControllerState{false, false, false, 300000} << "keep exit";
     }
 

@@ -213,9 +213,12 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("key");
-        QTest::newRow("load") << "Auto Load Recent Project" << "autoLoad";
-        QTest::newRow("record") << "Auto Start Record" << "autoRecord";
-        QTest::newRow("keep") << "Keep Socket Connection" << "keepAlive";
+        QTest::newRow("load") << "Auto Load Recent Project"
+                              << "autoLoad";
+        QTest::newRow("record") << "Auto Start Record"
+                                << "autoRecord";
+        QTest::newRow("keep") << "Keep Socket Connection"
+                              << "keepAlive";
     }
 
     void flagsAreKept()

@@ -26,8 +26,8 @@ private slots:
         });
         watch.start(10);
         QCOMPARE(runStation(*qApp), 0);
-        QCOMPARE(boxes, QStringList{QStringLiteral(
-                            "Audio|Raw audio format not supported by backend, cannot play audio!")});
+        QCOMPARE(boxes,
+                 QStringList{QStringLiteral("Audio|Raw audio format not supported by backend, cannot play audio!")});
     }
 };
 
