@@ -26,7 +26,7 @@ QAction *action(const SorvantoMain &station, const char *menu, const QString &te
 QStringList enabledActions(const SorvantoMain &station)
 {
     QStringList texts;
-    for (const char *menu : {"menu_project", "menu_view"}) {
+    for (const char *menu : {"menu_project", "menu_record", "menu_view"}) {
         const QList<QAction *> actions = child<QMenu>(station, menu)->actions();
         for (const QAction *candidate : actions) {
             if (!candidate->isSeparator() && candidate->isEnabled())
@@ -322,6 +322,9 @@ private slots:
         QTest::mouseClick(child<QWidget>(station, "command_project"), Qt::LeftButton);
         QVERIFY(child<QMenu>(station, "menu_project")->isVisible());
         child<QMenu>(station, "menu_project")->close();
+        QTest::mouseClick(child<QWidget>(station, "command_record"), Qt::LeftButton);
+        QVERIFY(child<QMenu>(station, "menu_record")->isVisible());
+        child<QMenu>(station, "menu_record")->close();
         QTest::mouseClick(child<QWidget>(station, "command_screen"), Qt::LeftButton);
         QVERIFY(child<QMenu>(station, "menu_view")->isVisible());
     }
