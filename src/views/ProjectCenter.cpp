@@ -24,7 +24,8 @@ QString now()
 } // namespace
 
 ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
-    : QWidget(parent), m_form(std::make_unique<Ui::ProjectCenter>()),
+    : QWidget(parent),
+      m_form(std::make_unique<Ui::ProjectCenter>()),
       m_recordIcon(QStringLiteral(":/img/RecordButton.png")),
       m_recordStopIcon(QStringLiteral(":/img/RecordStopButton.png")),
       m_projectList(new ProjectList(QFileInfo(projectFile).baseName(), this))
@@ -67,9 +68,8 @@ void ProjectCenter::setRecordState(bool recording)
 void ProjectCenter::setDatabaseSize(qint64 bytes)
 {
     m_form->label_record_bytes->setStyleSheet(bytes < databaseSizeLimit ? idleColour : overLimitColour);
-    m_form->label_record_bytes->setText(QStringLiteral("Database ") +
-                                        QString::number(double(bytes) / bytesPerMegabyte, 'f', 2) +
-                                        QStringLiteral("MB"));
+    m_form->label_record_bytes->setText(
+        QStringLiteral("Database ") + QString::number(double(bytes) / bytesPerMegabyte, 'f', 2) + QStringLiteral("MB"));
 }
 
 void ProjectCenter::setWriteTrouble(const QString &reason)

@@ -20,7 +20,8 @@ private:
 };
 
 ProjectList::ProjectList(const QString &projectName, QWidget *parent)
-    : QWidget(parent), m_form(std::make_unique<Ui::ProjectList>()),
+    : QWidget(parent),
+      m_form(std::make_unique<Ui::ProjectList>()),
       m_connectedIcon(QStringLiteral(":/img/DeviceConnectingSymbol.png")),
       m_disconnectedIcon(QStringLiteral(":/img/DeviceDisconnectedSymbol.png"))
 {

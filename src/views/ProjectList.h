@@ -14,7 +14,8 @@ namespace Ui {
 class ProjectList;
 }
 
-/// The list of the project's devices, each with its connection symbol, under a button that leads back to the dashboards.
+/// The list of the project's devices, each with its connection symbol, under a button that leads back to the
+/// dashboards.
 class ProjectList : public QWidget
 {
     Q_OBJECT
