@@ -74,7 +74,9 @@ void SorvantoMain::buildForm()
 
     connect(m_form->menuFrame, &TopCustomFrame::customDoubleClick, this, &SorvantoMain::topDblClick);
     connect(m_form->command_project, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandProject);
+    connect(m_form->command_record, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandRecord);
     connect(m_form->command_screen, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandScreen);
+    connect(m_form->command_help, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandHelp);
 }
 
 void SorvantoMain::connectMenus()
@@ -86,6 +88,8 @@ void SorvantoMain::connectMenus()
     connect(m_menus->keepAlive, &QAction::triggered, this, &SorvantoMain::slotKeepAlive);
     connect(m_menus->refreshDevices, &QAction::triggered, this, &SorvantoMain::slotRefreshDevice);
     connect(m_menus->exit, &QAction::triggered, this, &SorvantoMain::close);
+    connect(m_menus->lookback, &QAction::triggered, this, &SorvantoMain::slotLookbackRecord);
+    connect(m_menus->dailyReport, &QAction::triggered, this, &SorvantoMain::slotReportDaily);
     connect(m_menus->fullScreen, &QAction::triggered, this, &SorvantoMain::slotViewFull);
     connect(m_menus->expansionMode, &QAction::triggered, this, &SorvantoMain::slotShowHideItem);
     refreshActions();

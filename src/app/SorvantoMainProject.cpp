@@ -146,7 +146,7 @@ void SorvantoMain::slotUpdateProjectFile()
 
 void SorvantoMain::showProjectLabels()
 {
-    m_form->label_projectname->setText(shortened(QFileInfo(m_projectFile).path()) + QLatin1Char('/') +
-                                       m_projectName + QStringLiteral(".tpc"));
+    m_form->label_projectname->setText(shortened(QFileInfo(m_projectFile).path()) + QLatin1Char('/') + m_projectName +
+                                       QStringLiteral(".tpc"));
     m_form->label_interval->setText(QStringLiteral("Interval : ") + intervalText(dataIntervalMs));
 }

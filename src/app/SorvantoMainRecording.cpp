@@ -43,8 +43,8 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
         delete m_insertSerialData;
         m_insertSerialData = nullptr;
         m_bIsEnding = true;
-        QMessageBox::critical(nullptr, QStringLiteral("ERROR"),
-                              QStringLiteral("Create database error!\nExit program."), QMessageBox::Ok);
+        QMessageBox::critical(nullptr, QStringLiteral("ERROR"), QStringLiteral("Create database error!\nExit program."),
+                              QMessageBox::Ok);
         close();
         QCoreApplication::exit(0);
         return false;

@@ -4,6 +4,8 @@
 #include "app/TerminationSignals.h"
 
 #include <QApplication>
+#include <QPointer>
+#include <QScopeGuard>
 #include <QSplashScreen>
 #include <QThread>
 
@@ -27,6 +29,7 @@ void installMessagePattern()
 QSplashScreen *showSplash()
 {
     auto *splash = new QSplashScreen(QPixmap(QStringLiteral(":/img/LoadingLite.png")));
+    splash->setAttribute(Qt::WA_DeleteOnClose);
     splash->show();
     splash->showMessage(QStringLiteral("[%1] Loading modules...").arg(versionText()),
                         Qt::AlignHCenter | Qt::AlignBottom, Qt::darkGray);
@@ -36,8 +39,14 @@ QSplashScreen *showSplash()
 int runStation(QApplication &application)
 {
     TerminationSignals signalsFromSystem;
-    QSplashScreen *splash = showSplash();
+    const QPointer<QSplashScreen> splash = showSplash();
+    const auto splashEnd = qScopeGuard([&splash] { delete splash; });
 
+    // A box that waits for an answer while the station is built must not keep the program alive.
+    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &signalsFromSystem, [] {
+        if (QWidget *box = QApplication::activeModalWidget())
+            box->close();
+    });
     SorvantoMain mainWindow;
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
                      &SorvantoMain::endProgram);

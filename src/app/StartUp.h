@@ -11,7 +11,7 @@ QString versionText();
 /// Log lines are the bare message, so that they read as they are written.
 void installMessagePattern();
 
-/// Shows the splash picture with its loading line. The splash is never deleted: finish() hides it.
+/// Shows the splash picture with its loading line. The splash deletes itself once it is closed.
 QSplashScreen *showSplash();
 
 /// Builds the station, waits out the splash, shows the window and runs until it closes; returns the exit code.

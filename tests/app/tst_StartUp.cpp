@@ -59,6 +59,13 @@ private slots:
 
     void cleanup() { m_fixture.reset(); }
 
+    void logLinesAreTheBareMessage()
+    {
+        const QMessageLogContext context(nullptr, 0, nullptr, "sorvanto.device");
+        QCOMPARE(qFormatLogMessage(QtDebugMsg, context, QStringLiteral("SerialDevice::open : [ttyACM0]")),
+                 QStringLiteral("SerialDevice::open : [ttyACM0]"));
+    }
+
     void splashNamesTheVersion()
     {
         const std::unique_ptr<QSplashScreen> splash(showSplash());
