@@ -6,6 +6,7 @@
 #include "app/StartUp.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
+#include "dialogs/SharpPixmap.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
@@ -65,8 +66,11 @@ void SorvantoMain::buildForm()
     setWindowTitle(QStringLiteral("Sorvanto Lite"));
     m_form->label_version->setText(versionText());
     m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")));
-    m_readyPixmap = QPixmap(QStringLiteral(":/img/StateReady.png"));
-    m_recordingPixmap = QPixmap(QStringLiteral(":/img/StateRecording.png"));
+    m_readyPixmap = sharpPixmap(QStringLiteral(":/img/StateReady.png"));
+    m_recordingPixmap = sharpPixmap(QStringLiteral(":/img/StateRecording.png"));
+    m_form->label_top_logo->setPixmap(sharpPixmap(QStringLiteral(":/img/SorvantoLogoLite.png")));
+    m_form->label_bottom_logo->setPixmap(sharpPixmap(QStringLiteral(":/img/OstrivaneLogo.png")));
+    m_form->label_record_state->setPixmap(m_readyPixmap);
 
     connect(m_form->menuFrame, &TopCustomFrame::customDoubleClick, this, &SorvantoMain::topDblClick);
     connect(m_form->command_project, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandProject);

@@ -80,6 +80,7 @@ void SorvantoMain::openProjectView()
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     if (!createInsertSerialData(m_databasePath))
         return;
+    m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_configuredDevices);
     m_form->centralFrame->layout()->addWidget(m_projectCenter);
     m_projectCenter->show();

@@ -2,6 +2,7 @@
 
 #include "app/SorvantoMain.h"
 #include "app/TerminationSignals.h"
+#include "dialogs/SharpPixmap.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -13,6 +14,8 @@ namespace {
 
 // The splash stays for this long however quickly the station was built.
 constexpr unsigned long splashMs = 2500;
+
+constexpr int textPointSize = 9;
 
 } // namespace
 
@@ -26,9 +29,27 @@ void installMessagePattern()
     qSetMessagePattern(QStringLiteral("%{message}"));
 }
 
+void enableHighDensity()
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+}
+
+void useStationFont()
+{
+    const QString face = QStringLiteral("Segoe UI");
+    QFont::insertSubstitutions(face, {QStringLiteral("Open Sans"), QStringLiteral("Noto Sans")});
+    QFont::insertSubstitutions(QStringLiteral("Arial"), {QStringLiteral("Liberation Sans")});
+    // Widgets under a style sheet do not inherit their window's font.
+    QApplication::setFont(QFont(face, textPointSize));
+}
+
 QSplashScreen *showSplash()
 {
-    auto *splash = new QSplashScreen(QPixmap(QStringLiteral(":/img/LoadingLite.png")));
+    auto *splash = new QSplashScreen(sharpPixmap(QStringLiteral(":/img/LoadingLite.png")));
     splash->setAttribute(Qt::WA_DeleteOnClose);
     splash->show();
     splash->showMessage(QStringLiteral("[%1] Loading modules...").arg(versionText()),
@@ -38,6 +59,7 @@ QSplashScreen *showSplash()
 
 int runStation(QApplication &application)
 {
+    useStationFont();
     TerminationSignals signalsFromSystem;
     const QPointer<QSplashScreen> splash = showSplash();
     const auto splashEnd = qScopeGuard([&splash] { delete splash; });

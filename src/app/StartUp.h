@@ -11,6 +11,12 @@ QString versionText();
 /// Log lines are the bare message, so that they read as they are written.
 void installMessagePattern();
 
+/// Lets windows and pictures follow the density of their screen; to be called before the application object exists.
+void enableHighDensity();
+
+/// One type face throughout, in a substitute of its proportions where the system lacks it.
+void useStationFont();
+
 /// Shows the splash picture with its loading line. The splash deletes itself once it is closed.
 QSplashScreen *showSplash();
 

@@ -74,6 +74,18 @@ private slots:
         QCOMPARE(splash->pixmap().toImage(), QPixmap(QStringLiteral(":/img/LoadingLite.png")).toImage());
     }
 
+    void oneTypeFaceThroughout()
+    {
+        const QFont before = QApplication::font();
+        useStationFont();
+        const QFont used = QApplication::font();
+        QApplication::setFont(before);
+        QCOMPARE(used.family(), QStringLiteral("Segoe UI"));
+        const auto substitute = [](const char *face) { return QFont::substitute(QLatin1String(face)).toLower(); };
+        QCOMPARE(substitute("Segoe UI"), QStringLiteral("open sans"));
+        QCOMPARE(substitute("Arial"), QStringLiteral("liberation sans"));
+    }
+
     void withoutAProjectTheWindowIsEmpty()
     {
         bool open = true;
