@@ -185,9 +185,11 @@ void SorvantoMain::writeDevice()
 
 void SorvantoMain::slotStdTimer()
 {
-    m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    m_form->label_datetime->setText(now);
+    writeRowsLeftOver();
     if (m_projectCenter)
-        updateRecordRange();
+        updateRecordRange(now);
     checkAlarmSound();
 }
 

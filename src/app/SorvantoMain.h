@@ -114,7 +114,10 @@ private:
     bool createInsertSerialData(const QString &path);
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
-    void updateRecordRange();
+    void writeRowsLeftOver();
+    void saveRecordRange(quint32 start, quint32 end);
+    void showRecordRange(quint32 start, quint32 end);
+    void updateRecordRange(const QString &now);
     void slotWritingFailed(const QString &reason);
     void slotWritingRestored();
 
