@@ -107,10 +107,8 @@ void SorvantoMain::mergeDiscovered(const DiscoveryReply &reply)
     qCDebug(lcApp) << "portnumber :" << reply.announcedPort;
 
     AvailDevice *record = availDeviceOf(reply.macAddress);
-    if (!record) {
-        record = new AvailDevice{reply.macAddress, {}, defaultDevicePort, NetworkInterface};
-        m_availDeviceList.append(record);
-    }
+    if (!record)
+        record = addAvailDevice(reply.macAddress, NetworkInterface);
     record->address = reply.ipAddress;
     record->port = port;
 }
