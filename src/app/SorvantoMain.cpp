@@ -164,9 +164,15 @@ ConfiguredDevice *SorvantoMain::deviceOf(const QString &key) const
 
 AvailDevice *SorvantoMain::availDeviceOf(const QString &key) const
 {
-    const auto found = std::find_if(m_availDeviceList.cbegin(), m_availDeviceList.cend(),
-                                    [&key](const AvailDevice *record) { return record->key == key; });
-    return found == m_availDeviceList.cend() ? nullptr : *found;
+    return m_availDeviceIndex.value(key);
+}
+
+AvailDevice *SorvantoMain::addAvailDevice(const QString &key, InterfaceKind kind)
+{
+    auto *record = new AvailDevice{key, {}, defaultDevicePort, kind};
+    m_availDeviceList.append(record);
+    m_availDeviceIndex.insert(key, record);
+    return record;
 }
 
 void SorvantoMain::refreshActions()
