@@ -65,7 +65,7 @@ void start(benchmark::State &state, const QString &program, const QByteArray &re
         process.setReadChannel(QProcess::StandardError);
         QElapsedTimer timer;
         timer.start();
-        process.start(program, {});
+        process.start(program, QStringList());
         QByteArray output;
         while (!output.contains(readyLine) && process.waitForReadyRead(30000))
             output += process.readAllStandardError();
@@ -86,9 +86,11 @@ int main(int argc, char **argv)
     QTemporaryDir folder;
     qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toLocal8Bit());
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_LOGGING_RULES", "sorvanto.*.debug=false;sorvanto.app.debug=true");
     NullSinkServer soundServer;
     if (!soundServer.start())
         return 1;
+    soundServer.useHere();
 
     QCoreApplication application(argc, argv);
     const QString project = folder.filePath(QStringLiteral("Start.tpc"));
@@ -97,15 +99,13 @@ int main(int argc, char **argv)
 
     const QString programs = QCoreApplication::applicationDirPath();
     const auto measure = [](const char *name, const QString &program, const QByteArray &readyLine) {
-        benchmark::RegisterBenchmark(
-            name, [=](benchmark::State &state) { start(state, program, readyLine); })
+        benchmark::RegisterBenchmark(name, [=](benchmark::State &state) { start(state, program, readyLine); })
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond)
             ->Iterations(10);
     };
     measure("empty_window", programs + QStringLiteral("/empty_window"), "ready");
-    measure("station_with_64_devices", programs + QStringLiteral("/sorvanto-lite"),
-            "SorvantoMain::toggleRecordState");
+    measure("station_with_64_devices", programs + QStringLiteral("/sorvanto-lite"), "SorvantoMain::toggleRecordState");
 
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -14,6 +14,7 @@ ActionStates actionStates(const ControllerState &state)
     actions.keepAlive = !state.projectOpen || state.intervalMs <= longestKeepAliveIntervalMs;
     actions.refreshDevices = state.projectOpen;
     actions.exit = !state.recording;
+    actions.siblings = state.projectOpen;
     actions.expansionMode = state.projectOpen;
     return actions;
 }

@@ -16,6 +16,7 @@ struct ActionStates
     bool keepAlive = false;
     bool refreshDevices = false;
     bool exit = false;
+    bool siblings = false; ///< Lookback and the reports
     bool expansionMode = false;
 };
 

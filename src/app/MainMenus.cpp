@@ -37,6 +37,14 @@ MainMenus::MainMenus(QWidget *window) : QObject(window)
     project->addSeparator();
     exit = project->addAction(tr("Exit"));
 
+    record = makeMenu(QStringLiteral("menu_record"), window);
+    lookback = record->addAction(tr("Lookback"));
+    record->addSeparator();
+    report = record->addMenu(tr("Report"));
+    dailyReport = report->addAction(tr("Daily Report"));
+    for (const QString &text : {tr("Weekly Report"), tr("Monthly Report"), tr("HACCP Report")})
+        report->addAction(text)->setEnabled(false);
+
     view = makeMenu(QStringLiteral("menu_view"), window);
     fullScreen = addCheckable(view, tr("FullScreen"));
     view->addSeparator();
@@ -49,5 +57,8 @@ void MainMenus::setEnabledStates(const ActionStates &states)
     keepAlive->setEnabled(states.keepAlive);
     refreshDevices->setEnabled(states.refreshDevices);
     exit->setEnabled(states.exit);
+    lookback->setEnabled(states.siblings);
+    report->setEnabled(states.siblings);
+    dailyReport->setEnabled(states.siblings);
     expansionMode->setEnabled(states.expansionMode);
 }

@@ -27,6 +27,11 @@ public:
     QAction *refreshDevices;
     QAction *exit;
 
+    QMenu *record;
+    QAction *lookback;
+    QMenu *report;
+    QAction *dailyReport;
+
     QMenu *view;
     QAction *fullScreen;
     QAction *expansionMode;

@@ -6,6 +6,7 @@
 #include "app/StartUp.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
+#include "dialogs/SharpPixmap.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
@@ -27,7 +28,8 @@ constexpr int checkTimerMs = 1500;
 } // namespace
 
 SorvantoMain::SorvantoMain(QWidget *parent)
-    : QWidget(parent), m_form(std::make_unique<Ui::SorvantoMain>()),
+    : QWidget(parent),
+      m_form(std::make_unique<Ui::SorvantoMain>()),
       m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
 {
     buildForm();
@@ -64,12 +66,17 @@ void SorvantoMain::buildForm()
     setWindowTitle(QStringLiteral("Sorvanto Lite"));
     m_form->label_version->setText(versionText());
     m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")));
-    m_readyPixmap = QPixmap(QStringLiteral(":/img/StateReady.png"));
-    m_recordingPixmap = QPixmap(QStringLiteral(":/img/StateRecording.png"));
+    m_readyPixmap = sharpPixmap(QStringLiteral(":/img/StateReady.png"));
+    m_recordingPixmap = sharpPixmap(QStringLiteral(":/img/StateRecording.png"));
+    m_form->label_top_logo->setPixmap(sharpPixmap(QStringLiteral(":/img/SorvantoLogoLite.png")));
+    m_form->label_bottom_logo->setPixmap(sharpPixmap(QStringLiteral(":/img/OstrivaneLogo.png")));
+    m_form->label_record_state->setPixmap(m_readyPixmap);
 
     connect(m_form->menuFrame, &TopCustomFrame::customDoubleClick, this, &SorvantoMain::topDblClick);
     connect(m_form->command_project, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandProject);
+    connect(m_form->command_record, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandRecord);
     connect(m_form->command_screen, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandScreen);
+    connect(m_form->command_help, &QAbstractButton::clicked, this, &SorvantoMain::slotCommandHelp);
 }
 
 void SorvantoMain::connectMenus()
@@ -81,6 +88,8 @@ void SorvantoMain::connectMenus()
     connect(m_menus->keepAlive, &QAction::triggered, this, &SorvantoMain::slotKeepAlive);
     connect(m_menus->refreshDevices, &QAction::triggered, this, &SorvantoMain::slotRefreshDevice);
     connect(m_menus->exit, &QAction::triggered, this, &SorvantoMain::close);
+    connect(m_menus->lookback, &QAction::triggered, this, &SorvantoMain::slotLookbackRecord);
+    connect(m_menus->dailyReport, &QAction::triggered, this, &SorvantoMain::slotReportDaily);
     connect(m_menus->fullScreen, &QAction::triggered, this, &SorvantoMain::slotViewFull);
     connect(m_menus->expansionMode, &QAction::triggered, this, &SorvantoMain::slotShowHideItem);
     refreshActions();

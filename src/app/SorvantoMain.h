@@ -38,8 +38,8 @@ public:
     explicit SorvantoMain(QWidget *parent = nullptr);
     ~SorvantoMain() override;
 
-    /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop that
-    /// is not running yet must not be started any more.
+    /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop
+    /// that is not running yet must not be started any more.
     bool isEnding() const;
     bool isProjectOpen() const;
     bool isRecording() const;
@@ -58,7 +58,9 @@ public:
 public slots:
     void topDblClick();
     void slotCommandProject();
+    void slotCommandRecord();
     void slotCommandScreen();
+    void slotCommandHelp();
     void slotViewFull(bool on);
     void slotShowHideItem(bool on);
     void slotCloseProject();
@@ -66,6 +68,8 @@ public slots:
     void slotAutoProject(bool on);
     void slotAutoRecord(bool on);
     void slotKeepAlive(bool on);
+    void slotLookbackRecord();
+    void slotReportDaily();
     void slotUpdateProjectFile();
     void slotRefreshAvailDeviceList();
     void slotToggleRecord();
@@ -97,6 +101,7 @@ private:
     void refreshActions();
 
     // USB loggers
+    ConfiguredDevice *usbDeviceOf(const QString &key) const;
     void dropVanishedLoggers(const QList<UsbLogger> &found);
     void mergeUsbLoggers(const QList<UsbLogger> &found);
     void openOstrivaneDevices();
@@ -126,6 +131,7 @@ private:
     void showProjectLabels();
 
     // Shell
+    void openSibling(const QString &program);
     void dropDown(QMenu *menu, const QWidget *button);
     void showTimedMessage(const QString &title, const QString &text);
 

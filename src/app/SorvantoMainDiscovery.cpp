@@ -37,8 +37,7 @@ void SorvantoMain::broadcastDevice()
 
     const quint16 replyPort = m_sndUdpSocket->localPort();
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->localPort :" << replyPort;
-    const bool bound =
-        m_rcvUdpSocket->bind(local, replyPort, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
+    const bool bound = m_rcvUdpSocket->bind(local, replyPort, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_rcvUdpSocket->bind :" << bound;
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->write :"
                    << m_sndUdpSocket->write(discoveryRequest());
@@ -86,8 +85,8 @@ void SorvantoMain::readPendingDatagrams()
     for (int cnt = 0; cnt < datagramsPerTurn && m_rcvUdpSocket && m_rcvUdpSocket->hasPendingDatagrams(); ++cnt) {
         const QNetworkDatagram datagram = m_rcvUdpSocket->receiveDatagram();
         const QByteArray bytes = datagram.data();
-        qCDebug(lcApp) << "SorvantoMain::readPendingDatagrams : cnt :" << cnt << ", size :" << bytes.size()
-                       << datagram.senderAddress().toString() << bytes;
+        qCDebug(lcApp).nospace() << "SorvantoMain::readPendingDatagrams : cnt : " << cnt << ", size : " << bytes.size();
+        qCDebug(lcApp) << datagram.senderAddress().toString() << bytes;
         if (!isDiscoveryReply(bytes))
             continue;
         if (const auto reply = decodeDiscoveryReply(bytes))

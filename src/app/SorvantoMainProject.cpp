@@ -80,6 +80,7 @@ void SorvantoMain::openProjectView()
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     if (!createInsertSerialData(m_databasePath))
         return;
+    m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_configuredDevices);
     m_form->centralFrame->layout()->addWidget(m_projectCenter);
     m_projectCenter->show();
@@ -145,7 +146,7 @@ void SorvantoMain::slotUpdateProjectFile()
 
 void SorvantoMain::showProjectLabels()
 {
-    m_form->label_projectname->setText(shortened(QFileInfo(m_projectFile).path()) + QLatin1Char('/') +
-                                       m_projectName + QStringLiteral(".tpc"));
+    m_form->label_projectname->setText(shortened(QFileInfo(m_projectFile).path()) + QLatin1Char('/') + m_projectName +
+                                       QStringLiteral(".tpc"));
     m_form->label_interval->setText(QStringLiteral("Interval : ") + intervalText(dataIntervalMs));
 }

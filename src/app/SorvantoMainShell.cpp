@@ -1,14 +1,18 @@
 #include "app/SorvantoMain.h"
 
+#include "app/AboutText.h"
 #include "app/AlarmSound.h"
 #include "app/Logging.h"
 #include "app/MainMenus.h"
+#include "app/SiblingProgram.h"
 #include "device/ConfiguredDevice.h"
 #include "dialogs/TransientMessage.h"
+#include "project/ProjectFile.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
 #include <QAction>
+#include <QFile>
 #include <QMenu>
 #include <QMessageBox>
 #include <algorithm>
@@ -23,9 +27,46 @@ void SorvantoMain::slotCommandProject()
     dropDown(m_menus->project, m_form->command_project);
 }
 
+void SorvantoMain::slotCommandRecord()
+{
+    dropDown(m_menus->record, m_form->command_record);
+}
+
 void SorvantoMain::slotCommandScreen()
 {
     dropDown(m_menus->view, m_form->command_screen);
+}
+
+void SorvantoMain::slotCommandHelp()
+{
+    QMessageBox::about(this, QStringLiteral("About ") + windowTitle().remove(QLatin1Char(' ')), aboutText());
+}
+
+void SorvantoMain::slotLookbackRecord()
+{
+    openSibling(QStringLiteral("Lookback"));
+}
+
+void SorvantoMain::slotReportDaily()
+{
+    openSibling(QStringLiteral("Sheetsmith"));
+}
+
+void SorvantoMain::openSibling(const QString &program)
+{
+    if (!QFile::exists(m_databasePath)) {
+        showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Database does not exist."));
+        return;
+    }
+    // The sibling shall see the range as far as it goes now.
+    if (m_projectCenter)
+        ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText());
+    const QString line = siblingCommandLine(program, m_projectFile);
+    qCDebug(lcApp).noquote() << "cmd :" << line;
+    if (startSibling(program, m_projectFile))
+        return;
+    qCDebug(lcApp).noquote() << "startDetached :" << line << "failed!";
+    showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Please check the %1 execution file.").arg(program));
 }
 
 void SorvantoMain::topDblClick()
@@ -62,11 +103,11 @@ void SorvantoMain::slotAutoRecord(bool on)
 
 void SorvantoMain::checkAlarmSound()
 {
-    const bool alarm = m_bIsProjectOpen && std::any_of(m_configuredDevices.cbegin(), m_configuredDevices.cend(),
-                                                       [](const ConfiguredDevice *device) {
-                                                           return device->alarmOnChannel1() ||
-                                                                  device->alarmOnChannel2();
-                                                       });
+    const bool alarm =
+        m_bIsProjectOpen &&
+        std::any_of(m_configuredDevices.cbegin(), m_configuredDevices.cend(), [](const ConfiguredDevice *device) {
+            return device->alarmOnChannel1() || device->alarmOnChannel2();
+        });
     m_alarmSound->setAlarm(alarm);
 }
 

@@ -2,8 +2,12 @@
 
 #include "app/SorvantoMain.h"
 #include "app/TerminationSignals.h"
+#include "dialogs/SharpPixmap.h"
+#include "views/Fonts.h"
 
 #include <QApplication>
+#include <QPointer>
+#include <QScopeGuard>
 #include <QSplashScreen>
 #include <QThread>
 
@@ -11,6 +15,8 @@ namespace {
 
 // The splash stays for this long however quickly the station was built.
 constexpr unsigned long splashMs = 2500;
+
+constexpr int textPointSize = 9;
 
 } // namespace
 
@@ -24,9 +30,26 @@ void installMessagePattern()
     qSetMessagePattern(QStringLiteral("%{message}"));
 }
 
+void enableHighDensity()
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+}
+
+void useStationFont()
+{
+    installFontSubstitutes();
+    // Widgets under a style sheet do not inherit their window's font.
+    QApplication::setFont(QFont(QStringLiteral("Segoe UI"), textPointSize));
+}
+
 QSplashScreen *showSplash()
 {
-    auto *splash = new QSplashScreen(QPixmap(QStringLiteral(":/img/LoadingLite.png")));
+    auto *splash = new QSplashScreen(sharpPixmap(QStringLiteral(":/img/LoadingLite.png")));
+    splash->setAttribute(Qt::WA_DeleteOnClose);
     splash->show();
     splash->showMessage(QStringLiteral("[%1] Loading modules...").arg(versionText()),
                         Qt::AlignHCenter | Qt::AlignBottom, Qt::darkGray);
@@ -35,9 +58,16 @@ QSplashScreen *showSplash()
 
 int runStation(QApplication &application)
 {
+    useStationFont();
     TerminationSignals signalsFromSystem;
-    QSplashScreen *splash = showSplash();
+    const QPointer<QSplashScreen> splash = showSplash();
+    const auto splashEnd = qScopeGuard([&splash] { delete splash; });
 
+    // A box that waits for an answer while the station is built must not keep the program alive.
+    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &signalsFromSystem, [] {
+        if (QWidget *box = QApplication::activeModalWidget())
+            box->close();
+    });
     SorvantoMain mainWindow;
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
                      &SorvantoMain::endProgram);

@@ -11,7 +11,13 @@ QString versionText();
 /// Log lines are the bare message, so that they read as they are written.
 void installMessagePattern();
 
-/// Shows the splash picture with its loading line. The splash is never deleted: finish() hides it.
+/// Lets windows and pictures follow the density of their screen; to be called before the application object exists.
+void enableHighDensity();
+
+/// One type face throughout, in a substitute of its proportions where the system lacks it.
+void useStationFont();
+
+/// Shows the splash picture with its loading line. The splash deletes itself once it is closed.
 QSplashScreen *showSplash();
 
 /// Builds the station, waits out the splash, shows the window and runs until it closes; returns the exit code.

@@ -3,6 +3,7 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,9 +17,11 @@ constexpr std::array<int, 2> handledSignals{SIGTERM, SIGINT};
 
 void writeToPipe(int)
 {
+    const int errorBefore = errno;
     const char byte = 0;
     // A full pipe already holds a request, so a failed write loses nothing.
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+    errno = errorBefore;
 }
 
 void setHandler(void (*handler)(int))

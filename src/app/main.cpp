@@ -5,6 +5,7 @@
 int main(int argc, char **argv)
 {
     installMessagePattern();
+    enableHighDensity();
     QApplication application(argc, argv);
     return runStation(application);
 }

@@ -6,6 +6,8 @@
 #include "ui_DashboardTab.h"
 #include "views/DashBoard.h"
 
+#include <QTabBar>
+
 namespace {
 
 constexpr int devicesPerDashboard = 16;
@@ -22,6 +24,8 @@ DashboardTab::DashboardTab(QWidget *parent) : QWidget(parent), m_form(std::make_
 {
     m_form->setupUi(this);
     m_form->label_title->setPixmap(sharpPixmap(QStringLiteral(":/img/DashboardText.png")));
+    // Under a style sheet fonts are not inherited.
+    m_form->tabWidget->tabBar()->setFont(font());
     for (int i = 0; i < dashboardCount; ++i) {
         m_dashboards[size_t(i)] = new DashBoard;
         connect(m_dashboards[size_t(i)], &DashBoard::dashboardClicked, this, &DashboardTab::slotDashboardClicked);

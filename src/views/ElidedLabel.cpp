@@ -5,7 +5,6 @@
 ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
 QSize ElidedLabel::minimumSizeHint() const

@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "ui_ProjectCenter.h"
+#include "views/DashboardTab.h"
 #include "views/ProjectList.h"
 
 #include <QDateTime>
@@ -28,20 +29,36 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
       m_form(std::make_unique<Ui::ProjectCenter>()),
       m_recordIcon(QStringLiteral(":/img/RecordButton.png")),
       m_recordStopIcon(QStringLiteral(":/img/RecordStopButton.png")),
-      m_projectList(new ProjectList(QFileInfo(projectFile).baseName(), this))
+      m_projectList(new ProjectList(QFileInfo(projectFile).baseName(), this)),
+      m_dashboards(new DashboardTab(this))
 {
     m_form->setupUi(this);
     auto *listLayout = new QVBoxLayout(m_form->widget_list);
     listLayout->addWidget(m_projectList);
+    auto *boardLayout = new QVBoxLayout(m_form->widget_board);
+    boardLayout->setContentsMargins(0, 0, 0, 0);
+    boardLayout->setSpacing(0);
+    boardLayout->addWidget(m_dashboards);
     m_form->label_record_error->hide();
     connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
 }
 
 ProjectCenter::~ProjectCenter() = default;
 
+void ProjectCenter::setDashboardNames(const QStringList &names)
+{
+    m_dashboards->setDashboardNames(names);
+}
+
 void ProjectCenter::setDevices(const QList<ConfiguredDevice *> &devices)
 {
     m_projectList->setDevices(devices);
+    m_dashboards->setDevices(devices);
+}
+
+void ProjectCenter::showEmptyCells(bool show)
+{
+    m_dashboards->showEmptyCells(show);
 }
 
 void ProjectCenter::setDeviceListVisible(bool visible)

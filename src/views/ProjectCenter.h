@@ -2,10 +2,12 @@
 
 #include <QIcon>
 #include <QList>
+#include <QStringList>
 #include <QWidget>
 #include <memory>
 
 class ConfiguredDevice;
+class DashboardTab;
 class ProjectList;
 
 namespace Ui {
@@ -13,6 +15,7 @@ class ProjectCenter;
 }
 
 /// The panel of an open project: its devices on the left, the board beside them, the record bar below.
+/// The board shows the dashboards or the chart of one device.
 class ProjectCenter : public QWidget
 {
     Q_OBJECT
@@ -21,9 +24,12 @@ public:
     explicit ProjectCenter(const QString &projectFile, QWidget *parent = nullptr);
     ~ProjectCenter() override;
 
-    /// Devices are not owned; they must be detached from their views before this panel goes away.
+    void setDashboardNames(const QStringList &names);
+    /// To be called once. Devices are not owned; they must be detached from their views before this panel goes away.
     void setDevices(const QList<ConfiguredDevice *> &devices);
     void setDeviceListVisible(bool visible);
+    /// Cells of the dashboards that hold no tile.
+    void showEmptyCells(bool show);
 
     /// Recording: keeps the start text, or takes the present time where there is none. Idle: ends the range now.
     void setRecordState(bool recording);
@@ -50,4 +56,5 @@ private:
     QIcon m_recordIcon;
     QIcon m_recordStopIcon;
     ProjectList *m_projectList;
+    DashboardTab *m_dashboards;
 };

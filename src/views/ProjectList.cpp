@@ -1,21 +1,43 @@
 #include "views/ProjectList.h"
 
 #include "device/ConfiguredDevice.h"
+#include "dialogs/PlainToolTip.h"
 #include "ui_ProjectList.h"
+#include "views/ElidingDelegate.h"
 
-/// What a device sees of its row.
+#include <QPointer>
+#include <QShortcut>
+#include <algorithm>
+
+/// A device's row, and what the device sees of it.
 class ProjectList::Row : public ListEntry
 {
 public:
-    Row(QListWidgetItem *item, const ProjectList *list) : m_item(item), m_list(list) {}
+    Row(QListWidgetItem *item, ConfiguredDevice *device, const ProjectList *list)
+        : m_item(item), m_device(device), m_list(list)
+    {
+    }
+
+    QListWidgetItem *item() const { return m_item; }
+    ConfiguredDevice *device() const { return m_device; }
+    void forgetDevice() { m_device.clear(); }
 
     void setConnectionState(bool connected) override
     {
         m_item->setIcon(connected ? m_list->m_connectedIcon : m_list->m_disconnectedIcon);
     }
 
+    void describe()
+    {
+        if (!m_device)
+            return;
+        m_item->setText(m_device->deviceName().isEmpty() ? m_device->serialNumber() : m_device->deviceName());
+        m_item->setToolTip(plainToolTip(m_device->address()));
+    }
+
 private:
     QListWidgetItem *m_item;
+    QPointer<ConfiguredDevice> m_device;
     const ProjectList *m_list;
 };
 
@@ -26,10 +48,16 @@ ProjectList::ProjectList(const QString &projectName, QWidget *parent)
       m_disconnectedIcon(QStringLiteral(":/img/DeviceDisconnectedSymbol.png"))
 {
     m_form->setupUi(this);
-    m_form->button_project->setText(projectName);
+    m_form->button_project->setText(QString(projectName).replace(QLatin1Char('&'), QStringLiteral("&&")));
+    m_form->list_project->setItemDelegate(new ElidingDelegate(m_form->list_project));
     connect(m_form->button_project, &QAbstractButton::clicked, this, &ProjectList::slotPushDashboard);
     connect(m_form->list_project, &QListWidget::itemClicked, this,
             QOverload<QListWidgetItem *>::of(&ProjectList::deviceClicked));
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto *shortcut = new QShortcut(key, m_form->list_project);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, &ProjectList::openCurrent);
+    }
 }
 
 ProjectList::~ProjectList() = default;
@@ -39,25 +67,25 @@ void ProjectList::setDevices(const QList<ConfiguredDevice *> &devices)
     for (ConfiguredDevice *device : devices) {
         if (!device)
             continue;
-        auto *item = new QListWidgetItem(m_form->list_project);
-        describe(item, device);
-        m_rows.push_back(std::make_unique<Row>(item, this));
+        if (Row *earlier = rowOf(device))
+            earlier->forgetDevice();
+        m_rows.push_back(std::make_unique<Row>(new QListWidgetItem(m_form->list_project), device, this));
+        m_rows.back()->describe();
         device->setListItem(m_rows.back().get());
-        m_items.insert(device, item);
     }
 }
 
-void ProjectList::selectDevice(ConfiguredDevice *device)
+void ProjectList::selectDevice(const ConfiguredDevice *device)
 {
     m_form->list_project->clearSelection();
-    if (QListWidgetItem *item = m_items.value(device))
-        item->setSelected(true);
+    if (const Row *row = rowOf(device))
+        row->item()->setSelected(true);
 }
 
 void ProjectList::refresh()
 {
-    for (auto entry = m_items.cbegin(); entry != m_items.cend(); ++entry)
-        describe(entry.value(), entry.key());
+    for (const auto &row : m_rows)
+        row->describe();
 }
 
 void ProjectList::slotPushDashboard()
@@ -67,11 +95,22 @@ void ProjectList::slotPushDashboard()
 
 void ProjectList::deviceClicked(QListWidgetItem *item)
 {
-    emit deviceClicked(m_items.key(item));
+    const auto found =
+        std::find_if(m_rows.cbegin(), m_rows.cend(), [item](const auto &row) { return row->item() == item; });
+    emit deviceClicked(found == m_rows.cend() ? nullptr : (*found)->device());
 }
 
-void ProjectList::describe(QListWidgetItem *item, const ConfiguredDevice *device) const
+ProjectList::Row *ProjectList::rowOf(const ConfiguredDevice *device) const
 {
-    item->setText(device->deviceName().isEmpty() ? device->serialNumber() : device->deviceName());
-    item->setToolTip(device->address().toHtmlEscaped());
+    if (!device)
+        return nullptr;
+    const auto found =
+        std::find_if(m_rows.cbegin(), m_rows.cend(), [device](const auto &row) { return row->device() == device; });
+    return found == m_rows.cend() ? nullptr : found->get();
+}
+
+void ProjectList::openCurrent()
+{
+    if (QListWidgetItem *item = m_form->list_project->currentItem())
+        deviceClicked(item);
 }

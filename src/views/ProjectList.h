@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QHash>
 #include <QIcon>
 #include <QList>
 #include <QWidget>
@@ -15,7 +14,7 @@ class ProjectList;
 }
 
 /// The list of the project's devices, each with its connection symbol, under a button that leads back to the
-/// dashboards.
+/// dashboards. Devices are not owned and may be gone before the list.
 class ProjectList : public QWidget
 {
     Q_OBJECT
@@ -25,8 +24,9 @@ public:
     ~ProjectList() override;
 
     /// Lists the devices and gives each its row; the devices must forget their rows before this panel goes away.
+    /// A device listed twice keeps its last row only.
     void setDevices(const QList<ConfiguredDevice *> &devices);
-    void selectDevice(ConfiguredDevice *device);
+    void selectDevice(const ConfiguredDevice *device);
     /// Reads names and addresses again.
     void refresh();
 
@@ -42,11 +42,11 @@ private slots:
 private:
     class Row;
 
-    void describe(QListWidgetItem *item, const ConfiguredDevice *device) const;
+    Row *rowOf(const ConfiguredDevice *device) const;
+    void openCurrent();
 
     std::unique_ptr<Ui::ProjectList> m_form;
     QIcon m_connectedIcon;
     QIcon m_disconnectedIcon;
     std::vector<std::unique_ptr<Row>> m_rows;
-    QHash<ConfiguredDevice *, QListWidgetItem *> m_items;
 };

@@ -46,7 +46,6 @@ ResizeLabel::ResizeLabel(QWidget *parent) : ResizeLabel(valueMargins, parent) {}
 ResizeLabel::ResizeLabel(const QSize &margins, QWidget *parent) : QLabel(parent), m_margins(margins)
 {
     setTextFormat(Qt::PlainText);
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
 }
 
 void ResizeLabel::fitFont()

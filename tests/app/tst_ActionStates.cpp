@@ -15,12 +15,10 @@ private slots:
         QTest::addColumn<QString>("enabled");
         QTest::newRow("no project") << ControllerState{false, false, false, 10000} << "keep exit";
         QTest::newRow("choosing devices") << ControllerState{true, false, false, 10000} << "close keep exit";
-        QTest::newRow("open") << ControllerState{true, true, false, 10000} << "close keep refresh exit expansion";
-        QTest::newRow("recording") << ControllerState{true, true, true, 10000} << "keep refresh expansion";
-        QTest::newRow("one minute") << ControllerState{true, true, false, 60000}
-                                    << "close keep refresh exit expansion";
-        QTest::newRow("five minutes") << ControllerState{true, true, false, 300000}
-                                      << "close refresh exit expansion";
+        QTest::newRow("open") << ControllerState{true, true, false, 10000} << "close keep refresh exit siblings expansion";
+        QTest::newRow("recording") << ControllerState{true, true, true, 10000} << "keep refresh siblings expansion";
+        QTest::newRow("one minute") << ControllerState{true, true, false, 60000} << "close keep refresh exit siblings expansion";
+        QTest::newRow("five minutes") << ControllerState{true, true, false, 300000} << "close refresh exit siblings expansion";
         QTest::newRow("five minutes, closed again") << ControllerState{false, false, false, 300000} << "keep exit";
     }
 
@@ -37,6 +35,7 @@ private slots:
         add(actions.keepAlive, "keep");
         add(actions.refreshDevices, "refresh");
         add(actions.exit, "exit");
+        add(actions.siblings, "siblings");
         add(actions.expansionMode, "expansion");
         QTEST(enabled.join(QLatin1Char(' ')), "enabled");
     }

@@ -1,6 +1,6 @@
+#include "app/AlarmSound.h"
 #include "support/NullSinkServer.h"
 #include "support/SinkMonitor.h"
-#include "app/AlarmSound.h"
 #include <QAudioDeviceInfo>
 #include <QAudioFormat>
 #include <QSignalSpy>

@@ -26,7 +26,7 @@ QAction *action(const SorvantoMain &station, const char *menu, const QString &te
 QStringList enabledActions(const SorvantoMain &station)
 {
     QStringList texts;
-    for (const char *menu : {"menu_project", "menu_view"}) {
+    for (const char *menu : {"menu_project", "menu_record", "menu_view"}) {
         const QList<QAction *> actions = child<QMenu>(station, menu)->actions();
         for (const QAction *candidate : actions) {
             if (!candidate->isSeparator() && candidate->isEnabled())
@@ -213,9 +213,12 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("key");
-        QTest::newRow("load") << "Auto Load Recent Project" << "autoLoad";
-        QTest::newRow("record") << "Auto Start Record" << "autoRecord";
-        QTest::newRow("keep") << "Keep Socket Connection" << "keepAlive";
+        QTest::newRow("load") << "Auto Load Recent Project"
+                              << "autoLoad";
+        QTest::newRow("record") << "Auto Start Record"
+                                << "autoRecord";
+        QTest::newRow("keep") << "Keep Socket Connection"
+                              << "keepAlive";
     }
 
     void flagsAreKept()
@@ -319,6 +322,9 @@ private slots:
         QTest::mouseClick(child<QWidget>(station, "command_project"), Qt::LeftButton);
         QVERIFY(child<QMenu>(station, "menu_project")->isVisible());
         child<QMenu>(station, "menu_project")->close();
+        QTest::mouseClick(child<QWidget>(station, "command_record"), Qt::LeftButton);
+        QVERIFY(child<QMenu>(station, "menu_record")->isVisible());
+        child<QMenu>(station, "menu_record")->close();
         QTest::mouseClick(child<QWidget>(station, "command_screen"), Qt::LeftButton);
         QVERIFY(child<QMenu>(station, "menu_view")->isVisible());
     }

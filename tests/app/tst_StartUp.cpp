@@ -59,12 +59,31 @@ private slots:
 
     void cleanup() { m_fixture.reset(); }
 
+    void logLinesAreTheBareMessage()
+    {
+        const QMessageLogContext context(nullptr, 0, nullptr, "sorvanto.device");
+        QCOMPARE(qFormatLogMessage(QtDebugMsg, context, QStringLiteral("SerialDevice::open : [ttyACM0]")),
+                 QStringLiteral("SerialDevice::open : [ttyACM0]"));
+    }
+
     void splashNamesTheVersion()
     {
         const std::unique_ptr<QSplashScreen> splash(showSplash());
         QCOMPARE(splash->message(), QStringLiteral("[V3.54] Loading modules..."));
         QVERIFY(splash->isVisible());
         QCOMPARE(splash->pixmap().toImage(), QPixmap(QStringLiteral(":/img/LoadingLite.png")).toImage());
+    }
+
+    void oneTypeFaceThroughout()
+    {
+        const QFont before = QApplication::font();
+        useStationFont();
+        const QFont used = QApplication::font();
+        QApplication::setFont(before);
+        QCOMPARE(used.family(), QStringLiteral("Segoe UI"));
+        const auto substitute = [](const char *face) { return QFont::substitute(QLatin1String(face)).toLower(); };
+        QCOMPARE(substitute("Segoe UI"), QStringLiteral("open sans"));
+        QCOMPARE(substitute("Arial"), QStringLiteral("liberation sans"));
     }
 
     void withoutAProjectTheWindowIsEmpty()

@@ -38,7 +38,7 @@ PseudoTerminal::PseudoTerminal(QObject *parent) : QIODevice(parent) {}
 
 PseudoTerminal::~PseudoTerminal()
 {
-    close();
+    PseudoTerminal::close();
 }
 
 bool PseudoTerminal::open()
