@@ -47,10 +47,10 @@ void QChartViewer::leaveEvent(QEvent *event)
 void QChartViewer::wheelEvent(QWheelEvent *event)
 {
     static const QMetaMethod wheelSignal = QMetaMethod::fromSignal(&QChartViewer::mouseWheel);
-    if (isSignalConnected(wheelSignal))
+    const bool wanted = isSignalConnected(wheelSignal);
+    event->setAccepted(wanted);
+    if (wanted)
         emit mouseWheel(event);
-    else
-        event->ignore();
 }
 
 void QChartViewer::mousePressEvent(QMouseEvent *event)
@@ -109,7 +109,7 @@ void QChartViewer::continueDrag()
     if (m_usage == MouseUsage::Scroll) {
         // Once it moves it follows the mouse back to where it began, too.
         m_dragMoving = m_dragMoving || dragLength() >= m_minimumDrag;
-        if (m_dragMoving && scroll(m_viewPortAtPress, m_mousePosition - m_pressPosition))
+        if (m_dragMoving && scrollFrom(m_viewPortAtPress, m_mousePosition - m_pressPosition))
             updateViewPort(true, false);
     } else if (m_usage == MouseUsage::ZoomIn) {
         m_dragMoving = dragLength() >= m_minimumDrag;

@@ -156,7 +156,7 @@ bool ViewPort::zoomTo(const QRect &rectangle)
     return change(part);
 }
 
-bool ViewPort::scroll(const QRectF &from, const QPoint &distance)
+bool ViewPort::scrollFrom(const QRectF &from, const QPoint &distance)
 {
     QRectF part = from;
     if (m_scrollDirection != Direction::Vertical)

@@ -44,7 +44,7 @@ public:
     /// Fills the plot area with what lies within the rectangle.
     bool zoomTo(const QRect &rectangle);
     /// Shows what a sheet of paper shows that is pulled so far, where @p from was shown before.
-    bool scroll(const QRectF &from, const QPoint &distance);
+    bool scrollFrom(const QRectF &from, const QPoint &distance);
 
 protected:
     ViewPort() = default;

@@ -118,13 +118,13 @@ private slots:
         TestedViewPort port;
         const QRectF before(0.25, 0.25, 0.5, 0.5);
         port.setViewPort(before);
-        QVERIFY(port.scroll(before, {-50, 30}));
+        QVERIFY(port.scrollFrom(before, {-50, 30}));
         QCOMPARE(port.viewPort(), QRectF(0.375, 0.25, 0.5, 0.5));
-        QVERIFY(port.scroll(before, {1000, 0}));
+        QVERIFY(port.scrollFrom(before, {1000, 0}));
         QCOMPARE(port.viewPort(), QRectF(0, 0.25, 0.5, 0.5));
-        QVERIFY(!port.scroll(before, {2000, 0}));
+        QVERIFY(!port.scrollFrom(before, {2000, 0}));
         port.setScrollDirection(vertical);
-        QVERIFY(port.scroll(before, {-50, -20}));
+        QVERIFY(port.scrollFrom(before, {-50, -20}));
         QCOMPARE(port.viewPort(), QRectF(0.25, 0.35, 0.5, 0.5));
     }
 
@@ -164,7 +164,7 @@ private slots:
         QVERIFY(!port.isInPlotArea({0, 0}));
         QVERIFY(!port.zoomAt({0, 0}, 2));
         QVERIFY(!port.zoomTo({0, 0, 10, 10}));
-        QVERIFY(!port.scroll({0, 0, 1, 1}, {10, 10}));
+        QVERIFY(!port.scrollFrom({0, 0, 1, 1}, {10, 10}));
     }
 };
 
