@@ -101,6 +101,7 @@ private:
     void refreshActions();
 
     // USB loggers
+    ConfiguredDevice *usbDeviceOf(const QString &key) const;
     void dropVanishedLoggers(const QList<UsbLogger> &found);
     void mergeUsbLoggers(const QList<UsbLogger> &found);
     void openOstrivaneDevices();

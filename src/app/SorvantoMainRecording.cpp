@@ -152,6 +152,7 @@ void SorvantoMain::updateRecordRange()
 
 void SorvantoMain::slotWritingFailed(const QString &reason)
 {
+    qCDebug(lcApp).noquote() << "SorvantoMain::slotWritingFailed : [ERROR]" << reason;
     showTimedMessage(QStringLiteral("ERROR"), reason);
     if (m_projectCenter)
         m_projectCenter->setWriteTrouble(reason);
@@ -159,6 +160,7 @@ void SorvantoMain::slotWritingFailed(const QString &reason)
 
 void SorvantoMain::slotWritingRestored()
 {
+    qCDebug(lcApp) << "SorvantoMain::slotWritingRestored";
     if (m_projectCenter)
         m_projectCenter->setWriteTrouble({});
 }

@@ -34,13 +34,20 @@ void SorvantoMain::dropVanishedLoggers(const QList<UsbLogger> &found)
         if (present)
             continue;
         anyVanished = true;
-        if (ConfiguredDevice *device = deviceOf(record->key)) {
+        if (ConfiguredDevice *device = usbDeviceOf(record->key)) {
             device->forgetPort();
             device->deviceDisconnected();
         }
     }
     if (anyVanished)
         closeSerialDevices();
+}
+
+/// A network device may carry the same key as a USB logger; the watch has no say in it.
+ConfiguredDevice *SorvantoMain::usbDeviceOf(const QString &key) const
+{
+    ConfiguredDevice *device = deviceOf(key);
+    return device && device->interfaceKind() == UsbInterface ? device : nullptr;
 }
 
 void SorvantoMain::mergeUsbLoggers(const QList<UsbLogger> &found)
@@ -67,8 +74,8 @@ void SorvantoMain::openOstrivaneDevices()
         return;
     QList<std::pair<ConfiguredDevice *, const AvailDevice *>> present;
     for (const AvailDevice *record : std::as_const(m_serialDeviceList)) {
-        ConfiguredDevice *device = deviceOf(record->key);
-        if (!device || device->interfaceKind() != UsbInterface)
+        ConfiguredDevice *device = usbDeviceOf(record->key);
+        if (!device)
             continue;
         if (device->isOpen())
             device->closeDevice();
@@ -93,8 +100,8 @@ void SorvantoMain::reopenClosedUsbDevices()
     if (!m_bIsProjectOpen)
         return;
     for (const AvailDevice *record : std::as_const(m_serialDeviceList)) {
-        ConfiguredDevice *device = deviceOf(record->key);
-        if (device && device->interfaceKind() == UsbInterface && !device->isOpen())
+        ConfiguredDevice *device = usbDeviceOf(record->key);
+        if (device && !device->isOpen())
             openUsbDevice(device, *record);
     }
 }

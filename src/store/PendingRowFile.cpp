@@ -78,13 +78,14 @@ PendingRowFile::Content PendingRowFile::read() const
 
 bool PendingRowFile::write(const std::vector<PendingRow> &rows) const
 {
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(headerLine(rows));
+    QByteArray content = headerLine(rows);
     for (const PendingRow &row : rows)
-        file.write(line(row));
-    return file.commit();
+        content += line(row);
+    // Unbuffered, because a full disk shows only in the write itself: what a buffer still holds when the file is
+    // committed may fail unnoticed.
+    QSaveFile file(m_path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(content) == content.size() &&
+           file.commit();
 }
 
 bool PendingRowFile::remove() const

@@ -1,5 +1,5 @@
-#include "WriteObstacles.h"
 #include "project/AppSettings.h"
+#include "support/WriteObstacles.h"
 
 #include <QFile>
 #include <QSettings>

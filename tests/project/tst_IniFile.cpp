@@ -1,5 +1,5 @@
-#include "WriteObstacles.h"
 #include "project/IniFile.h"
+#include "support/WriteObstacles.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,5 +1,5 @@
-#include "WriteObstacles.h"
 #include "project/ProjectFile.h"
+#include "support/WriteObstacles.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,7 @@
 #include "store/PendingRowFile.h"
 
+#include "support/WriteObstacles.h"
+
 #include <QtTest>
 
 #include <cmath>
@@ -18,6 +20,7 @@ private slots:
     void orderStays();
     void writingReplacesTheFile();
     void refusedWritingLeavesTheOldFile();
+    void fullDiskLeavesTheOldFile();
     void damageCostsNoReadableRow_data();
     void damageCostsNoReadableRow();
     void setAsideNeverReplaces();
@@ -144,6 +147,22 @@ void tst_PendingRowFile::refusedWritingLeavesTheOldFile()
     QVERIFY(!m_file->write(threeRows()));
     QVERIFY(QFileInfo(m_file->path()).isDir());
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files).size(), 0);
+}
+
+void tst_PendingRowFile::fullDiskLeavesTheOldFile()
+{
+    QVERIFY(m_file->write({threeRows()[1]}));
+    const QByteArray before = content();
+    for (int size = 0; size < 60; ++size) {
+        bool written = false;
+        {
+            const FullDisk disk(static_cast<rlim_t>(size));
+            written = m_file->write(threeRows());
+        }
+        QVERIFY2(!written, qPrintable(QString::number(size)));
+        QCOMPARE(content(), before);
+    }
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files).size(), 1);
 }
 
 void tst_PendingRowFile::damageCostsNoReadableRow_data()

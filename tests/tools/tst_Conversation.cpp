@@ -65,6 +65,7 @@ private slots:
     void init();
 
     void countsOnlyWhatIsWhollyWritten();
+    void tellsTheValuesServed();
     void closesOnlyWhenWhollyWritten();
     void stationThatNeverReadsGetsABoundedAmount();
     void floodWaitsForTheStation();
@@ -95,6 +96,24 @@ void tst_Conversation::countsOnlyWhatIsWhollyWritten()
     QCOMPARE(m_logger->served(), quint64(1));
     m_wire->take(first);
     QCOMPARE(m_logger->served(), quint64(2));
+}
+
+void tst_Conversation::tellsTheValuesServed()
+{
+    QSignalSpy served(m_logger.get(), &SimLogger::readingServed);
+    m_logger->curve().hold({2150, 4510});
+    m_wire->say("ATDC\r\n");
+    QCOMPARE(served.size(), 0);
+    m_wire->take(m_wire->bytesToWrite());
+    m_logger->setFault(fault("dashes:2"));
+    m_wire->say("ATDC\r\n");
+    m_wire->take(m_wire->bytesToWrite());
+    m_logger->setFault(fault("nan"));
+    m_wire->say("ATDC\r\n");
+    m_wire->take(m_wire->bytesToWrite());
+    QCOMPARE(served.size(), 2);
+    QCOMPARE(served.at(0).at(0).toByteArray(), QByteArray("21.50,45.10"));
+    QCOMPARE(served.at(1).at(0).toByteArray(), QByteArray("21.50,----"));
 }
 
 void tst_Conversation::closesOnlyWhenWhollyWritten()

@@ -31,6 +31,7 @@ private:
     {
         qint64 end = 0; ///< bytes written once the reply is out
         bool isReading = false;
+        QByteArray values;
         bool closeAfter = false;
     };
 

@@ -59,8 +59,11 @@ Reading Curve::next()
                             m_climate.humiditySwing * 0.15 * wave(2, 170);
     Reading reading{qRound(temperature * 100) + noise() + m_offset.temperature,
                     qRound(humidity * 100) + noise() + m_offset.humidity};
-    // The recording keeps equal rows of one second only once, so every reading must differ from the one before.
-    if (reading == m_last)
+    // The recording keeps equal rows of one second only once, so every reading must differ from the one before, also
+    // when the value of either channel is missing.
+    if (reading.temperature == m_last.temperature)
+        ++reading.temperature;
+    if (reading.humidity == m_last.humidity)
         ++reading.humidity;
     m_last = reading;
     return reading;

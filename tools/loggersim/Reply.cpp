@@ -67,7 +67,8 @@ Reply pollReply(const Fault &fault, const QByteArray &echo, const QByteArray &va
         return reply;
     }
     reply.isReading = true;
-    reply.pieces = {line(echo, fault.kind == FaultKind::Dashes ? withDashes(fault.number, values) : values)};
+    reply.values = fault.kind == FaultKind::Dashes ? withDashes(fault.number, values) : values;
+    reply.pieces = {line(echo, reply.values)};
     if (fault.kind == FaultKind::Split) {
         reply.pieces = inPieces(reply.pieces.first());
         reply.pauseMs = fault.number;

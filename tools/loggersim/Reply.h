@@ -14,6 +14,7 @@ struct Reply
     int delayMs = 0;         ///< before the next piece
     int pauseMs = 0;         ///< between any two pieces
     bool isReading = false;  ///< a well-formed reading, which counts as served
+    QByteArray values;       ///< of a reading, as they are sent: "21.50,----"
     bool closeAfter = false; ///< the connection is closed once it has been written
 };
 

@@ -18,6 +18,12 @@ void SimLogger::setFault(const Fault &fault)
     emit faultChanged();
 }
 
+void SimLogger::countServed(const QByteArray &values)
+{
+    ++m_served;
+    emit readingServed(values);
+}
+
 std::optional<Reply> SimLogger::answer(const QByteArray &command)
 {
     ++m_commands;

@@ -43,8 +43,8 @@ public:
     /// A reading that nobody asked for, as one line of a reply.
     QByteArray unaskedReading();
 
-    /// To be called once a well-formed reading has wholly been written to the station.
-    void countServed() { ++m_served; }
+    /// To be called once a well-formed reading with these values has wholly been written to the station.
+    void countServed(const QByteArray &values);
     quint64 served() const { return m_served; }
     /// Commands received, polls and others, answered or not.
     quint64 commands() const { return m_commands; }
@@ -54,6 +54,8 @@ public:
 
 signals:
     void faultChanged();
+    /// A station has got this reading: "21.50,45.10", "----" for a missing value.
+    void readingServed(const QByteArray &values);
 
 private:
     Reply alarmReply(const QByteArray &command);

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "support/RecordedRows.h"
+
+#include <QStringList>
+
+namespace loggersim {
+class SimLogger;
+}
+
+/// Every reading that a logger has served, as it must stand in the recording: six significant digits, NULL for "----".
+class ServedReadings
+{
+public:
+    /// Listens to @p logger, which must not outlive this.
+    explicit ServedReadings(loggersim::SimLogger *logger);
+    ServedReadings(const ServedReadings &) = delete;
+    ServedReadings &operator=(const ServedReadings &) = delete;
+
+    QString serial() const { return m_serial; }
+    int count() const { return int(m_readings.size()); }
+
+    /// What is wrong with a recording's rows, by time, in which each of these readings must be exactly once and in
+    /// order: an empty text when nothing is. The last reading may be missing if @p lastMayMiss, because it was on its
+    /// way when the recording stopped.
+    QString differences(const QList<RecordedRow> &rows, bool lastMayMiss = true) const;
+    /// The readings from number @p first on that are not in the recording. The last one may be missing.
+    QStringList missingSince(int first, const QList<RecordedRow> &rows) const;
+
+private:
+    QString m_serial;
+    QStringList m_readings;
+};
