@@ -9,6 +9,7 @@
 #include "dialogs/SharpPixmap.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
+#include "views/ContentMinimum.h"
 #include "views/ProjectCenter.h"
 
 #include <QAction>
@@ -63,6 +64,7 @@ void SorvantoMain::buildForm()
     m_form->setupUi(this);
     new QVBoxLayout(m_form->centralFrame);
     m_form->centralFrame->layout()->setContentsMargins(0, 0, 0, 0);
+    new ContentMinimum(m_form->centralFrame);
     setWindowTitle(QStringLiteral("Sorvanto Lite"));
     m_form->label_version->setText(versionText());
     m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")));
