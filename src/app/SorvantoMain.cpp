@@ -9,6 +9,7 @@
 #include "dialogs/SharpPixmap.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
+#include "views/ContentMinimum.h"
 #include "views/ProjectCenter.h"
 
 #include <QAction>
@@ -63,6 +64,7 @@ void SorvantoMain::buildForm()
     m_form->setupUi(this);
     new QVBoxLayout(m_form->centralFrame);
     m_form->centralFrame->layout()->setContentsMargins(0, 0, 0, 0);
+    new ContentMinimum(m_form->centralFrame);
     setWindowTitle(QStringLiteral("Sorvanto Lite"));
     m_form->label_version->setText(versionText());
     m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")));
@@ -164,9 +166,15 @@ ConfiguredDevice *SorvantoMain::deviceOf(const QString &key) const
 
 AvailDevice *SorvantoMain::availDeviceOf(const QString &key) const
 {
-    const auto found = std::find_if(m_availDeviceList.cbegin(), m_availDeviceList.cend(),
-                                    [&key](const AvailDevice *record) { return record->key == key; });
-    return found == m_availDeviceList.cend() ? nullptr : *found;
+    return m_availDeviceIndex.value(key);
+}
+
+AvailDevice *SorvantoMain::addAvailDevice(const QString &key, InterfaceKind kind)
+{
+    auto *record = new AvailDevice{key, {}, defaultDevicePort, kind};
+    m_availDeviceList.append(record);
+    m_availDeviceIndex.insert(key, record);
+    return record;
 }
 
 void SorvantoMain::refreshActions()

@@ -3,6 +3,7 @@
 #include "app/SorvantoMain.h"
 #include "app/TerminationSignals.h"
 #include "dialogs/SharpPixmap.h"
+#include "views/Fonts.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -40,11 +41,9 @@ void enableHighDensity()
 
 void useStationFont()
 {
-    const QString face = QStringLiteral("Segoe UI");
-    QFont::insertSubstitutions(face, {QStringLiteral("Open Sans"), QStringLiteral("Noto Sans")});
-    QFont::insertSubstitutions(QStringLiteral("Arial"), {QStringLiteral("Liberation Sans")});
+    installFontSubstitutes();
     // Widgets under a style sheet do not inherit their window's font.
-    QApplication::setFont(QFont(face, textPointSize));
+    QApplication::setFont(QFont(QStringLiteral("Segoe UI"), textPointSize));
 }
 
 QSplashScreen *showSplash()

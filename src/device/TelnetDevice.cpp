@@ -7,10 +7,18 @@
 #include <QHostAddress>
 #include <QNetworkProxy>
 
+namespace {
+
+constexpr qint64 readBufferSize = 64 * 1024;
+
+} // namespace
+
 TelnetDevice::TelnetDevice(QObject *parent) : QObject(parent), m_socket(new QTcpSocket(this))
 {
     // Loggers stand in the local network; a proxy set for the desktop does not lead to them.
     m_socket->setProxy(QNetworkProxy::NoProxy);
+    // However much a logger sends, the others get their turn.
+    m_socket->setReadBufferSize(readBufferSize);
     m_socket->setSocketOption(QAbstractSocket::KeepAliveOption, 0);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
 

@@ -14,11 +14,12 @@ QSize ElidingDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
 bool ElidingDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                                 const QModelIndex &index)
 {
-    const int wanted = QStyledItemDelegate::sizeHint(option, index).width();
-    if (event->type() != QEvent::ToolTip || wanted <= option.rect.width())
+    if (event->type() != QEvent::ToolTip || !index.isValid())
         return QStyledItemDelegate::helpEvent(event, view, option, index);
-    const QString name = index.data(Qt::DisplayRole).toString();
-    const QString tip = index.data(Qt::ToolTipRole).toString();
-    QToolTip::showText(event->globalPos(), plainToolTip(name + QLatin1Char('\n') + tip), view->viewport());
+    QString tip = index.data(Qt::ToolTipRole).toString();
+    if (QStyledItemDelegate::sizeHint(option, index).width() > option.rect.width())
+        tip = plainToolTip(index.data(Qt::DisplayRole).toString() + QLatin1Char('\n') + tip);
+    // A tool tip looks like the widget it is for: that must not be a list without a background.
+    QToolTip::showText(event->globalPos(), tip, view->window());
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "ui_ProjectCenter.h"
+#include "views/ContentMinimum.h"
 #include "views/DashboardTab.h"
 #include "views/ProjectList.h"
 
@@ -39,6 +40,7 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
     boardLayout->setContentsMargins(0, 0, 0, 0);
     boardLayout->setSpacing(0);
     boardLayout->addWidget(m_dashboards);
+    new ContentMinimum(m_form->widget_board);
     m_form->label_record_error->hide();
     connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
 }

@@ -6,8 +6,21 @@
 #include "views/ElidingDelegate.h"
 
 #include <QPointer>
+#include <QScrollBar>
 #include <QShortcut>
 #include <algorithm>
+
+namespace {
+
+// The list's own style sheet would leave its scroll bar nothing but outlines.
+const QString scrollBarStyle = QStringLiteral(
+    "QScrollBar:vertical { background: transparent; border: none; width: 8px; margin: 0px; }"
+    "QScrollBar::handle:vertical { background: rgb(110, 114, 118); border-radius: 4px; min-height: 24px; }"
+    "QScrollBar::handle:vertical:hover { background: rgb(150, 154, 158); }"
+    "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0px; }"
+    "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: transparent; }");
+
+} // namespace
 
 /// A device's row, and what the device sees of it.
 class ProjectList::Row : public ListEntry
@@ -50,6 +63,7 @@ ProjectList::ProjectList(const QString &projectName, QWidget *parent)
     m_form->setupUi(this);
     m_form->button_project->setText(QString(projectName).replace(QLatin1Char('&'), QStringLiteral("&&")));
     m_form->list_project->setItemDelegate(new ElidingDelegate(m_form->list_project));
+    m_form->list_project->verticalScrollBar()->setStyleSheet(scrollBarStyle);
     connect(m_form->button_project, &QAbstractButton::clicked, this, &ProjectList::slotPushDashboard);
     connect(m_form->list_project, &QListWidget::itemClicked, this,
             QOverload<QListWidgetItem *>::of(&ProjectList::deviceClicked));

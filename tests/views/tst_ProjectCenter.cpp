@@ -130,8 +130,7 @@ private slots:
     void namesTheProjectByItsFile()
     {
         ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
-        QCOMPARE(center.findChild<QPushButton *>(QStringLiteral("button_project"))->text(),
-                 QStringLiteral("Kitchen"));
+        QCOMPARE(center.findChild<QPushButton *>(QStringLiteral("button_project"))->text(), QStringLiteral("Kitchen"));
     }
 };
 

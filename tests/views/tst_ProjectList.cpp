@@ -1,10 +1,14 @@
 #include "device/ConfiguredDevice.h"
 #include "views/ProjectList.h"
 
+#include <QHelpEvent>
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextDocument>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 
 namespace {
 
@@ -91,6 +95,74 @@ private slots:
         QCOMPARE(clicked.takeFirst().at(0).value<ConfiguredDevice *>(), nullptr);
     }
 
+    void keysOpenTheCurrentRow_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::newRow("Return") << Qt::Key_Return;
+        QTest::newRow("Enter") << Qt::Key_Enter;
+    }
+
+    void keysOpenTheCurrentRow()
+    {
+        QFETCH(Qt::Key, key);
+        m_list->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_list.get()));
+        m_items->setFocus();
+        m_items->setCurrentRow(1);
+        QSignalSpy clicked(m_list.get(), QOverload<ConfiguredDevice *>::of(&ProjectList::deviceClicked));
+        QTest::keyClick(m_items, key);
+        QCOMPARE(clicked.count(), 1);
+        QCOMPARE(clicked.first().first().value<ConfiguredDevice *>(), m_nameless.get());
+    }
+
+    void aDeviceListedTwiceKeepsItsLastRow()
+    {
+        m_list->setDevices({m_named.get()});
+        QCOMPARE(m_items->count(), 3);
+        m_named->deviceConnected();
+        QVERIFY(shows(m_items->item(0), disconnectedPicture));
+        QVERIFY(shows(m_items->item(2), connectedPicture));
+        m_list->selectDevice(m_named.get());
+        QCOMPARE(m_items->selectedItems(), QList<QListWidgetItem *>{m_items->item(2)});
+        QSignalSpy clicked(m_list.get(), QOverload<ConfiguredDevice *>::of(&ProjectList::deviceClicked));
+        emit m_items->itemClicked(m_items->item(0));
+        QCOMPARE(clicked.first().first().value<ConfiguredDevice *>(), nullptr);
+    }
+
+    void rowsOutliveTheirDevices()
+    {
+        m_named->detachViews();
+        m_named = std::make_unique<ConfiguredDevice>(QStringLiteral("another"), NetworkInterface);
+        QSignalSpy clicked(m_list.get(), QOverload<ConfiguredDevice *>::of(&ProjectList::deviceClicked));
+        emit m_items->itemClicked(m_items->item(0));
+        QCOMPARE(clicked.first().first().value<ConfiguredDevice *>(), nullptr);
+        m_list->refresh();
+        QCOMPARE(m_items->item(0)->text(), QStringLiteral("Cold room"));
+        m_list->selectDevice(m_named.get());
+        m_list->selectDevice(nullptr);
+        QVERIFY(m_items->selectedItems().isEmpty());
+    }
+
+    void longNamesAreElidedWithTheWholeInTheToolTip()
+    {
+        const QString name = QStringLiteral("The <second> cold room of the warehouse.");
+        QCOMPARE(name.size(), 40);
+        m_named->setDeviceInfo(name, {}, {}, QStringLiteral("10.0.0.7"), 23);
+        m_list->refresh();
+        m_list->resize(200, 404);
+        m_list->show();
+        QVERIFY(m_items->visualItemRect(m_items->item(0)).width() <= m_items->viewport()->width());
+        QCOMPARE(toolTipOf(0), QStringLiteral("The <second> cold room of the warehouse. 10.0.0.7"));
+        QCOMPARE(toolTipOf(1), QStringLiteral("ttyACM0"));
+    }
+
+    void projectNameIsPlainText()
+    {
+        const ProjectList list(QStringLiteral("Heat & Cold"));
+        QCOMPARE(list.findChild<QPushButton *>(QStringLiteral("button_project"))->text(),
+                 QStringLiteral("Heat && Cold"));
+    }
+
     void projectButtonLeadsToTheDashboards()
     {
         auto *button = m_list->findChild<QPushButton *>(QStringLiteral("button_project"));
@@ -101,6 +173,16 @@ private slots:
     }
 
 private:
+    /// The text that pops up over a row, as it is read.
+    QString toolTipOf(int row)
+    {
+        const QPoint position = m_items->visualItemRect(m_items->item(row)).center();
+        QHelpEvent help(QEvent::ToolTip, position, m_items->viewport()->mapToGlobal(position));
+        QCoreApplication::sendEvent(m_items->viewport(), &help);
+        const QString tip = QToolTip::text();
+        return (Qt::mightBeRichText(tip) ? QTextDocumentFragment::fromHtml(tip).toPlainText() : tip).simplified();
+    }
+
     std::unique_ptr<ConfiguredDevice> m_named;
     std::unique_ptr<ConfiguredDevice> m_nameless;
     std::unique_ptr<ProjectList> m_list;

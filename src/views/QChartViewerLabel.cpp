@@ -1,0 +1,7 @@
+#include "views/QChartViewerLabel.h"
+
+void QChartViewerLabel::resizeEvent(QResizeEvent *event)
+{
+    QLabel::resizeEvent(event);
+    emit refreshChart();
+}

@@ -1,0 +1,179 @@
+#include "views/TrackCursor.h"
+
+#include "device/DataInterval.h"
+#include "device/DeviceViews.h"
+#include "views/chart/Colour.h"
+#include "views/chart/NoValue.h"
+#include "views/chart/XYChart.h"
+
+#include <QDateTime>
+#include <algorithm>
+
+namespace {
+
+constexpr quint32 dashColour = 0x80f4f4f4;
+constexpr quint32 timeBoxColour = 0x373737;
+constexpr quint32 timeColour = 0xe6e6e6;
+constexpr quint32 textColour = 0xffffff;
+
+constexpr int textPoints = 8;
+constexpr int timeDistance = 6;
+constexpr int dotRadius = 4;
+constexpr int valueDistance = 5;
+constexpr int captionDistance = 3;
+constexpr int legendIndent = 5;
+constexpr int dateIndent = 100;
+constexpr int spanIndent = 240;
+constexpr int captionGap = 8;
+
+QString valueText(double value)
+{
+    constexpr int longest = 16;
+    if (!chart::isValue(value))
+        return QStringLiteral("N/A");
+    const QString text = QString::number(value, 'f', 2);
+    return text.size() <= longest ? text : QString::number(value, 'g');
+}
+
+QString timeText(double seconds, const QString &format)
+{
+    return QDateTime::fromSecsSinceEpoch(qint64(seconds)).toString(format);
+}
+
+QString padded(const QString &text)
+{
+    return QLatin1Char(' ') + text + QLatin1Char(' ');
+}
+
+/// One drawing of the cursor.
+class Cursor
+{
+public:
+    Cursor(chart::XYChart &picture, int x)
+        : m_chart(picture),
+          m_layer(picture.dynamicLayer()),
+          m_plot(picture.plotArea()),
+          m_bold(chart::textFont(picture.fontFamily(), textPoints, true)),
+          m_regular(chart::textFont(picture.fontFamily(), textPoints, false)),
+          m_x(std::clamp(x, m_plot.left(), m_plot.right())),
+          m_time(picture.nearestXValue(m_x))
+    {
+        if (m_time)
+            m_x = *m_chart.xCoordinate(*m_time);
+    }
+
+    void draw(qint32 intervalMs)
+    {
+        m_layer.addDashedLine(m_x, m_plot.top(), m_plot.bottom(), chart::colour(dashColour), 1, 1);
+        drawTime();
+        drawValues();
+        drawCaptions(intervalMs);
+    }
+
+private:
+    chart::TextBlock block(const QFont &font) const { return {font, chart::colour(textColour)}; }
+
+    void drawTime()
+    {
+        if (!m_time)
+            return;
+        chart::TextBlock text = block(m_bold);
+        text.addBoxed(padded(timeText(*m_time, QStringLiteral("hh:mm:ss"))), chart::colour(timeBoxColour),
+                      chart::colour(timeColour));
+        const int width = int(text.size().width());
+        const int left = std::max(0, std::min(m_x - width / 2, m_chart.size().width() - width));
+        const QPointF corner(left, m_plot.bottom() + timeDistance);
+        hideAxisLabels({corner, text.size()});
+        m_layer.addText(text, corner, Qt::AlignLeft | Qt::AlignTop);
+    }
+
+    /// Of a label half covered, the rest would be left to puzzle over.
+    void hideAxisLabels(const QRectF &cover)
+    {
+        for (const QRectF &place : m_chart.xLabelPlaces()) {
+            if (place.intersects(cover))
+                m_layer.addBox(place, m_chart.background());
+        }
+    }
+
+    void drawValues()
+    {
+        if (!m_time)
+            return;
+        for (const auto &layer : m_chart.layers()) {
+            const int index = layer->nearestIndex(*m_time, *m_chart.xAxis().range());
+            if (index < 0)
+                continue;
+            for (const auto &dataSet : layer->dataSets()) {
+                if (!dataSet->name.isEmpty() && dataSet->colour.alpha() > 0)
+                    drawValue(*dataSet, size_t(index));
+            }
+        }
+    }
+
+    void drawValue(const chart::DataSet &dataSet, size_t index)
+    {
+        const double value = index < dataSet.values.size() ? dataSet.values[index] : chart::noValue;
+        chart::TextBlock entry = block(m_bold);
+        entry.addLineIcon(dataSet.colour).add(padded(dataSet.name + QLatin1Char(':')));
+        entry.addBoxed(padded(valueText(value)), dataSet.colour);
+        m_legend.push_back(entry);
+
+        const std::optional<int> y = m_chart.yCoordinate(value);
+        if (!y || *y < m_plot.top() || *y > m_plot.bottom())
+            return;
+        m_layer.addDot({m_x, *y}, dotRadius, dataSet.colour);
+        chart::TextBlock label = block(m_bold);
+        label.addBoxed(padded(valueText(value)), dataSet.colour);
+        if (m_x <= (m_plot.left() + m_plot.right()) / 2)
+            m_layer.addText(label, QPointF(m_x + valueDistance, *y), Qt::AlignLeft | Qt::AlignVCenter);
+        else
+            m_layer.addText(label, QPointF(m_x - valueDistance, *y), Qt::AlignRight | Qt::AlignVCenter);
+    }
+
+    /// A caption that its predecessor reaches into moves to the right; the last is left out where it cannot stand.
+    void drawCaptions(qint32 intervalMs)
+    {
+        chart::TextBlock legend = block(m_bold);
+        std::for_each(m_legend.crbegin(), m_legend.crend(), [&](const chart::TextBlock &entry) { legend.add(entry); });
+        double taken = addCaption(legend, m_plot.left() + legendIndent);
+        if (m_time) {
+            chart::TextBlock date = block(m_regular);
+            date.add(QStringLiteral("[ %1 ]").arg(timeText(*m_time, QStringLiteral("yyyy-MM-dd hh:mm:ss"))));
+            taken = addCaption(date, std::max(double(m_plot.left() + dateIndent), taken));
+        }
+        chart::TextBlock span = block(m_regular);
+        span.add(QStringLiteral("View Length : %1 samples").arg(historyLength));
+        span.add(QStringLiteral("   Interval : %1 ").arg(intervalText(intervalMs)));
+        const double spanLeft = m_plot.right() - spanIndent;
+        if (spanLeft >= taken)
+            addCaption(span, spanLeft);
+    }
+
+    /// Returns from where on the next caption may stand.
+    double addCaption(const chart::TextBlock &text, double left)
+    {
+        const double room = m_chart.size().width() - left;
+        m_layer.addText(text, QPointF(left, m_plot.top() - captionDistance), Qt::AlignLeft | Qt::AlignBottom, room);
+        return left + text.widthWithin(room) + captionGap;
+    }
+
+    chart::XYChart &m_chart;
+    chart::DynamicLayer &m_layer;
+    const chart::PlotArea &m_plot;
+    const QFont m_bold;
+    const QFont m_regular;
+    int m_x;
+    const std::optional<double> m_time;
+    std::vector<chart::TextBlock> m_legend;
+};
+
+} // namespace
+
+void drawTrackCursor(chart::XYChart &chart, int x, qint32 intervalMs)
+{
+    chart.dynamicLayer().clear();
+    if (chart.plotArea().isEmpty())
+        return;
+    Cursor(chart, x).draw(intervalMs);
+}
