@@ -17,6 +17,7 @@
 #include <QDateTime>
 #include <QMessageBox>
 #include <QTimer>
+#include <QUdpSocket>
 #include <QUuid>
 #include <algorithm>
 #include <utility>
@@ -54,9 +55,10 @@ SorvantoMain::~SorvantoMain()
     closeProject();
     stopTimers();
     closeOstrivaneDevices();
-    // Some sound backends run the event loop while their output is destroyed, so that must not wait for the children's
-    // turn, when this window is no longer whole.
+    // Some sound backends run the event loop while their output is destroyed, and the sockets report that they are
+    // gone; that must not wait for the children's turn, when this window is no longer whole.
     delete std::exchange(m_alarmSound, nullptr);
+    qDeleteAll(findChildren<QUdpSocket *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
 void SorvantoMain::buildForm()
