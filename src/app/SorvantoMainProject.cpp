@@ -78,6 +78,7 @@ void SorvantoMain::openProjectView()
 {
     m_projectCenter = new ProjectCenter(m_projectFile, this);
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
+    connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
     m_projectCenter->setDashboardNames(m_dashboardNames);

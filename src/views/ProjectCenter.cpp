@@ -1,7 +1,9 @@
 #include "views/ProjectCenter.h"
 
 #include "device/ConfiguredDevice.h"
+#include "dialogs/NetworkSettingDialog.h"
 #include "ui_ProjectCenter.h"
+#include "views/ChartView.h"
 #include "views/ContentMinimum.h"
 #include "views/DashboardTab.h"
 #include "views/ProjectList.h"
@@ -31,18 +33,26 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
       m_recordIcon(QStringLiteral(":/img/RecordButton.png")),
       m_recordStopIcon(QStringLiteral(":/img/RecordStopButton.png")),
       m_projectList(new ProjectList(QFileInfo(projectFile).baseName(), this)),
-      m_dashboards(new DashboardTab(this))
+      m_dashboards(new DashboardTab(this)),
+      m_chartView(new ChartView(this))
 {
     m_form->setupUi(this);
+    m_chartView->hide();
     auto *listLayout = new QVBoxLayout(m_form->widget_list);
     listLayout->addWidget(m_projectList);
-    auto *boardLayout = new QVBoxLayout(m_form->widget_board);
-    boardLayout->setContentsMargins(0, 0, 0, 0);
-    boardLayout->setSpacing(0);
-    boardLayout->addWidget(m_dashboards);
+    m_boardLayout = new QVBoxLayout(m_form->widget_board);
+    m_boardLayout->setContentsMargins(0, 0, 0, 0);
+    m_boardLayout->setSpacing(0);
+    m_boardLayout->addWidget(m_dashboards);
     new ContentMinimum(m_form->widget_board);
     m_form->label_record_error->hide();
+
     connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
+    connect(m_projectList, &ProjectList::dashboardClicked, this, &ProjectCenter::slotDashboardClicked);
+    connect(m_projectList, QOverload<ConfiguredDevice *>::of(&ProjectList::deviceClicked), this,
+            &ProjectCenter::slotDeviceClicked);
+    connect(m_dashboards, &DashboardTab::deviceClicked, this, &ProjectCenter::slotDeviceClicked);
+    connect(m_chartView, &ChartView::popupNetworkSetting, this, &ProjectCenter::slotNetworkSetting);
 }
 
 ProjectCenter::~ProjectCenter() = default;
@@ -126,4 +136,56 @@ void ProjectCenter::setRecordRange(const QString &start, const QString &end)
 void ProjectCenter::slotRecord()
 {
     emit clickRecord();
+}
+
+void ProjectCenter::slotDashboardClicked()
+{
+    m_dashboardsShowing = true;
+    m_chartView->clear();
+    if (m_currentDevice)
+        m_currentDevice->setChartView(nullptr);
+    showOnBoard(m_dashboards, m_chartView);
+    m_dashboards->refreshTiles();
+}
+
+void ProjectCenter::slotDeviceClicked(ConfiguredDevice *device)
+{
+    if (!device || (!m_dashboardsShowing && device == m_currentDevice))
+        return;
+    if (m_currentDevice)
+        m_currentDevice->setChartView(nullptr);
+    m_currentDevice = device;
+    m_projectList->selectDevice(device);
+    m_dashboardsShowing = false;
+    showOnBoard(m_chartView, m_dashboards);
+    m_chartView->clear();
+    m_chartView->setDevice(device);
+    device->setChartView(m_chartView);
+}
+
+void ProjectCenter::slotSensingConfirm()
+{
+    if (m_currentDevice)
+        m_currentDevice->checkAlarmAll();
+    m_projectList->refresh();
+    m_chartView->refreshHeader();
+    emit updateProjectFile();
+}
+
+void ProjectCenter::slotNetworkSetting()
+{
+    if (!m_currentDevice || m_currentDevice->interfaceKind() != NetworkInterface)
+        return;
+    // One that was closed by its window is hidden only.
+    delete m_networkDialog;
+    m_networkDialog = new NetworkSettingDialog(m_currentDevice, this);
+    m_networkDialog->show();
+}
+
+void ProjectCenter::showOnBoard(QWidget *shown, QWidget *hidden)
+{
+    m_boardLayout->removeWidget(hidden);
+    m_boardLayout->addWidget(shown);
+    hidden->hide();
+    shown->show();
 }

@@ -2,13 +2,17 @@
 
 #include <QIcon>
 #include <QList>
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 #include <memory>
 
+class ChartView;
 class ConfiguredDevice;
 class DashboardTab;
+class NetworkSettingDialog;
 class ProjectList;
+class QVBoxLayout;
 
 namespace Ui {
 class ProjectCenter;
@@ -47,14 +51,27 @@ public:
 
 signals:
     void clickRecord();
+    /// A device's options were changed: they are to be saved.
+    void updateProjectFile();
 
 private slots:
     void slotRecord();
+    void slotDashboardClicked();
+    void slotDeviceClicked(ConfiguredDevice *device);
+    void slotSensingConfirm();
+    void slotNetworkSetting();
 
 private:
+    void showOnBoard(QWidget *shown, QWidget *hidden);
+
     std::unique_ptr<Ui::ProjectCenter> m_form;
     QIcon m_recordIcon;
     QIcon m_recordStopIcon;
     ProjectList *m_projectList;
     DashboardTab *m_dashboards;
+    ChartView *m_chartView;
+    QVBoxLayout *m_boardLayout;
+    QPointer<ConfiguredDevice> m_currentDevice; ///< whose chart was opened last
+    bool m_dashboardsShowing = true;
+    QPointer<NetworkSettingDialog> m_networkDialog;
 };
