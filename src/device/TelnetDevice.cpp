@@ -54,6 +54,7 @@ void TelnetDevice::close()
         socket->close();
     }
     m_connected = false;
+    m_owesReply = false;
 }
 
 bool TelnetDevice::open()
@@ -78,6 +79,7 @@ bool TelnetDevice::startConnecting()
         logDevice() << "[ERROR] TelnetDevice::open : [" << m_address << "] is not an IP address";
         return false;
     }
+    m_owesReply = false;
     m_socket->connectToHost(target, m_port, QIODevice::ReadWrite);
     return m_socket && m_socket->isValid();
 }
@@ -116,6 +118,7 @@ qint64 TelnetDevice::writeCommand(const QByteArray &bytes)
     if (state != QAbstractSocket::ConnectedState)
         return 0;
     const qint64 written = m_socket->write(bytes);
+    m_owesReply = written > 0;
     if (written != bytes.size())
         logDevice() << "[ERROR] TelnetDevice::writeCommand : [" << m_address << "] buzzer flag :" << m_buzzerFlag
                     << " written : " << written;
@@ -154,6 +157,11 @@ quint16 TelnetDevice::port()
     return m_port;
 }
 
+bool TelnetDevice::owesReply() const
+{
+    return m_owesReply && socketState() == QAbstractSocket::ConnectedState;
+}
+
 bool TelnetDevice::buzzerFlag() const
 {
     return m_buzzerFlag;
@@ -179,7 +187,9 @@ void TelnetDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_socket)
         return;
-    QString text = wireText(m_socket->readAll());
+    const QByteArray bytes = m_socket->readAll();
+    m_owesReply = m_owesReply && !bytes.endsWith('\n') && !bytes.endsWith('\r');
+    QString text = wireText(bytes);
     if (!m_buzzerFlag) {
         if (closesAfterReply())
             close();
