@@ -1,4 +1,4 @@
-#include "views/ElidingDelegate.h"
+#include "dialogs/ElidingDelegate.h"
 
 #include "dialogs/PlainToolTip.h"
 
@@ -14,11 +14,11 @@ QSize ElidingDelegate::sizeHint(const QStyleOptionViewItem &option, const QModel
 bool ElidingDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                                 const QModelIndex &index)
 {
-    const int wanted = QStyledItemDelegate::sizeHint(option, index).width();
-    if (event->type() != QEvent::ToolTip || wanted <= option.rect.width())
+    if (event->type() != QEvent::ToolTip)
         return QStyledItemDelegate::helpEvent(event, view, option, index);
-    const QString name = index.data(Qt::DisplayRole).toString();
-    const QString tip = index.data(Qt::ToolTipRole).toString();
-    QToolTip::showText(event->globalPos(), plainToolTip(name + QLatin1Char('\n') + tip), view->viewport());
+    QString tip = index.data(Qt::ToolTipRole).toString();
+    if (QStyledItemDelegate::sizeHint(option, index).width() > option.rect.width())
+        tip.prepend(index.data(Qt::DisplayRole).toString() + QLatin1Char('\n'));
+    QToolTip::showText(event->globalPos(), plainToolTip(tip), view->viewport());
     return true;
 }
