@@ -205,7 +205,7 @@ private slots:
         const QString start = labelText(*m_station, "label_record_starttime");
         const QString end = labelText(*m_station, "label_record_endtime");
         m_station->slotCloseProject();
-        m_station->projectLoaded(m_fixture->projectPath(m_name));
+        loadAgain();
         QCOMPARE(labelText(*m_station, "label_record_starttime"), start);
         QCOMPARE(labelText(*m_station, "label_record_endtime"), end);
     }
@@ -329,7 +329,7 @@ private slots:
             pollUntilPending(3);
             m_station->slotCloseProject();
         }
-        m_station->projectLoaded(m_fixture->projectPath(m_name));
+        loadAgain();
         QCOMPARE(InsertSerialData::pendingCount(), 0);
         QCOMPARE(m_fixture->readingCount(m_name), 11);
         const QString end = latestTime();
@@ -347,7 +347,7 @@ private slots:
         QCOMPARE(InsertSerialData::pendingCount(), 8);
         QCOMPARE(shownMessages().size(), 1);
         m_station->slotCloseProject();
-        m_station->projectLoaded(m_fixture->projectPath(m_name));
+        loadAgain();
         QCOMPARE(m_fixture->readingCount(m_name), 8);
     }
 
@@ -394,6 +394,13 @@ private:
         QTRY_COMPARE(m_fixture->served(), loggers);
         for (const ConfiguredDevice *device : m_station->configuredDevices())
             QTRY_VERIFY(device->isConnected());
+    }
+
+    void loadAgain()
+    {
+        // The panel of the closed project must be gone, or its labels are found instead of the new ones.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        m_station->projectLoaded(m_fixture->projectPath(m_name));
     }
 
     void pollUntilPending(int count)
