@@ -17,6 +17,7 @@
 #include <QDateTime>
 #include <QMessageBox>
 #include <QTimer>
+#include <QUdpSocket>
 #include <QUuid>
 #include <algorithm>
 #include <utility>
@@ -54,9 +55,10 @@ SorvantoMain::~SorvantoMain()
     closeProject();
     stopTimers();
     closeOstrivaneDevices();
-    // Some sound backends run the event loop while their output is destroyed, so that must not wait for the children's
-    // turn, when this window is no longer whole.
+    // Some sound backends run the event loop while their output is destroyed, and the sockets report that they are
+    // gone; that must not wait for the children's turn, when this window is no longer whole.
     delete std::exchange(m_alarmSound, nullptr);
+    qDeleteAll(findChildren<QUdpSocket *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
 void SorvantoMain::buildForm()
@@ -166,9 +168,15 @@ ConfiguredDevice *SorvantoMain::deviceOf(const QString &key) const
 
 AvailDevice *SorvantoMain::availDeviceOf(const QString &key) const
 {
-    const auto found = std::find_if(m_availDeviceList.cbegin(), m_availDeviceList.cend(),
-                                    [&key](const AvailDevice *record) { return record->key == key; });
-    return found == m_availDeviceList.cend() ? nullptr : *found;
+    return m_availDeviceIndex.value(key);
+}
+
+AvailDevice *SorvantoMain::addAvailDevice(const QString &key, InterfaceKind kind)
+{
+    auto *record = new AvailDevice{key, {}, defaultDevicePort, kind};
+    m_availDeviceList.append(record);
+    m_availDeviceIndex.insert(key, record);
+    return record;
 }
 
 void SorvantoMain::refreshActions()
@@ -187,9 +195,11 @@ void SorvantoMain::writeDevice()
 
 void SorvantoMain::slotStdTimer()
 {
-    m_form->label_datetime->setText(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    m_form->label_datetime->setText(now);
+    writeRowsLeftOver();
     if (m_projectCenter)
-        updateRecordRange();
+        updateRecordRange(now);
     checkAlarmSound();
 }
 

@@ -5,6 +5,7 @@
 #include "project/AppSettings.h"
 
 #include <QAudio>
+#include <QHash>
 #include <QHostAddress>
 #include <QList>
 #include <QPixmap>
@@ -98,6 +99,7 @@ private:
     void checkAlarmSound();
     ConfiguredDevice *deviceOf(const QString &key) const;
     AvailDevice *availDeviceOf(const QString &key) const;
+    AvailDevice *addAvailDevice(const QString &key, InterfaceKind kind);
     void refreshActions();
 
     // USB loggers
@@ -114,7 +116,10 @@ private:
     bool createInsertSerialData(const QString &path);
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
-    void updateRecordRange();
+    void writeRowsLeftOver();
+    void saveRecordRange(quint32 start, quint32 end);
+    void showRecordRange(quint32 start, quint32 end);
+    void updateRecordRange(const QString &now);
     void slotWritingFailed(const QString &reason);
     void slotWritingRestored();
 
@@ -141,7 +146,8 @@ private:
     QString m_projectFile;
     QList<ConfiguredDevice *> m_configuredDevices;
     QList<AvailDevice *> m_availDeviceList;
-    QList<AvailDevice *> m_serialDeviceList; // the USB records of m_availDeviceList
+    QHash<QString, AvailDevice *> m_availDeviceIndex; // of m_availDeviceList, by key
+    QList<AvailDevice *> m_serialDeviceList;          // the USB records of m_availDeviceList
     QStringList m_dashboardNames;
     QString m_databasePath;
     QString m_dbConnectionName;

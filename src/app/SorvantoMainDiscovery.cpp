@@ -39,8 +39,8 @@ void SorvantoMain::broadcastDevice()
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->localPort :" << replyPort;
     const bool bound = m_rcvUdpSocket->bind(local, replyPort, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_rcvUdpSocket->bind :" << bound;
-    qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->write :"
-                   << m_sndUdpSocket->write(discoveryRequest());
+    const qint64 written = m_sndUdpSocket->write(discoveryRequest());
+    qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->write :" << written;
     m_sndUdpSocket->disconnectFromHost();
 }
 
@@ -107,10 +107,8 @@ void SorvantoMain::mergeDiscovered(const DiscoveryReply &reply)
     qCDebug(lcApp) << "portnumber :" << reply.announcedPort;
 
     AvailDevice *record = availDeviceOf(reply.macAddress);
-    if (!record) {
-        record = new AvailDevice{reply.macAddress, {}, defaultDevicePort, NetworkInterface};
-        m_availDeviceList.append(record);
-    }
+    if (!record)
+        record = addAvailDevice(reply.macAddress, NetworkInterface);
     record->address = reply.ipAddress;
     record->port = port;
 }

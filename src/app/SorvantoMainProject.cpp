@@ -69,7 +69,7 @@ void SorvantoMain::adoptDevices(const QList<DeviceEntry> &entries)
         }
         configure(*device, entry, m_menus->keepAlive->isChecked());
         // The stored port may be another logger's by now; the USB watch hands out the present one.
-        if (entry.interfaceKind == UsbInterface)
+        if (device->interfaceKind() == UsbInterface)
             device->forgetPort();
     }
 }

@@ -20,11 +20,6 @@ constexpr int writeDbTimerMs = 1500;
 constexpr int batchOfOneDevice = 8;
 constexpr int batchOfSeveralDevices = 16;
 
-QString now()
-{
-    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-}
-
 QString localTimeText(quint32 unixSeconds)
 {
     if (unixSeconds == 0)
@@ -50,6 +45,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
         return false;
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
+    writeRowsLeftOver();
     m_projectCenter->setRecordRange(localTimeText(m_insertSerialData->startDateTime()),
                                     localTimeText(m_insertSerialData->endDateTime()));
     return true;
@@ -114,20 +110,46 @@ void SorvantoMain::slotStopRecord()
         m_insertSerialData->insertNow();
         start = m_insertSerialData->startDateTime();
         end = m_insertSerialData->endDateTime();
-        ProjectFile file(m_projectFile);
-        if (start != 0)
-            file.setRecordStartTime(localTimeText(start));
-        if (end != 0)
-            file.setRecordStopTime(localTimeText(end));
+        saveRecordRange(start, end);
     }
     m_form->label_record_state->setPixmap(m_readyPixmap);
+    if (m_projectCenter)
+        m_projectCenter->setRecordState(false);
+    showRecordRange(start, end);
+}
+
+void SorvantoMain::saveRecordRange(quint32 start, quint32 end)
+{
+    ProjectFile file(m_projectFile);
+    if (start != 0)
+        file.setRecordStartTime(localTimeText(start));
+    if (end != 0)
+        file.setRecordStopTime(localTimeText(end));
+}
+
+void SorvantoMain::showRecordRange(quint32 start, quint32 end)
+{
     if (!m_projectCenter)
         return;
-    m_projectCenter->setRecordState(false);
     if (start != 0)
         m_projectCenter->setStartTimeText(localTimeText(start));
     if (end != 0)
         m_projectCenter->setEndTimeText(localTimeText(end));
+}
+
+/// Rows that could not be written when the recording stopped, or when the project was closed the last time. While the
+/// station records they go with the next batch.
+void SorvantoMain::writeRowsLeftOver()
+{
+    if (m_bIsRecordStart || !m_insertSerialData || InsertSerialData::pendingCount() == 0)
+        return;
+    m_insertSerialData->insertNow();
+    if (InsertSerialData::pendingCount() > 0)
+        return;
+    const quint32 start = m_insertSerialData->startDateTime();
+    const quint32 end = m_insertSerialData->endDateTime();
+    saveRecordRange(start, end);
+    showRecordRange(start, end);
 }
 
 void SorvantoMain::writeDb()
@@ -139,7 +161,7 @@ void SorvantoMain::writeDb()
         m_insertSerialData->insertNow();
 }
 
-void SorvantoMain::updateRecordRange()
+void SorvantoMain::updateRecordRange(const QString &now)
 {
     if (!m_projectCenter->startTimeText().isEmpty() && !m_projectCenter->endTimeText().isEmpty()) {
         const QFileInfo database(m_databasePath);
@@ -147,7 +169,7 @@ void SorvantoMain::updateRecordRange()
             m_projectCenter->setDatabaseSize(database.size());
     }
     if (m_bIsRecordStart)
-        m_projectCenter->setEndTimeText(now());
+        m_projectCenter->setEndTimeText(now);
 }
 
 void SorvantoMain::slotWritingFailed(const QString &reason)

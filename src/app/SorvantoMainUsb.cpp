@@ -60,8 +60,8 @@ void SorvantoMain::mergeUsbLoggers(const QList<UsbLogger> &found)
             }
             continue;
         }
-        auto *record = new AvailDevice{logger.serialNumber, logger.portName, defaultDevicePort, UsbInterface};
-        m_availDeviceList.append(record);
+        AvailDevice *record = addAvailDevice(logger.serialNumber, UsbInterface);
+        record->address = logger.portName;
         m_serialDeviceList.append(record);
         m_usbPresentBefore = false;
     }
@@ -113,6 +113,7 @@ void SorvantoMain::closeSerialDevices()
             << "closeSerialDevices:[" << record->address << "],serial no:[" << record->key << "]";
         if (!m_availDeviceList.removeOne(record))
             qCDebug(lcApp).noquote() << "closeSerialDevices() m_availDeviceList.removeOne false :";
+        m_availDeviceIndex.remove(record->key);
         delete record;
     }
     m_serialDeviceList.clear();
@@ -126,5 +127,6 @@ void SorvantoMain::closeOstrivaneDevices()
         delete record;
     }
     m_availDeviceList.clear();
+    m_availDeviceIndex.clear();
     m_serialDeviceList.clear();
 }

@@ -3,7 +3,8 @@
 #include <QObject>
 #include <memory>
 
-/// Turns the system's requests to end the program (SIGTERM, SIGINT) into a signal on the event loop.
+/// Turns the system's requests to end the program (SIGTERM, SIGINT, and SIGHUP unless that was ignored before)
+/// into a signal on the event loop. A closed pipe behind the diagnostics no longer ends the program.
 /// At most one object of this class may exist at a time.
 class TerminationSignals : public QObject
 {

@@ -13,7 +13,7 @@ namespace {
 // A signal handler may do little more than write to a pipe; the event loop reads the other end.
 std::array<int, 2> signalPipe{-1, -1};
 
-constexpr std::array<int, 2> handledSignals{SIGTERM, SIGINT};
+constexpr std::array<int, 3> handledSignals{SIGTERM, SIGINT, SIGHUP};
 
 void writeToPipe(int)
 {
@@ -24,13 +24,22 @@ void writeToPipe(int)
     errno = errorBefore;
 }
 
+/// Started to outlive its terminal, as nohup does it.
+bool outlivesItsTerminal()
+{
+    struct sigaction action = {};
+    return ::sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 void setHandler(void (*handler)(int))
 {
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (int number : handledSignals)
-        ::sigaction(number, &action, nullptr);
+    for (int number : handledSignals) {
+        if (number != SIGHUP || !outlivesItsTerminal())
+            ::sigaction(number, &action, nullptr);
+    }
 }
 
 } // namespace
@@ -55,6 +64,8 @@ TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent), d(std
         emit terminationRequested();
     });
     setHandler(writeToPipe);
+    // Whoever read the diagnostics may leave; that must not end a recording.
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 TerminationSignals::~TerminationSignals()

@@ -37,6 +37,9 @@ ConfiguredDevice::ConfiguredDevice(const QString &serialNumber, int interfaceKin
         m_link->connect(SIGNAL(writeStartSync()), this, SLOT(slotWriteStartSync()));
     }
     m_link->connect(SIGNAL(readyRead(QString)), this, SLOT(readData(QString)));
+
+    m_owedReplyTimer.setSingleShot(true);
+    connect(&m_owedReplyTimer, &QTimer::timeout, this, &ConfiguredDevice::beginExchange);
 }
 
 ConfiguredDevice::~ConfiguredDevice()
@@ -241,6 +244,7 @@ bool ConfiguredDevice::openDevice()
 
 void ConfiguredDevice::closeDevice()
 {
+    m_owedReplyTimer.stop(); // what waits for it would open the link again
     m_link->close();
 }
 
@@ -251,6 +255,6 @@ bool ConfiguredDevice::isOpen() const
 
 void ConfiguredDevice::forgetPort()
 {
-    m_link->close();
+    closeDevice();
     m_link->setDeviceInfo({}, m_port);
 }

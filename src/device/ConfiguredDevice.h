@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 #include <QObject>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -105,9 +106,13 @@ public:
     /// Queues a row without values one second after the last recorded one, so that a chart shows a gap.
     void insertNoValue();
 
-    /// Starts writing the pending range and rule into a network logger; polls rest until it has ended.
+    /// Starts writing the pending range and rule into a network logger; polls rest until it has ended. A reply that the
+    /// logger owes is awaited first, for a second at most.
     void startSyncTelnet();
     void stopSyncTelnet();
+    bool isExchangeRunning() const;
+    /// How many exchanges were started so far: tells whether the one that runs, or ran last, is still one's own.
+    int exchangeNumber() const;
 
     QDateTime pollTime() const;
     /// Replaces the source of the poll time.
@@ -139,6 +144,8 @@ private:
     void pushReading();
     void record(double value1, double value2);
 
+    void beginExchange();
+    void beginExchangeIfNothingIsOwed();
     void takeExchangeReply(const QString &reply);
     bool sendNextCommand();
     bool sendRule();
@@ -191,4 +198,6 @@ private:
     std::unique_ptr<AbstractDevice> m_link;
     TelnetDevice *m_telnet = nullptr; ///< the link, where it is a network link
     Exchange m_exchange = Exchange::Idle;
+    int m_exchangeNumber = 0;
+    QTimer m_owedReplyTimer; ///< runs while a started exchange lets an earlier reply come in first
 };

@@ -11,6 +11,9 @@
 
 namespace {
 
+/// Leaves the exchange half of the two seconds that the operator is made to wait at most.
+constexpr int owedReplyMs = 1000;
+
 QString limitCommand(const char *name, float limit)
 {
     return QLatin1String(name) + QLatin1Char(' ') + QString::number(static_cast<double>(limit), 'f', 2) +
@@ -23,9 +26,22 @@ void ConfiguredDevice::startSyncTelnet()
 {
     if (m_interfaceKind != NetworkInterface)
         return;
-    logDevice() << "- ConfiguredDevice::startSyncTelnet() : set buzzerflag true";
-    m_telnet->setBuzzerFlag(true);
+    ++m_exchangeNumber;
     m_exchange = Exchange::Started;
+    if (!m_telnet->owesReply()) {
+        beginExchange();
+        return;
+    }
+    // Taken for the acknowledgement of the first command, a reading on its way would end the exchange.
+    m_telnet->setBuzzerFlag(false);
+    m_owedReplyTimer.start(owedReplyMs);
+}
+
+void ConfiguredDevice::beginExchange()
+{
+    logDevice() << "- ConfiguredDevice::startSyncTelnet() : set buzzerflag true";
+    m_owedReplyTimer.stop();
+    m_telnet->setBuzzerFlag(true);
     if (dataIntervalMs <= 1000)
         m_telnet->write();
     else
@@ -46,9 +62,27 @@ void ConfiguredDevice::stopSyncTelnet()
         return;
     logDevice() << "- ConfiguredDevice::stopSyncTelnet() : set buzzerflag false";
     m_exchange = Exchange::Idle;
+    m_owedReplyTimer.stop();
     m_telnet->setBuzzerFlag(false);
     if (closesAfterExchange())
         m_telnet->close();
+}
+
+void ConfiguredDevice::beginExchangeIfNothingIsOwed()
+{
+    // From the event loop: the link, inside its socket's notification, may just have closed the connection.
+    if (m_owedReplyTimer.isActive() && !m_telnet->owesReply())
+        m_owedReplyTimer.start(0);
+}
+
+bool ConfiguredDevice::isExchangeRunning() const
+{
+    return m_exchange != Exchange::Idle;
+}
+
+int ConfiguredDevice::exchangeNumber() const
+{
+    return m_exchangeNumber;
 }
 
 void ConfiguredDevice::takeExchangeReply(const QString &reply)

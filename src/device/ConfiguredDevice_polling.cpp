@@ -111,7 +111,7 @@ void ConfiguredDevice::countMissedReply()
 
 void ConfiguredDevice::readData(const QString &text)
 {
-    if (m_interfaceKind == NetworkInterface && m_exchange != Exchange::Idle) {
+    if (m_interfaceKind == NetworkInterface && m_exchange != Exchange::Idle && !m_owedReplyTimer.isActive()) {
         takeExchangeReply(QString(text).remove(QLatin1Char('\n')));
         return;
     }
@@ -125,6 +125,8 @@ void ConfiguredDevice::readData(const QString &text)
             return;
         takeReading(reading);
     }
+    if (self)
+        beginExchangeIfNothingIsOwed();
 }
 
 void ConfiguredDevice::takeReading(const Reading &reading)
@@ -222,6 +224,7 @@ void ConfiguredDevice::deviceDisconnected()
     m_alarm1 = false;
     m_alarm2 = false;
     m_exchange = Exchange::Idle;
+    m_owedReplyTimer.stop();
     const QPointer<ConfiguredDevice> self(this);
     if (m_listItem)
         m_listItem->setConnectionState(false);

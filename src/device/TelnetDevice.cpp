@@ -7,10 +7,18 @@
 #include <QHostAddress>
 #include <QNetworkProxy>
 
+namespace {
+
+constexpr qint64 readBufferSize = 64 * 1024;
+
+} // namespace
+
 TelnetDevice::TelnetDevice(QObject *parent) : QObject(parent), m_socket(new QTcpSocket(this))
 {
     // Loggers stand in the local network; a proxy set for the desktop does not lead to them.
     m_socket->setProxy(QNetworkProxy::NoProxy);
+    // However much a logger sends, the others get their turn.
+    m_socket->setReadBufferSize(readBufferSize);
     m_socket->setSocketOption(QAbstractSocket::KeepAliveOption, 0);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
 
@@ -46,6 +54,7 @@ void TelnetDevice::close()
         socket->close();
     }
     m_connected = false;
+    m_owesReply = false;
 }
 
 bool TelnetDevice::open()
@@ -70,6 +79,7 @@ bool TelnetDevice::startConnecting()
         logDevice() << "[ERROR] TelnetDevice::open : [" << m_address << "] is not an IP address";
         return false;
     }
+    m_owesReply = false;
     m_socket->connectToHost(target, m_port, QIODevice::ReadWrite);
     return m_socket && m_socket->isValid();
 }
@@ -108,6 +118,7 @@ qint64 TelnetDevice::writeCommand(const QByteArray &bytes)
     if (state != QAbstractSocket::ConnectedState)
         return 0;
     const qint64 written = m_socket->write(bytes);
+    m_owesReply = written > 0;
     if (written != bytes.size())
         logDevice() << "[ERROR] TelnetDevice::writeCommand : [" << m_address << "] buzzer flag :" << m_buzzerFlag
                     << " written : " << written;
@@ -146,6 +157,11 @@ quint16 TelnetDevice::port()
     return m_port;
 }
 
+bool TelnetDevice::owesReply() const
+{
+    return m_owesReply && socketState() == QAbstractSocket::ConnectedState;
+}
+
 bool TelnetDevice::buzzerFlag() const
 {
     return m_buzzerFlag;
@@ -171,7 +187,9 @@ void TelnetDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_socket)
         return;
-    QString text = wireText(m_socket->readAll());
+    const QByteArray bytes = m_socket->readAll();
+    m_owesReply = m_owesReply && !bytes.endsWith('\n') && !bytes.endsWith('\r');
+    QString text = wireText(bytes);
     if (!m_buzzerFlag) {
         if (closesAfterReply())
             close();

@@ -35,6 +35,9 @@ public:
     /// The bytes accepted; 0 when there is no connection, which is then opened but the bytes are not sent.
     qint64 writeCommand(const QByteArray &bytes);
 
+    /// Whether a line of the logger's is still to come: it has not answered, or not in full, what was last sent on the
+    /// connection that stands.
+    bool owesReply() const;
     bool buzzerFlag() const;
     void setBuzzerFlag(bool on);
     bool keepConnection() const;
@@ -66,6 +69,7 @@ private:
     quint16 m_port = defaultDevicePort;
     QPointer<QTcpSocket> m_socket;
     bool m_connected = false;
+    bool m_owesReply = false;
     bool m_buzzerFlag = false;
     bool m_keepConnection = false;
     SignalDepth m_depth;

@@ -1,5 +1,6 @@
 #include "store/InsertSerialData.h"
 
+#include "store/FileIdentity.h"
 #include "store/InsertStatement.h"
 #include "store/Logging.h"
 #include "store/RecordingSchema.h"
@@ -93,11 +94,13 @@ bool InsertSerialData::createConnection()
 {
     if (connection().isOpen()) {
         m_open = true;
+        m_openedFile = fileIdentity(m_databaseFile);
         return true;
     }
     if (openConnection() && tuneForAppending(connection()) && createTable(connection())) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
+        m_openedFile = fileIdentity(m_databaseFile);
         takeInKeptRows();
         return true;
     }
@@ -126,6 +129,12 @@ void InsertSerialData::insertNow()
 {
     if (!m_open || queue().empty())
         return;
+    // The connection would go on writing into the file that was deleted or renamed, without a word.
+    if (fileIdentity(m_databaseFile) != m_openedFile) {
+        fail(Failure::Gone, QStringLiteral("The recording was deleted, moved or replaced. Readings wait in memory and "
+                                           "are stored when the project is opened again."));
+        return;
+    }
     if (m_freeSpace(m_folder) < std::max<quint64>(minimumFreeSpace, queue().size() * generousRowSize)) {
         fail(Failure::DiskNearlyFull,
              QStringLiteral("The disk is nearly full. Readings wait in memory until there is space again."));

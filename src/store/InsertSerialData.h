@@ -38,8 +38,9 @@ public:
     static void enqueue(const PendingRow &row);
     static int pendingCount();
 
-    /// Writes the whole queue in one transaction. While the file is locked by another program or the disk is nearly
-    /// full the rows stay queued. A statement that fails loses its rows; those of a failed commit stay queued.
+    /// Writes the whole queue in one transaction. While the file is locked by another program or gone from its place,
+    /// or the disk is nearly full, the rows stay queued. A statement that fails loses its rows; those of a failed
+    /// commit stay queued.
     void insertNow();
 
     /// Unix seconds of the earliest and the latest row; 0 for an empty table or a failed query.
@@ -47,14 +48,14 @@ public:
     quint32 endDateTime() const;
 
 signals:
-    /// Readings are not reaching the file. Until writing works again each kind of failure (file in use, disk nearly
-    /// full, write refused, readings lost) is told once; @p reason is a sentence for the operator.
+    /// Readings are not reaching the file. Until writing works again each kind of failure (file in use, file gone,
+    /// disk nearly full, write refused, readings lost) is told once; @p reason is a sentence for the operator.
     void writingFailed(const QString &reason);
     /// The first successful write after writingFailed().
     void writingRestored();
 
 private:
-    enum class Failure { InUse, DiskNearlyFull, Waiting, Lost };
+    enum class Failure { InUse, Gone, DiskNearlyFull, Waiting, Lost };
 
     QSqlDatabase connection() const;
     bool openConnection();
@@ -70,6 +71,7 @@ private:
 
     bool m_open = false;
     QString m_databaseFile;
+    QByteArray m_openedFile; ///< identity of the file behind the connection
     QString m_connectionName;
     QString m_folder;
     FreeSpace m_freeSpace;

@@ -1,9 +1,8 @@
 #include "views/ProjectList.h"
 
 #include "device/ConfiguredDevice.h"
-#include "dialogs/PlainToolTip.h"
+#include "dialogs/ElidingDelegate.h"
 #include "ui_ProjectList.h"
-#include "views/ElidingDelegate.h"
 
 #include <QPointer>
 #include <QScrollBar>
@@ -45,7 +44,7 @@ public:
         if (!m_device)
             return;
         m_item->setText(m_device->deviceName().isEmpty() ? m_device->serialNumber() : m_device->deviceName());
-        m_item->setToolTip(plainToolTip(m_device->address()));
+        m_item->setToolTip(m_device->address());
     }
 
 private:

@@ -143,6 +143,10 @@ void QChartViewer::setMinimumDrag(int pixels)
 void QChartViewer::setUpdateInterval(int ms)
 {
     m_updateHold.setInterval(ms);
+    if (ms > 0)
+        return;
+    m_updateHold.stop();
+    endUpdateHold();
 }
 
 void QChartViewer::setSelectionBorder(const QColor &colour, int width)

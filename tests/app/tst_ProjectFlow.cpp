@@ -150,6 +150,20 @@ private slots:
         QVERIFY(labelText(station, "label_projectname").endsWith(QStringLiteral("/Lab.tpc")));
     }
 
+    void aKeyListedTwiceIsOneDevice()
+    {
+        const DeviceEntry network = m_fixture->addLogger();
+        DeviceEntry usb = network;
+        usb.interfaceKind = UsbInterface;
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {network, usb});
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        QCOMPARE(station.configuredDevices().size(), 1);
+        // It stays what it was first, and is not treated as a USB logger that has to be found.
+        QCOMPARE(station.configuredDevices().first()->interfaceKind(), int(NetworkInterface));
+        QTRY_COMPARE(m_fixture->served(), 1);
+    }
+
     void showsTheStoredName()
     {
         m_fixture->writeProject(QStringLiteral("Kitchen"), {});

@@ -295,6 +295,62 @@ private slots:
         QCOMPARE(m_fixture->readingCount(m_name), 11);
     }
 
+    void rowsThatCouldNotBeWrittenAtTheStopAreWrittenLater()
+    {
+        open(1);
+        m_station->slotStartRecord();
+        pollUntilPending(8);
+        m_station->writeDb();
+        {
+            const Reader reader(m_fixture->recordingPath(m_name));
+            QVERIFY(reader.holdsTheFile());
+            pollUntilPending(3);
+            m_station->slotStopRecord();
+            QCOMPARE(InsertSerialData::pendingCount(), 4);
+        }
+        QTRY_COMPARE(InsertSerialData::pendingCount(), 0);
+        QCOMPARE(m_fixture->readingCount(m_name), 11);
+        QCOMPARE(m_fixture->rows(m_name).size(), 12);
+        const QString end = latestTime();
+        QCOMPARE(storedTime("record_stop_time"), end);
+        QCOMPARE(labelText(*m_station, "label_record_endtime"), end);
+        QVERIFY(child<QLabel>(*m_station, "label_record_error")->isHidden());
+    }
+
+    void keptRowsAreInTheRecordingOnceItIsOpen()
+    {
+        open(1);
+        m_station->slotStartRecord();
+        pollUntilPending(8);
+        m_station->writeDb();
+        {
+            const Reader reader(m_fixture->recordingPath(m_name));
+            QVERIFY(reader.holdsTheFile());
+            pollUntilPending(3);
+            m_station->slotCloseProject();
+        }
+        m_station->projectLoaded(m_fixture->projectPath(m_name));
+        QCOMPARE(InsertSerialData::pendingCount(), 0);
+        QCOMPARE(m_fixture->readingCount(m_name), 11);
+        const QString end = latestTime();
+        QCOMPARE(labelText(*m_station, "label_record_endtime"), end);
+        QCOMPARE(storedTime("record_stop_time"), end);
+    }
+
+    void aDeletedRecordingIsTold()
+    {
+        open(1);
+        m_station->slotStartRecord();
+        QVERIFY(QFile::remove(m_fixture->recordingPath(m_name)));
+        pollUntilPending(8);
+        m_station->writeDb();
+        QCOMPARE(InsertSerialData::pendingCount(), 8);
+        QCOMPARE(shownMessages().size(), 1);
+        m_station->slotCloseProject();
+        m_station->projectLoaded(m_fixture->projectPath(m_name));
+        QCOMPARE(m_fixture->readingCount(m_name), 8);
+    }
+
     void sixSignificantDigitsAndNoValue()
     {
         open(1);
@@ -363,6 +419,14 @@ private:
                 lastReading = qMax(lastReading, row.time);
         }
         QCOMPARE(gap, lastReading + 1);
+    }
+
+    QString latestTime() const
+    {
+        qint64 latest = 0;
+        for (const RecordedRow &row : m_fixture->rows(m_name))
+            latest = qMax(latest, row.time);
+        return QDateTime::fromSecsSinceEpoch(latest).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     }
 
     QString storedTime(const char *key) const

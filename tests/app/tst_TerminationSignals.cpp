@@ -14,11 +14,13 @@ private slots:
         QTest::addColumn<int>("number");
         QTest::newRow("SIGTERM") << SIGTERM;
         QTest::newRow("SIGINT") << SIGINT;
+        QTest::newRow("SIGHUP") << SIGHUP;
     }
 
     void deliversOnTheEventLoop()
     {
         QFETCH(int, number);
+        std::signal(number, SIG_DFL);
         TerminationSignals termination;
         QSignalSpy requested(&termination, &TerminationSignals::terminationRequested);
         QVERIFY(!termination.wasRequested());
@@ -37,14 +39,44 @@ private slots:
         QTRY_COMPARE(requested.count(), 1);
     }
 
+    void aProgramMayOutliveItsTerminal()
+    {
+        std::signal(SIGHUP, SIG_IGN);
+        {
+            TerminationSignals termination;
+            QSignalSpy requested(&termination, &TerminationSignals::terminationRequested);
+            QCOMPARE(::raise(SIGHUP), 0);
+            QCOMPARE(::raise(SIGTERM), 0);
+            QTRY_COMPARE(requested.count(), 1);
+            QVERIFY(handlerOf(SIGHUP) == SIG_IGN);
+        }
+        QVERIFY(handlerOf(SIGHUP) == SIG_IGN);
+        std::signal(SIGHUP, SIG_DFL);
+    }
+
+    void aClosedPipeEndsNothing()
+    {
+        std::signal(SIGPIPE, SIG_DFL);
+        TerminationSignals termination;
+        QVERIFY(handlerOf(SIGPIPE) == SIG_IGN);
+    }
+
     void restoresTheSystemsHandling()
     {
         {
             TerminationSignals termination;
         }
+        QVERIFY(handlerOf(SIGTERM) == SIG_DFL);
+    }
+
+private:
+    using Handler = void (*)(int);
+
+    static Handler handlerOf(int number)
+    {
         struct sigaction action = {};
-        QCOMPARE(::sigaction(SIGTERM, nullptr, &action), 0);
-        QVERIFY(action.sa_handler == SIG_DFL);
+        ::sigaction(number, nullptr, &action);
+        return action.sa_handler;
     }
 };
 

@@ -18,6 +18,7 @@ private slots:
     void endsWithTheConnectionAsThePolicyWants();
     void usesAConnectionThatStands();
     void joinsAConnectThatIsUnderWay();
+    void numbersItsRuns();
     void refusalEndsIt_data();
     void refusalEndsIt();
     void failedWriteEndsIt();
@@ -156,6 +157,23 @@ void tst_AlarmExchange::joinsAConnectThatIsUnderWay()
     run.device.startSyncTelnet();
     QVERIFY(run.success.wait());
     QCOMPARE(run.logger.commands(), allCommands);
+}
+
+void tst_AlarmExchange::numbersItsRuns()
+{
+    Exchange run;
+    QVERIFY(!run.device.isExchangeRunning());
+    QCOMPARE(run.device.exchangeNumber(), 0);
+    run.device.startSyncTelnet();
+    QVERIFY(run.device.isExchangeRunning());
+    QCOMPARE(run.device.exchangeNumber(), 1);
+    QVERIFY(run.success.wait());
+    QVERIFY(!run.device.isExchangeRunning());
+    QCOMPARE(run.device.exchangeNumber(), 1);
+    run.device.startSyncTelnet();
+    QCOMPARE(run.device.exchangeNumber(), 2);
+    run.device.stopSyncTelnet();
+    QVERIFY(!run.device.isExchangeRunning());
 }
 
 void tst_AlarmExchange::refusalEndsIt_data()

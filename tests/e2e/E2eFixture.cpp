@@ -12,8 +12,8 @@
 namespace {
 
 constexpr int intervalMs = 1000;
-// No test comes near it unless something is broken.
-constexpr int patienceMs = 180000;
+// No test comes near it unless something is broken, or the machine has many times its load to carry.
+constexpr int patienceMs = 280000;
 
 } // namespace
 
@@ -54,15 +54,16 @@ void E2eFixture::setFaults(const QString &fault)
         setFault(i, fault);
 }
 
-bool E2eFixture::fallSilent()
+bool E2eFixture::fallSilent(int loggers)
 {
-    setFaults(QStringLiteral("silent"));
     std::vector<quint64> enough;
-    for (const auto &logger : m_loggers)
-        enough.push_back(logger->commands() + 2);
+    for (int i = 0; i < loggers; ++i) {
+        setFault(i, QStringLiteral("silent"));
+        enough.push_back(logger(i).commands() + 2);
+    }
     return waitUntil([&] {
-        return std::equal(m_loggers.cbegin(), m_loggers.cend(), enough.cbegin(),
-                          [](const auto &logger, quint64 commands) { return logger->commands() >= commands; });
+        return std::equal(enough.cbegin(), enough.cend(), m_loggers.cbegin(),
+                          [](quint64 commands, const auto &logger) { return logger->commands() >= commands; });
     });
 }
 

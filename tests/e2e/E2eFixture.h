@@ -27,8 +27,10 @@ public:
     void setFault(int index, const QString &fault);
     /// Gives every logger this fault.
     void setFaults(const QString &fault);
-    /// Lets all loggers fall silent until the station has twice asked in vain: then no reading is on its way any more.
-    bool fallSilent();
+    /// Lets the first @p loggers fall silent until the station has twice asked them in vain: then no reading of theirs
+    /// is on its way any more.
+    bool fallSilent(int loggers);
+    bool fallSilent() { return fallSilent(loggerCount()); }
 
     const ServedReadings &served(int index) const { return *m_served.at(size_t(index)); }
     /// Whether each of the first @p loggers has served so many readings.

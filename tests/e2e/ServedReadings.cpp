@@ -3,7 +3,7 @@
 #include "RecordingReader.h"
 #include "loggersim/SimLogger.h"
 
-#include <algorithm>
+#include <QLocale>
 
 namespace {
 
@@ -11,7 +11,7 @@ const QString noValueText = QStringLiteral("NULL");
 
 QString exactText(double value)
 {
-    return QString::number(value, 'g', 17);
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
 QString text(const QVariant &recorded)

@@ -32,10 +32,13 @@ public:
     bool fillUpTo(qint64 bytesLeft)
     {
         m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-        const QByteArray piece(4096, 'x');
-        while (left() > bytesLeft && m_file.write(piece) == piece.size()) {
+        // In few steps: the loggers do not answer meanwhile.
+        const QByteArray piece(int(megabyte), 'x');
+        for (qint64 more = left() - bytesLeft; more > 0; more = left() - bytesLeft) {
+            if (m_file.write(piece.constData(), qMin(more, megabyte)) <= 0)
+                return false;
         }
-        return left() <= bytesLeft;
+        return true;
     }
 
 private:

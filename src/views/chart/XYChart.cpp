@@ -214,15 +214,20 @@ void XYChart::draw(QPainter &painter) const
     drawFrame(painter, {{0, 0}, m_size}, m_edge);
 }
 
+/// Where an axis stands there is no grid line.
 void XYChart::drawGrid(QPainter &painter) const
 {
     const QRect &area = m_plotArea.area;
-    for (const double tick : layout().values.values)
-        fillSharp(painter, QRectF(area.x(), std::round(layout().y->pixel(tick)), area.width(), 1),
-                  m_plotArea.horizontalGrid);
-    for (const double tick : layout().dates.major)
-        fillSharp(painter, QRectF(std::round(layout().x->pixel(tick)), area.y(), 1, area.height()),
-                  m_plotArea.verticalGrid);
+    for (const double tick : layout().values.values) {
+        const double y = std::round(layout().y->pixel(tick));
+        if (y < m_plotArea.bottom() - 1)
+            fillSharp(painter, QRectF(area.x(), y, area.width(), 1), m_plotArea.horizontalGrid);
+    }
+    for (const double tick : layout().dates.major) {
+        const double x = std::round(layout().x->pixel(tick));
+        if (x > m_plotArea.left() && x < m_plotArea.right())
+            fillSharp(painter, QRectF(x, area.y(), 1, area.height()), m_plotArea.verticalGrid);
+    }
 }
 
 void XYChart::drawLayers(QPainter &painter) const

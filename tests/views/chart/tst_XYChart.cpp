@@ -140,6 +140,8 @@ private slots:
         // At least 75 seconds apart means every two minutes: 1080 and 1200.
         QCOMPARE(colourAt(image, 130, 22), grid);
         QCOMPARE(colourAt(image, 131, 22), field);
+        // None beyond the plot area, at 1200.
+        QCOMPARE(colourAt(image, 250, 22), paper);
         QCOMPARE(colourAt(image, 130, 122), axis);
         // A minor tick every 15 seconds, half as long.
         QCOMPARE(colourAt(image, 115, 122), axis);

@@ -2,8 +2,8 @@
 
 #include <QStyledItemDelegate>
 
-/// Lets a list's rows be no wider than the list, so that long names end in an ellipsis; such a row's tool tip begins
-/// with the whole name.
+/// Lets a list's rows be no wider than the list, so that long texts get an ellipsis; such a row's tool tip begins with
+/// the whole text. Tool tips show their text letter by letter.
 class ElidingDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

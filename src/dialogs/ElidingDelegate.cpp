@@ -1,4 +1,4 @@
-#include "views/ElidingDelegate.h"
+#include "dialogs/ElidingDelegate.h"
 
 #include "dialogs/PlainToolTip.h"
 
@@ -18,8 +18,8 @@ bool ElidingDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, cons
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     QString tip = index.data(Qt::ToolTipRole).toString();
     if (QStyledItemDelegate::sizeHint(option, index).width() > option.rect.width())
-        tip = plainToolTip(index.data(Qt::DisplayRole).toString() + QLatin1Char('\n') + tip);
+        tip.prepend(index.data(Qt::DisplayRole).toString() + QLatin1Char('\n'));
     // A tool tip looks like the widget it is for: that must not be a list without a background.
-    QToolTip::showText(event->globalPos(), tip, view->window());
+    QToolTip::showText(event->globalPos(), plainToolTip(tip), view->window());
     return true;
 }

@@ -1,0 +1,3 @@
+#include "dialogs/Logging.h"
+
+Q_LOGGING_CATEGORY(dialogsLog, "sorvanto.dialogs")

@@ -1,0 +1,128 @@
+#include "dialogs/ManualConfigDeviceDialog.h"
+
+#include "device/ConfiguredDevice.h"
+#include "dialogs/Logging.h"
+#include "dialogs/ManualDeviceEntry.h"
+#include "dialogs/SharpPixmap.h"
+#include "dialogs/TransientMessage.h"
+#include "ui_ManualConfigDeviceDialog.h"
+
+#include <QStringList>
+#include <QTimer>
+
+namespace {
+
+constexpr int lookMs = 50;
+
+} // namespace
+
+ManualConfigDeviceDialog::ManualConfigDeviceDialog(QWidget *parent)
+    : QDialog(parent), m_form(std::make_unique<Ui::ManualConfigDeviceDialog>()), m_testTimer(new QTimer(this))
+{
+    m_form->setupUi(this);
+    m_form->label_top->setPixmap(sharpPixmap(QStringLiteral(":/img/SorvantoLogoLite.png")));
+    for (IpaddrSpinBox *octet :
+         {m_form->spinBox_ipaddr1, m_form->spinBox_ipaddr2, m_form->spinBox_ipaddr3, m_form->spinBox_ipaddr4}) {
+        m_steps.append(octet);
+        connect(octet, &IpaddrSpinBox::nextStep, this, &ManualConfigDeviceDialog::slotNextStep);
+    }
+    m_steps.append(m_form->spinBox_port);
+    m_form->lineEdit_devicename->setFocus();
+    m_testTimer->setInterval(lookMs);
+    connect(m_testTimer, &QTimer::timeout, this, &ManualConfigDeviceDialog::checkAnswer);
+    connect(m_form->pushButton_confirm, &QPushButton::clicked, this, &ManualConfigDeviceDialog::confirm);
+}
+
+ManualConfigDeviceDialog::~ManualConfigDeviceDialog() = default;
+
+void ManualConfigDeviceDialog::confirm()
+{
+    if (m_device)
+        return;
+    const ManualDeviceEntry entry = entered();
+    if (const auto refusal = refusalOf(entry))
+        showTransientMessage(refusal->title, refusal->text, this);
+    else
+        startTest(entry);
+}
+
+void ManualConfigDeviceDialog::slotNextStep()
+{
+    const qsizetype next = m_steps.indexOf(qobject_cast<QSpinBox *>(sender())) + 1;
+    if (next == 0 || next == m_steps.size())
+        return;
+    m_steps.at(next)->setFocus(Qt::OtherFocusReason);
+    m_steps.at(next)->selectAll();
+}
+
+void ManualConfigDeviceDialog::slotReject()
+{
+    reject();
+    deleteLater();
+}
+
+void ManualConfigDeviceDialog::done(int result)
+{
+    endTest();
+    m_device.reset();
+    QDialog::done(result);
+}
+
+ManualDeviceEntry ManualConfigDeviceDialog::entered() const
+{
+    QStringList octets;
+    for (const QSpinBox *box : m_steps.mid(0, 4))
+        octets.append(QString::number(box->value()));
+    return {m_form->lineEdit_devicename->text(), m_form->lineEdit_macaddr->text().remove(QLatin1Char(':')),
+            octets.join(QLatin1Char('.')), static_cast<quint16>(m_form->spinBox_port->value())};
+}
+
+/// The link only tells that it has begun to connect, so a logger counts as open once it has answered the poll that its
+/// link sends on every new connection.
+void ManualConfigDeviceDialog::startTest(const ManualDeviceEntry &entry)
+{
+    m_device = std::make_unique<ConfiguredDevice>(entry.key, NetworkInterface);
+    m_device->setDeviceInfo(entry.name, QStringLiteral("CH1"), QStringLiteral("CH2"), entry.address, entry.port);
+    if (!m_device->openDevice()) {
+        refuse();
+        return;
+    }
+    m_form->groupBox_network->setEnabled(false);
+    m_form->pushButton_confirm->setEnabled(false);
+    setCursor(Qt::BusyCursor);
+    m_deadline.setRemainingTime(answerLimitMs);
+    m_testTimer->start();
+}
+
+void ManualConfigDeviceDialog::checkAnswer()
+{
+    if (m_device->isConnected())
+        handOn();
+    else if (m_deadline.hasExpired())
+        refuse();
+}
+
+void ManualConfigDeviceDialog::endTest()
+{
+    m_testTimer->stop();
+    m_form->groupBox_network->setEnabled(true);
+    m_form->pushButton_confirm->setEnabled(true);
+    unsetCursor();
+}
+
+void ManualConfigDeviceDialog::handOn()
+{
+    endTest();
+    emit ManualConfigDeviceConfirm(m_device.release());
+    accept();
+    deleteLater();
+}
+
+void ManualConfigDeviceDialog::refuse()
+{
+    endTest();
+    m_form->pushButton_confirm->setFocus();
+    showTransientMessage(QStringLiteral("ERROR"), QStringLiteral("Device Open Error. Please retry."), this);
+    logDialogs() << "ManualConfigDeviceDialog::confirm [" << m_device->serialNumber() << "] is not open";
+    m_device.reset();
+}

@@ -1,0 +1,34 @@
+#include "dialogs/ManualDeviceEntry.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+EntryRefusal missing(const QString &text)
+{
+    return {QStringLiteral("INFORMATION"), text};
+}
+
+bool looksLikeIpAddress(const QString &text)
+{
+    static const QRegularExpression pattern(
+        QRegularExpression::anchoredPattern(QStringLiteral("(\\d{1,3}.\\d{1,3}.\\d{1,3}.\\d{1,3})")));
+    return pattern.match(text).hasMatch();
+}
+
+} // namespace
+
+std::optional<EntryRefusal> refusalOf(const ManualDeviceEntry &entry)
+{
+    if (entry.name.isEmpty())
+        return missing(QStringLiteral("Enter the Device Name."));
+    if (entry.key.isEmpty())
+        return missing(QStringLiteral("Enter the Mac Address."));
+    if (entry.address.isEmpty())
+        return missing(QStringLiteral("Enter the IP Address."));
+    if (entry.port == 0)
+        return missing(QStringLiteral("Enter the port number."));
+    if (!looksLikeIpAddress(entry.address))
+        return EntryRefusal{QStringLiteral("ERROR"), QStringLiteral("IP Address is not valid.")};
+    return {};
+}

@@ -1,0 +1,244 @@
+#include "ChannelCharts.h"
+
+#include <QDateTime>
+#include <QTest>
+
+namespace {
+
+const QColor background(0x59, 0x59, 0x59);
+const QColor gradientEnd(0x30, 0x30, 0x30);
+const QColor gridLine(0x30, 0x30, 0x30);
+const QColor axisLine(0xc0, 0xc0, 0xc0);
+const QColor axisLabel(0xf4, 0xf4, 0xf4);
+
+std::unique_ptr<chart::XYChart> usualChart(const ChannelLine &line = channel1)
+{
+    return channelChart(chartLabel, timesEvery(10), wave(), line, tenSeconds);
+}
+
+/// The gradient from row 25 to 15 above the chart's lower edge.
+QColor fieldAt(double y)
+{
+    return blended(background, gradientEnd, (y + 0.5 - 25) / (chartLabel.height() - 15 - 25));
+}
+
+bool isEmptyPlot(const chart::XYChart &picture)
+{
+    return picture.layers().empty() && picture.xLabelPlaces().empty() && !picture.nearestXValue(100);
+}
+
+} // namespace
+
+class tst_ChannelChart : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sizes_data()
+    {
+        QTest::addColumn<QSize>("label");
+        QTest::newRow("usual") << QSize(800, 180);
+        QTest::newRow("smallest of the form") << QSize(584, 123);
+        QTest::newRow("full screen") << QSize(1500, 480);
+        QTest::newRow("one pixel of plot") << QSize(61, 56);
+    }
+
+    void sizes()
+    {
+        QFETCH(QSize, label);
+        const auto picture = channelChart(label, timesEvery(10), wave(), channel1, tenSeconds);
+        QCOMPARE(picture->size(), QSize(label.width() - 10, label.height()));
+        QCOMPARE(picture->plotArea().area, QRect(45, 25, label.width() - 60, label.height() - 55));
+        QCOMPARE(picture->picture(1).size(), picture->size());
+        QVERIFY(!picture->layers().empty());
+    }
+
+    void colours_data()
+    {
+        QTest::addColumn<int>("density");
+        QTest::newRow("single") << 1;
+        QTest::newRow("double") << 2;
+    }
+
+    void colours()
+    {
+        QFETCH(int, density);
+        const auto picture = usualChart();
+        const QImage image = picture->picture(density);
+        QCOMPARE(image.size(), QSize(790, 180) * density);
+        const auto at = [&](int x, int y) {
+            return image.pixelColor(x * density, y * density);
+        };
+        // Around the plot, the transparent edges included.
+        for (const QPoint &outside : {QPoint(0, 0), QPoint(789, 179), QPoint(300, 24), QPoint(785, 90)})
+            QCOMPARE(at(outside.x(), outside.y()), background);
+        // Between the grid lines.
+        const int x = picture->xCoordinate(newestTime).value() - 5;
+        for (const int y : {27, 60, 90, 147}) {
+            if (isNear(at(x, y), channel1.colour, 200))
+                QVERIFY(isNear(at(x, y), fieldAt(y), 2));
+        }
+        // The axes, two pixels wide, half over the plot.
+        for (const int y : {40, 80, 100}) {
+            QVERIFY(isNear(at(44, y), blended(background, axisLine, halfShare)));
+            QVERIFY(isNear(at(45, y), blended(fieldAt(y), axisLine, halfShare), 2));
+            QVERIFY(!isNear(at(46, y), blended(fieldAt(y), axisLine, halfShare), 20));
+        }
+        QVERIFY(isNear(at(60, 149), blended(fieldAt(149), axisLine, halfShare), 2));
+        QVERIFY(isNear(at(60, 150), blended(background, axisLine, halfShare)));
+        QCOMPARE(at(60, 152), background);
+    }
+
+    void gridLinesAreHalfTransparent()
+    {
+        const auto picture = usualChart();
+        const QImage image = picture->picture(1);
+        // 14 November 2023, 22:10:00 UTC is a round time in every whole time zone.
+        const int x = picture->xCoordinate(1699999800).value();
+        QVERIFY(isNear(image.pixelColor(x, 27), blended(fieldAt(27), gridLine, halfShare), 2));
+        QVERIFY(isNear(image.pixelColor(x - 3, 27), fieldAt(27), 2));
+        QVERIFY(isNear(image.pixelColor(x, 151), blended(background, axisLine, halfShare)));
+    }
+
+    void labelsAreHalfTransparent()
+    {
+        const QImage image = usualChart()->picture(1);
+        int brightest = 0;
+        for (int y = 156; y < 170; ++y) {
+            for (int x = 60; x < 780; ++x)
+                brightest = std::max(brightest, image.pixelColor(x, y).green());
+        }
+        const int full = blended(background, axisLabel, halfShare).green();
+        QVERIFY(brightest <= full + 1);
+        QVERIFY(brightest > full - 25);
+    }
+
+    void linesHaveTheirColours_data()
+    {
+        QTest::addColumn<bool>("first");
+        QTest::newRow("channel 1") << true;
+        QTest::newRow("channel 2") << false;
+    }
+
+    void linesHaveTheirColours()
+    {
+        QFETCH(bool, first);
+        const ChannelLine &line = first ? channel1 : channel2;
+        const auto picture = channelChart(chartLabel, timesEvery(10), allOf(21.5), line, tenSeconds);
+        const int y = picture->yCoordinate(21.5).value();
+        QVERIFY(y > 30 && y < 145);
+        QCOMPARE(picture->picture(1).pixelColor(400, y), line.colour);
+        QCOMPARE(picture->layers().front()->dataSets().front()->name, line.name);
+    }
+
+    void theAxisSpansAsManyIntervalsAsSamples_data()
+    {
+        QTest::addColumn<int>("intervalMs");
+        QTest::addColumn<double>("span");
+        QTest::newRow("10 sec") << 10000 << 2400.0;
+        QTest::newRow("1 sec") << 1000 << 240.0;
+        QTest::newRow("10 min") << 600000 << 144000.0;
+        QTest::newRow("no selectable one") << 2000 << 480.0;
+        QTest::newRow("parts of a second are cut off") << 1003 << 240.0;
+        QTest::newRow("the longest") << 8947848 << 2147483.0;
+    }
+
+    void theAxisSpansAsManyIntervalsAsSamples()
+    {
+        QFETCH(int, intervalMs);
+        QFETCH(double, span);
+        const auto picture = channelChart(chartLabel, timesEvery(10), wave(), channel1, intervalMs);
+        QCOMPARE(picture->xValueAt(785).value(), newestTime);
+        QCOMPARE(picture->xValueAt(45).value(), newestTime - span);
+        QCOMPARE(picture->xCoordinate(newestTime).value(), 785);
+    }
+
+    void impossibleIntervalsGiveAnEmptyPlot_data()
+    {
+        QTest::addColumn<int>("intervalMs");
+        QTest::newRow("none") << 0;
+        QTest::newRow("negative") << -10000;
+        QTest::newRow("shorter than a second in all") << 4;
+        QTest::newRow("overflowing") << 8947849;
+        QTest::newRow("largest") << std::numeric_limits<int>::max();
+    }
+
+    void impossibleIntervalsGiveAnEmptyPlot()
+    {
+        QFETCH(int, intervalMs);
+        const auto picture = channelChart(chartLabel, timesEvery(10), wave(), channel1, intervalMs);
+        QVERIFY(isEmptyPlot(*picture));
+        QCOMPARE(picture->picture(1).size(), QSize(790, 180));
+    }
+
+    void withoutANewestTimeThePlotIsEmpty()
+    {
+        History times = timesEvery(10);
+        times.back() = chart::noValue;
+        const auto picture = channelChart(chartLabel, times, wave(), channel1, tenSeconds);
+        QVERIFY(isEmptyPlot(*picture));
+        QVERIFY(isNear(picture->picture(1).pixelColor(400, 90), fieldAt(90), 2));
+        QVERIFY(isEmptyPlot(*channelChart(chartLabel, allOf(chart::noValue), allOf(chart::noValue), channel1, 1000)));
+    }
+
+    void tooLittleRoomGivesAnEmptyField_data()
+    {
+        QTest::addColumn<QSize>("label");
+        QTest::newRow("height 55") << QSize(800, 55);
+        QTest::newRow("height 0") << QSize(800, 0);
+        QTest::newRow("width 60") << QSize(60, 180);
+        QTest::newRow("width 10") << QSize(10, 180);
+        QTest::newRow("nothing") << QSize(0, 0);
+        QTest::newRow("less than nothing") << QSize(-20, -20);
+    }
+
+    void tooLittleRoomGivesAnEmptyField()
+    {
+        QFETCH(QSize, label);
+        const auto picture = channelChart(label, timesEvery(10), wave(), channel1, tenSeconds);
+        const QImage image = picture->picture(1);
+        QCOMPARE(image.size(), QSize(std::max(1, label.width() - 10), std::max(1, label.height())));
+        QCOMPARE(extentOf(image, image.rect(), background), image.rect());
+        QCOMPARE(extentOf(image, image.rect(), channel1.colour), QRect());
+    }
+
+    void oneReadingAloneIsVisible()
+    {
+        History times = allOf(chart::noValue);
+        History values = times;
+        times.back() = newestTime;
+        values.back() = 23.4;
+        const auto picture = channelChart(chartLabel, times, values, channel1, tenSeconds);
+        const QImage image = picture->picture(1);
+        const QRect dot = extentOf(image, image.rect(), channel1.colour);
+        QVERIFY(dot.contains(785, picture->yCoordinate(23.4).value()));
+    }
+
+    void lostReadingsLeaveAGap()
+    {
+        History values = allOf(20);
+        for (size_t i = 100; i < 140; ++i)
+            values[i] = chart::noValue;
+        const auto picture = channelChart(chartLabel, timesEvery(10), values, channel1, tenSeconds);
+        const QImage image = picture->picture(1);
+        const int from = picture->xCoordinate(timesEvery(10)[99]).value();
+        const int to = picture->xCoordinate(timesEvery(10)[140]).value();
+        QCOMPARE(extentOf(image, QRect(from + 3, 25, to - from - 6, 125), channel1.colour), QRect());
+        QVERIFY(!extentOf(image, QRect(from - 3, 25, 3, 125), channel1.colour).isNull());
+        QVERIFY(!extentOf(image, QRect(to + 1, 25, 3, 125), channel1.colour).isNull());
+    }
+
+    void samplesOfAClockThatWentBackAreDrawn()
+    {
+        History times = timesEvery(10);
+        for (size_t i = 200; i < times.size(); ++i)
+            times[i] -= 1000;
+        const auto picture = channelChart(chartLabel, times, wave(), channel1, tenSeconds);
+        QCOMPARE(picture->xCoordinate(times.back()).value(), 785);
+        QVERIFY(!extentOf(picture->picture(1), QRect(45, 25, 740, 125), channel1.colour).isNull());
+        QCOMPARE(picture->nearestXValue(785).value(), times.back());
+    }
+};
+
+QTEST_MAIN(tst_ChannelChart)
+#include "tst_ChannelChart.moc"
