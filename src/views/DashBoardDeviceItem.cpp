@@ -15,6 +15,8 @@ DashBoardDeviceItem::DashBoardDeviceItem(ConfiguredDevice *device, Channel chann
         m_form->frame_ch->hide();
         return;
     }
+    // Its parts cover the tile: nothing behind it needs painting with every value.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     // Both tiles lead to the same chart: one stop of the keyboard is enough.
     if (m_channel == Channel::One)
         setFocusPolicy(Qt::TabFocus);
