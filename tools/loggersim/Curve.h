@@ -31,7 +31,7 @@ struct Reading
 };
 bool operator==(const Reading &a, const Reading &b);
 
-/// Slow waves with a little noise around a climate. The readings depend on the climate, the seed and their number
+/// Slow waves with a little noise around a climate. The readings depend on the climate, on a seed and their number
 /// only, and no two successive ones are equal in any channel unless they are held.
 class Curve
 {
