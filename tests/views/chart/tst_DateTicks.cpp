@@ -1,6 +1,7 @@
 #include "views/chart/DateTicks.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <QTest>
 
 using namespace chart;
@@ -16,7 +17,7 @@ QString texts(const std::vector<double> &ticks, const QString &format)
 {
     QStringList result;
     for (const double tick : ticks)
-        result << QDateTime::fromSecsSinceEpoch(qint64(tick)).toString(format);
+        result << QLocale::c().toString(QDateTime::fromSecsSinceEpoch(qint64(tick)), format);
     return result.join(' ');
 }
 
