@@ -119,6 +119,7 @@ private:
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();
+    void tellUnlessSaved(bool saved);
     void saveRecordRange(quint32 start, quint32 end);
     void showRecordRange(quint32 start, quint32 end);
     void updateRecordRange(const QString &now);

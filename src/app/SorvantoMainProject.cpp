@@ -141,7 +141,12 @@ void SorvantoMain::slotUpdateProjectFile()
     QList<DeviceEntry> entries;
     for (const ConfiguredDevice *device : std::as_const(m_configuredDevices))
         entries.append(entryOf(*device));
-    if (!ProjectFile(m_projectFile).saveDevices(entries))
+    tellUnlessSaved(ProjectFile(m_projectFile).saveDevices(entries));
+}
+
+void SorvantoMain::tellUnlessSaved(bool saved)
+{
+    if (!saved)
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the project file."));
 }
 

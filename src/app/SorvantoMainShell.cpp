@@ -60,7 +60,7 @@ void SorvantoMain::openSibling(const QString &program)
     }
     // The sibling shall see the range as far as it goes now.
     if (m_projectCenter)
-        ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText());
+        tellUnlessSaved(ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText()));
     const QString line = siblingCommandLine(program, m_projectFile);
     qCDebug(lcApp).noquote() << "cmd :" << line;
     if (startSibling(program, m_projectFile))
