@@ -29,3 +29,13 @@ add_dependencies(tst_UsbLoggersOfWindows windows_programs)
 target_compile_definitions(tst_UsbLoggersOfWindows PRIVATE
     WINE="${WINE}" WINESERVER="${WINESERVER}"
     USB_LOGGERS_EXE="${PROJECT_BINARY_DIR}/windows/build/bin/usb-loggers.exe")
+
+# The sources that only a station for Windows has. There is no Qt for MinGW here to link them with, but the headers of the
+# one at hand are the same.
+set(qt_includes "$<TARGET_PROPERTY:Qt::Core,INTERFACE_INCLUDE_DIRECTORIES>")
+add_test(NAME windows_sources
+    COMMAND ${MINGW_CXX} -std=c++17 -Wall -Wextra -Werror -fsyntax-only "-I${PROJECT_SOURCE_DIR}/src"
+        -isystem "$<JOIN:${qt_includes},;-isystem;>"
+        "${PROJECT_SOURCE_DIR}/src/device/UsbLoggers_windows.cpp"
+        "${PROJECT_SOURCE_DIR}/src/app/TerminationSignals_windows.cpp"
+    COMMAND_EXPAND_LISTS)
