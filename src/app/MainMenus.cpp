@@ -27,6 +27,7 @@ QAction *addCheckable(QMenu *menu, const QString &text)
 MainMenus::MainMenus(QWidget *window) : QObject(window)
 {
     project = makeMenu(QStringLiteral("menu_project"), window);
+    addDelete = project->addAction(tr("Add/Delete"));
     close = project->addAction(tr("Close"));
     project->addSeparator();
     autoProject = addCheckable(project, tr("Auto Load Recent Project"));
@@ -53,6 +54,7 @@ MainMenus::MainMenus(QWidget *window) : QObject(window)
 
 void MainMenus::setEnabledStates(const ActionStates &states)
 {
+    addDelete->setEnabled(states.addDelete);
     close->setEnabled(states.close);
     keepAlive->setEnabled(states.keepAlive);
     refreshDevices->setEnabled(states.refreshDevices);

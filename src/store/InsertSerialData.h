@@ -12,7 +12,7 @@
 
 /// The recording of one project: a connection to its SQLite file and the only writer of its readings.
 /// Devices append rows to one queue that the whole process shares; insertNow() moves the queue into the file.
-/// No call waits longer than about 50 ms for another program that has the file locked.
+/// While another program has the file locked, opening it waits up to 5 s, any other call about 50 ms.
 class InsertSerialData : public QObject
 {
     Q_OBJECT

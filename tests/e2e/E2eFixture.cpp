@@ -130,7 +130,7 @@ QList<RecordedRow> E2eFixture::rows() const
 int E2eFixture::readingCount() const
 {
     const QList<RecordedRow> all = rows();
-    return int(std::count_if(all.cbegin(), all.cend(), [](const RecordedRow &row) { return !isGap(row); }));
+    return int(std::count_if(all.cbegin(), all.cend(), [](const RecordedRow &row) { return !row.isGap(); }));
 }
 
 QString E2eFixture::integrity() const

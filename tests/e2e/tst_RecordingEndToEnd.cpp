@@ -136,7 +136,7 @@ void tst_RecordingEndToEnd::verifyClosedSeries(const QString &serial, const QLis
 {
     QList<RecordedRow> gaps;
     std::copy_if(rows.cbegin(), rows.cend(), std::back_inserter(gaps),
-                 [&serial](const RecordedRow &row) { return row.serial == serial && isGap(row); });
+                 [&serial](const RecordedRow &row) { return row.serial == serial && row.isGap(); });
     QCOMPARE(gaps.size(), 1);
     QCOMPARE(gaps.first().time, readingsOf(serial, rows).last().time + 1);
 }
