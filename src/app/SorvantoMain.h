@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/AvailDevice.h"
+#include "device/ConfiguredDevice.h"
 #include "device/UsbLoggers.h"
 #include "project/AppSettings.h"
 
@@ -14,7 +15,6 @@
 #include <memory>
 
 class AlarmSound;
-class ConfiguredDevice;
 class InsertSerialData;
 class MainMenus;
 class ProjectCenter;
