@@ -2,6 +2,7 @@
 
 #include "app/StartOptions.h"
 #include "device/AvailDevice.h"
+#include "device/ConfiguredDevice.h"
 #include "device/UsbLoggers.h"
 #include "project/AppSettings.h"
 
@@ -15,7 +16,6 @@
 #include <memory>
 
 class AlarmSound;
-class ConfiguredDevice;
 class InsertSerialData;
 class MainMenus;
 class ProjectCenter;
