@@ -110,7 +110,7 @@ QStringList shownMessages()
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (const QWidget *window : windows) {
         const auto *text = window->findChild<QTextBrowser *>(QStringLiteral("textBrowser"));
-        if (text && window->isVisible())
+        if (text && text->window() == window && window->isVisible())
             texts << text->toPlainText();
     }
     return texts;
