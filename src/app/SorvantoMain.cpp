@@ -7,6 +7,7 @@
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
+#include "project/ProjectLock.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"
@@ -41,6 +42,7 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     m_menus->autoRecord->setChecked(m_settings.autoRecord);
     m_menus->keepAlive->setChecked(m_settings.keepAlive);
     m_settings.pruneRecentProjects();
+    showStartScreen();
     createTimers();
     setUpAlarmSound();
 
@@ -88,6 +90,7 @@ void SorvantoMain::buildForm()
 void SorvantoMain::connectMenus()
 {
     m_menus = new MainMenus(this);
+    connect(m_menus->addDelete, &QAction::triggered, this, &SorvantoMain::slotAddDeviceProject);
     connect(m_menus->close, &QAction::triggered, this, &SorvantoMain::slotCloseProject);
     connect(m_menus->autoProject, &QAction::triggered, this, &SorvantoMain::slotAutoProject);
     connect(m_menus->autoRecord, &QAction::triggered, this, &SorvantoMain::slotAutoRecord);
@@ -216,6 +219,7 @@ void SorvantoMain::slotRefreshDevice()
 void SorvantoMain::slotRefreshAvailDeviceList()
 {
     checkConnection();
+    refreshFoundDevices();
     broadcastDevice();
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/StartOptions.h"
 #include "device/AvailDevice.h"
+#include "device/ConfiguredDevice.h"
 #include "device/UsbLoggers.h"
 #include "project/AppSettings.h"
 
@@ -15,10 +16,12 @@
 #include <memory>
 
 class AlarmSound;
-class ConfiguredDevice;
 class InsertSerialData;
 class MainMenus;
 class ProjectCenter;
+class ProjectLock;
+class ProjectMain;
+class ProjectManager;
 class QMenu;
 class QTimer;
 class QUdpSocket;
@@ -67,6 +70,7 @@ public slots:
     void slotViewFull(bool on);
     void slotShowHideItem(bool on);
     void slotCloseProject();
+    void slotAddDeviceProject();
     void slotRefreshDevice();
     void slotAutoProject(bool on);
     void slotAutoRecord(bool on);
@@ -78,7 +82,9 @@ public slots:
     void slotToggleRecord();
     void slotStartRecord();
     void slotStopRecord();
+    void projectCreated(const QString &path);
     void projectLoaded(const QString &path);
+    void projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames);
     void checkConnection();
     void slotStdTimer();
     void writeDevice();
@@ -119,7 +125,6 @@ private:
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();
-    void tellUnlessSaved(bool saved);
     void saveRecordRange(quint32 start, quint32 end);
     void showRecordRange(quint32 start, quint32 end);
     void updateRecordRange(const QString &now);
@@ -132,11 +137,26 @@ private:
     void mergeDiscovered(const DiscoveryReply &reply);
 
     // Project flow
+    std::unique_ptr<ProjectLock> lockProject(const QString &path);
     void adoptDevices(const QList<DeviceEntry> &entries);
+    void adoptConfirmed(const QList<ConfiguredDevice *> &devices);
+    QList<ConfiguredDevice *> unconfirmedDevices();
+    void freeDevices(const QList<ConfiguredDevice *> &devices);
     void openProjectView();
-    void deleteProjectCenter();
+    void leaveProject();
     void closeProject();
-    void showProjectLabels();
+    void showProjectName();
+    void showInterval();
+    void reportUnsavedProject();
+
+    // Screens
+    void showStartScreen();
+    ProjectManager *showProjectManager();
+    void refreshFoundDevices();
+    void showScreen(QWidget *screen);
+    template <typename Screen>
+    void discard(Screen *&screen);
+    void discardScreens();
 
     // Shell
     void openSibling(const QString &program);
@@ -146,7 +166,8 @@ private:
     std::unique_ptr<Ui::SorvantoMain> m_form;
     AppSettings m_settings;
     QString m_projectName;
-    QString m_projectFile;
+    QString m_projectFile; ///< empty while no project is open or being created
+    std::unique_ptr<ProjectLock> m_projectLock;
     QList<ConfiguredDevice *> m_configuredDevices;
     QList<AvailDevice *> m_availDeviceList;
     QHash<QString, AvailDevice *> m_availDeviceIndex; // of m_availDeviceList, by key
@@ -170,6 +191,9 @@ private:
     QUdpSocket *m_sndUdpSocket = nullptr;
     QUdpSocket *m_rcvUdpSocket = nullptr;
     AlarmSound *m_alarmSound = nullptr;
+    // The screen in the centre; the others are null.
+    ProjectMain *m_projectMain = nullptr;
+    ProjectManager *m_projectManager = nullptr;
     ProjectCenter *m_projectCenter = nullptr;
     QPixmap m_readyPixmap;
     QPixmap m_recordingPixmap;
