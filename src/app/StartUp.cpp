@@ -10,11 +10,15 @@
 #include <QScopeGuard>
 #include <QSplashScreen>
 #include <QThread>
+#include <QTimer>
 
 namespace {
 
 // The splash stays for this long however quickly the station was built.
 constexpr unsigned long splashMs = 2500;
+
+// Soon enough for a box that is closed unanswered.
+constexpr int boxCloserMs = 10;
 
 constexpr int textPointSize = 9;
 
@@ -63,11 +67,14 @@ int runStation(QApplication &application)
     const QPointer<QSplashScreen> splash = showSplash();
     const auto splashEnd = qScopeGuard([&splash] { delete splash; });
 
-    // A box that waits for an answer while the station is built must not keep the program alive.
-    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &signalsFromSystem, [] {
+    // A box that waits for an answer must not keep the program alive, nor one that follows it.
+    QTimer boxCloser;
+    QObject::connect(&boxCloser, &QTimer::timeout, &boxCloser, [] {
         if (QWidget *box = QApplication::activeModalWidget())
             box->close();
     });
+    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &boxCloser,
+                     [&boxCloser] { boxCloser.start(boxCloserMs); });
     SorvantoMain mainWindow;
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
                      &SorvantoMain::endProgram);
@@ -79,6 +86,8 @@ int runStation(QApplication &application)
                      &SorvantoMain::stopRunningRecording, Qt::DirectConnection);
 
     QCoreApplication::processEvents();
+    if (mainWindow.isEnding())
+        return 0;
     QThread::msleep(splashMs);
 
     mainWindow.show();
