@@ -170,9 +170,11 @@ void tst_ScreenFlow::aRecentProjectThatIsGoneLeavesTheStartScreen()
 
 void tst_ScreenFlow::theDeviceSetIsEdited()
 {
-    QVERIFY(m_op->openProject(2));
+    QVERIFY(m_op->openProject(2, 1000)); // its links stay open
     const QPointer<ProjectCenter> left = m_op->project();
     const QList<ConfiguredDevice *> before = m_op->station->configuredDevices();
+    for (const ConfiguredDevice *device : before)
+        QVERIFY(device->isOpen());
     m_op->trigger("menu_view", QStringLiteral("Expansion Mode"));
     const LogCapture log;
     m_op->edit();
