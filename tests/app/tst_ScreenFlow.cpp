@@ -38,6 +38,7 @@ private slots:
     void aProjectThatCannotBeWrittenIsNotCreated();
     void aRecentProjectOpensFromTheStartScreen();
     void aRecentProjectThatIsGoneLeavesTheStartScreen();
+    void aDeletedProjectIsNotOfferedAtTheNextStart();
     void theDeviceSetIsEdited();
     void editingGivesTheManagerWhatTheProjectHas();
     void editingIsNoWayOutOfARecording();
@@ -166,6 +167,19 @@ void tst_ScreenFlow::aRecentProjectThatIsGoneLeavesTheStartScreen()
     QCOMPARE(shownMessages(), QStringList{QStringLiteral("There is no device information!")});
     QVERIFY(m_op->startScreen());
     QVERIFY(!m_op->station->isProjectOpen());
+}
+
+void tst_ScreenFlow::aDeletedProjectIsNotOfferedAtTheNextStart()
+{
+    for (const QString &project : {QStringLiteral("Kitchen"), QStringLiteral("Lab")}) {
+        m_op->fixture.writeProject(project, {});
+        m_op->fixture.listProject(project, false);
+    }
+    QVERIFY(QFile::remove(m_op->projectPath()));
+    m_op->startStation();
+    const QStringList offered = rowTexts(*child<QListWidget>(*m_op->startScreen(), "listWidget"));
+    QCOMPARE(offered.size(), 1);
+    QVERIFY(offered.first().startsWith(QStringLiteral("Lab\t[")));
 }
 
 void tst_ScreenFlow::theDeviceSetIsEdited()

@@ -2,6 +2,7 @@
 
 #include "app/SorvantoMain.h"
 #include "app/StartUp.h"
+#include "dialogs/ProjectMain.h"
 #include "store/InsertSerialData.h"
 #include "support/LogCapture.h"
 
@@ -109,15 +110,15 @@ private slots:
         QCOMPARE(substitute("Arial"), QStringLiteral("liberation sans"));
     }
 
-    void withoutAProjectTheWindowIsEmpty()
+    void withoutAProjectTheStartScreenIsShown()
     {
-        bool open = true;
-        const int code = runAndUse([&open](SorvantoMain &station) {
-            open = station.isProjectOpen();
+        bool shown = false;
+        const int code = runAndUse([&shown](SorvantoMain &station) {
+            shown = !station.isProjectOpen() && station.findChild<ProjectMain *>()->isVisible();
             station.endProgram();
         });
         QCOMPARE(code, 0);
-        QVERIFY(!open);
+        QVERIFY(shown);
     }
 
     void theWindowAppearsWithTheRecentProject()
