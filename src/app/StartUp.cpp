@@ -3,6 +3,7 @@
 #include "app/SorvantoMain.h"
 #include "app/TerminationSignals.h"
 #include "dialogs/SharpPixmap.h"
+#include "dialogs/TransientMessage.h"
 #include "views/Fonts.h"
 
 #include <QApplication>
@@ -60,7 +61,7 @@ QSplashScreen *showSplash()
     return splash;
 }
 
-int runStation(QApplication &application)
+int runStation(QApplication &application, const StartOptions &options)
 {
     useStationFont();
     TerminationSignals signalsFromSystem;
@@ -75,7 +76,8 @@ int runStation(QApplication &application)
     });
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &boxCloser,
                      [&boxCloser] { boxCloser.start(boxCloserMs); });
-    SorvantoMain mainWindow;
+    const QString problem = options.projectFile.isEmpty() ? QString() : projectFileProblem(options.projectFile);
+    SorvantoMain mainWindow(problem.isEmpty() ? options : StartOptions{false, {}});
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
                      &SorvantoMain::endProgram);
     if (signalsFromSystem.wasRequested())
@@ -91,6 +93,9 @@ int runStation(QApplication &application)
     QThread::msleep(splashMs);
 
     mainWindow.show();
+    // Not earlier: half the time that a message stays would be spent waiting.
+    if (!problem.isEmpty())
+        showTransientMessage(QStringLiteral("ERROR"), problem, &mainWindow);
     splash->finish(&mainWindow);
     return mainWindow.isEnding() ? 0 : QApplication::exec();
 }

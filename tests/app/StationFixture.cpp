@@ -91,7 +91,7 @@ QList<RecordedRow> StationFixture::rows(const QString &name) const
             QSqlQuery query(QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane order by id"),
                             database);
             while (query.next())
-                all.append({query.value(0).toString(), query.value(1), query.value(2), query.value(3).toLongLong()});
+                all.append({query.value(0).toString(), query.value(1), query.value(2), query.value(3).toUInt()});
         }
     }
     QSqlDatabase::removeDatabase(connection);
