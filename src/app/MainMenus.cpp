@@ -12,6 +12,11 @@ QMenu *makeMenu(const QString &objectName, QWidget *window)
     QFont font = menu->font();
     font.setBold(true);
     menu->setFont(font);
+    // The style's own grey of a disabled entry is that of this background.
+    QPalette palette = menu->palette();
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(125, 125, 125));
+    menu->setPalette(palette);
     return menu;
 }
 

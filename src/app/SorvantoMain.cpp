@@ -30,7 +30,7 @@ constexpr int checkTimerMs = 1500;
 
 } // namespace
 
-SorvantoMain::SorvantoMain(QWidget *parent)
+SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     : QWidget(parent),
       m_form(std::make_unique<Ui::SorvantoMain>()),
       m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
@@ -46,9 +46,11 @@ SorvantoMain::SorvantoMain(QWidget *parent)
     createTimers();
     setUpAlarmSound();
 
-    const QString recent = m_settings.autoLoadPath();
-    if (!recent.isEmpty())
-        projectLoaded(recent);
+    QString first = start.projectFile;
+    if (first.isEmpty() && start.autoLoad)
+        first = m_settings.autoLoadPath();
+    if (!first.isEmpty())
+        projectLoaded(first);
 }
 
 SorvantoMain::~SorvantoMain()

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/StartOptions.h"
 #include "device/AvailDevice.h"
+#include "device/ConfiguredDevice.h"
 #include "device/UsbLoggers.h"
 #include "project/AppSettings.h"
 
@@ -14,7 +16,6 @@
 #include <memory>
 
 class AlarmSound;
-class ConfiguredDevice;
 class InsertSerialData;
 class MainMenus;
 class ProjectCenter;
@@ -38,8 +39,9 @@ class SorvantoMain : public QWidget
     Q_OBJECT
 
 public:
-    /// Does all the loading work; with auto-load on, a project is open and recorded when this returns.
-    explicit SorvantoMain(QWidget *parent = nullptr);
+    /// Does all the loading work; with auto-load on or a project file named, a project is open and recorded when this
+    /// returns.
+    explicit SorvantoMain(const StartOptions &start = {}, QWidget *parent = nullptr);
     ~SorvantoMain() override;
 
     /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop

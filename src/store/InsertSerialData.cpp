@@ -23,6 +23,11 @@ namespace {
 const QString patienceToOpen = QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000");
 const QString patienceToWrite = QStringLiteral("PRAGMA busy_timeout = 50");
 
+// Pages once written are kept until the whole cache is full: hundreds of MiB after a day of many loggers. The next
+// batch needs only a handful of them, so they are given back now and then.
+const QString releasePages = QStringLiteral("PRAGMA shrink_memory");
+constexpr size_t rowsBetweenReleases = 5000;
+
 // Without a journal a full disk ruins the whole file. This leaves room for a batch and for the side file.
 constexpr quint64 minimumFreeSpace = 16 * 1024 * 1024;
 constexpr quint64 generousRowSize = 256;
@@ -302,8 +307,18 @@ void InsertSerialData::writeBatch()
         m_rowFileIsQueued = false;
         fail(Failure::Lost, QStringLiteral("Readings could not be written and are lost: %1").arg(firstError));
     } else {
+        releaseWrittenPages(batch.size());
         succeed();
     }
+}
+
+void InsertSerialData::releaseWrittenPages(size_t rows)
+{
+    m_rowsSinceRelease += rows;
+    if (m_rowsSinceRelease < rowsBetweenReleases)
+        return;
+    QSqlQuery(connection()).exec(releasePages);
+    m_rowsSinceRelease = 0;
 }
 
 /// Last step of every failing attempt: a receiver may call back into the store.

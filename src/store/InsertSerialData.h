@@ -64,6 +64,7 @@ private:
     bool takeExclusiveLock();
     QSqlError dropRowsAlreadyStored();
     void writeBatch();
+    void releaseWrittenPages(size_t rows);
     void fail(Failure kind, const QString &reason);
     void failWaiting(const QSqlError &error);
     void succeed();
@@ -80,5 +81,6 @@ private:
     bool m_rowFileIsQueued = false;
     /// So many rows at the front of the queue may be in the recording already.
     int m_perhapsStored = 0;
+    size_t m_rowsSinceRelease = 0;
     std::set<Failure> m_failures;
 };

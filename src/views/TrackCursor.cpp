@@ -35,11 +35,6 @@ QString valueText(double value)
     return text.size() <= longest ? text : QString::number(value, 'g');
 }
 
-QString timeText(double seconds, const QString &format)
-{
-    return QDateTime::fromSecsSinceEpoch(qint64(seconds)).toString(format);
-}
-
 QString padded(const QString &text)
 {
     return QLatin1Char(' ') + text + QLatin1Char(' ');
@@ -58,8 +53,10 @@ public:
           m_x(std::clamp(x, m_plot.left(), m_plot.right())),
           m_time(picture.nearestXValue(m_x))
     {
-        if (m_time)
-            m_x = *m_chart.xCoordinate(*m_time);
+        if (!m_time)
+            return;
+        m_x = *m_chart.xCoordinate(*m_time);
+        m_localTime = QDateTime::fromSecsSinceEpoch(qint64(*m_time));
     }
 
     void draw(qint32 intervalMs)
@@ -78,7 +75,7 @@ private:
         if (!m_time)
             return;
         chart::TextBlock text = block(m_bold);
-        text.addBoxed(padded(timeText(*m_time, QStringLiteral("hh:mm:ss"))), chart::colour(timeBoxColour),
+        text.addBoxed(padded(m_localTime.toString(QStringLiteral("hh:mm:ss"))), chart::colour(timeBoxColour),
                       chart::colour(timeColour));
         const int width = int(text.size().width());
         const int left = std::max(0, std::min(m_x - width / 2, m_chart.size().width() - width));
@@ -139,7 +136,7 @@ private:
         double taken = addCaption(legend, m_plot.left() + legendIndent);
         if (m_time) {
             chart::TextBlock date = block(m_regular);
-            date.add(QStringLiteral("[ %1 ]").arg(timeText(*m_time, QStringLiteral("yyyy-MM-dd hh:mm:ss"))));
+            date.add(QStringLiteral("[ %1 ]").arg(m_localTime.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"))));
             taken = addCaption(date, std::max(double(m_plot.left() + dateIndent), taken));
         }
         chart::TextBlock span = block(m_regular);
@@ -165,6 +162,7 @@ private:
     const QFont m_regular;
     int m_x;
     const std::optional<double> m_time;
+    QDateTime m_localTime; ///< the same, as the operator's clock shows it
     std::vector<chart::TextBlock> m_legend;
 };
 

@@ -1,17 +1,11 @@
-#include "StationParts.h"
+#include "Operator.h"
 
-#include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
-#include "dialogs/ProjectMain.h"
-#include "dialogs/ProjectManager.h"
 #include "support/LogCapture.h"
-#include "support/ScriptedLogger.h"
-#include "views/ProjectCenter.h"
 
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
-#include <QPointer>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -30,16 +24,10 @@ class tst_ScreenFlow : public QObject
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_fixture = std::make_unique<StationFixture>();
-        m_station = std::make_unique<SorvantoMain>();
-        m_station->show();
-    }
+    void init() { m_op = std::make_unique<Operator>(); }
     void cleanup()
     {
-        m_station.reset();
-        m_fixture.reset();
+        m_op.reset();
         QCOMPARE(dataIntervalMs, defaultDataIntervalMs);
     }
 
@@ -61,105 +49,65 @@ private slots:
     void theWindowClosesFromEveryScreen();
 
 private:
-    ProjectMain *startScreen() const { return shownScreen<ProjectMain>(*m_station); }
-    ProjectManager *manager() const { return shownScreen<ProjectManager>(*m_station); }
-    ProjectCenter *project() const { return shownScreen<ProjectCenter>(*m_station); }
-    void create(const QString &name);
-    /// A logger, added by hand to the dashboard in front.
-    QPointer<ConfiguredDevice> addByHand();
-    void confirm() const { child<QPushButton>(*manager(), "btn_confirm")->click(); }
-    void openProject(int loggers, int intervalMs = 10000);
-    void edit() const { action(*m_station, "menu_project", QStringLiteral("Add/Delete"))->trigger(); }
-
-    const QString m_name = QStringLiteral("Kitchen");
-    std::unique_ptr<StationFixture> m_fixture;
-    std::unique_ptr<SorvantoMain> m_station;
+    std::unique_ptr<Operator> m_op;
 };
-
-void tst_ScreenFlow::create(const QString &name)
-{
-    QVERIFY(QFile(m_fixture->projectPath(name)).open(QIODevice::WriteOnly));
-    emit startScreen()->projectCreated(m_fixture->projectPath(name));
-}
-
-QPointer<ConfiguredDevice> tst_ScreenFlow::addByHand()
-{
-    const DeviceEntry entry = m_fixture->addLogger();
-    auto *device = new ConfiguredDevice(entry.serialNumber, NetworkInterface);
-    device->setDeviceInfo(entry.name, QStringLiteral("CH1"), QStringLiteral("CH2"), entry.address, entry.port);
-    device->openDevice();
-    manager()->slotManualConfigDevice(device);
-    return device;
-}
-
-void tst_ScreenFlow::openProject(int loggers, int intervalMs)
-{
-    QList<DeviceEntry> entries;
-    for (int i = 0; i < loggers; ++i)
-        entries << m_fixture->addLogger();
-    m_fixture->writeProject(m_name, entries, intervalMs);
-    emit startScreen()->projectLoaded(m_fixture->projectPath(m_name));
-    QVERIFY(project());
-    for (const ConfiguredDevice *device : m_station->configuredDevices())
-        QTRY_VERIFY(device->isConnected());
-}
 
 void tst_ScreenFlow::beginsWithTheStartScreen()
 {
-    QVERIFY(startScreen()->isVisible());
-    QCOMPARE(startScreen()->parentWidget()->objectName(), QStringLiteral("centralFrame"));
-    QCOMPARE(enabledActions(*m_station), actionsWithoutAProject);
+    QVERIFY(m_op->startScreen()->isVisible());
+    QCOMPARE(m_op->startScreen()->parentWidget()->objectName(), QStringLiteral("centralFrame"));
+    QCOMPARE(m_op->actions(), actionsWithoutAProject);
 }
 
 void tst_ScreenFlow::aNewProjectLeadsToTheManager()
 {
-    const QPointer<ProjectMain> left = startScreen();
+    const QPointer<ProjectMain> left = m_op->startScreen();
     child<QPushButton>(*left, "btn_create")->click();
     auto *dialog = left->findChild<QFileDialog *>();
-    dialog->setDirectory(m_fixture->path({}));
+    dialog->setDirectory(m_op->fixture.path({}));
     auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-    edit->setText(m_name);
+    edit->setText(m_op->name);
     QTest::keyClick(edit, Qt::Key_Return);
 
-    QVERIFY(manager()->isVisible());
-    QVERIFY(!m_station->isProjectOpen());
-    QCOMPARE(enabledActions(*m_station), actionsWhileChoosing);
-    QVERIFY(labelText(*m_station, "label_projectname").endsWith(QStringLiteral("/Kitchen.tpc")));
-    QCOMPARE(labelText(*m_station, "label_interval"), QString());
-    const ProjectFile file(m_fixture->projectPath(m_name));
-    QCOMPARE(file.projectName(), m_name);
+    QVERIFY(m_op->manager()->isVisible());
+    QVERIFY(!m_op->station->isProjectOpen());
+    QCOMPARE(m_op->actions(), actionsWhileChoosing);
+    QVERIFY(m_op->status("label_projectname").endsWith(QStringLiteral("/Kitchen.tpc")));
+    QCOMPARE(m_op->status("label_interval"), QString());
+    const ProjectFile file = m_op->projectFile();
+    QCOMPARE(file.projectName(), m_op->name);
     QCOMPARE(file.dataInterval(), defaultDataIntervalMs);
     QCOMPARE(QFileInfo(file.databasePath()).fileName(), QStringLiteral("Kitchen.dat"));
-    QVERIFY(child<QPushButton>(*manager(), "btn_timeInterval")->isEnabled());
+    QVERIFY(child<QPushButton>(*m_op->manager(), "btn_timeInterval")->isEnabled());
     QTRY_VERIFY(!left);
 }
 
 void tst_ScreenFlow::aNewProjectIsConfirmed()
 {
-    create(m_name);
-    const QPointer<ProjectManager> left = manager();
-    const QPointer<ConfiguredDevice> first = addByHand();
+    m_op->createProject();
+    const QPointer<ProjectManager> left = m_op->manager();
+    const QPointer<ConfiguredDevice> first = m_op->addByHand();
     child<QTabWidget>(*left, "tabWidget")->setCurrentIndex(2);
-    const QPointer<ConfiguredDevice> second = addByHand();
+    const QPointer<ConfiguredDevice> second = m_op->addByHand();
     child<QLineEdit>(*left, "lineEdit_dashboard_3")->setText(QStringLiteral("Cellar"));
     left->findChild<QMenu *>()->actions().first()->trigger();
-    confirm();
+    m_op->confirm();
 
-    QVERIFY(project()->isVisible());
-    QVERIFY(m_station->isProjectOpen());
-    QCOMPARE(m_station->configuredDevices(), QList<ConfiguredDevice *>({first, second}));
-    QCOMPARE(labelText(*m_station, "label_interval"), QStringLiteral("Interval : 1 sec"));
+    QVERIFY(m_op->project()->isVisible());
+    QVERIFY(m_op->station->isProjectOpen());
+    QCOMPARE(m_op->station->configuredDevices(), QList<ConfiguredDevice *>({first, second}));
+    QCOMPARE(m_op->status("label_interval"), QStringLiteral("Interval : 1 sec"));
     QCOMPARE(
-        enabledActions(*m_station),
+        m_op->actions(),
         QStringList({QStringLiteral("Add/Delete"), QStringLiteral("Close"), QStringLiteral("Auto Load Recent Project"),
                      QStringLiteral("Auto Start Record"), QStringLiteral("Keep Socket Connection"),
                      QStringLiteral("Refresh Devices"), QStringLiteral("Exit"), QStringLiteral("Lookback"),
                      QStringLiteral("Report"), QStringLiteral("FullScreen"), QStringLiteral("Expansion Mode")}));
-    QVERIFY(child<QTimer>(*m_station, "writeDeviceTimer")->isActive());
-    QCOMPARE(child<QTimer>(*m_station, "writeDeviceTimer")->interval(), 1000);
+    QVERIFY(child<QTimer>(*m_op->station, "writeDeviceTimer")->isActive());
+    QCOMPARE(child<QTimer>(*m_op->station, "writeDeviceTimer")->interval(), 1000);
     QTRY_COMPARE(second->ch2Value(), QStringLiteral("45.10"));
 
-    const ProjectFile file(m_fixture->projectPath(m_name));
+    const ProjectFile file = m_op->projectFile();
     QCOMPARE(file.dataInterval(), 1000);
     QCOMPARE(file.dashboardNames(), QStringList({QStringLiteral("Dashboard 1"), QStringLiteral("Dashboard 2"),
                                                  QStringLiteral("Cellar"), QStringLiteral("Dashboard 4")}));
@@ -171,108 +119,109 @@ void tst_ScreenFlow::aNewProjectIsConfirmed()
 
 void tst_ScreenFlow::aConfirmedProjectIsLoadedAgain()
 {
-    create(m_name);
-    addByHand();
-    confirm();
-    m_station->slotCloseProject();
-    const QListWidget *recent = child<QListWidget>(*startScreen(), "listWidget");
+    m_op->createProject();
+    m_op->addByHand();
+    m_op->confirm();
+    m_op->station->slotCloseProject();
+    const QListWidget *recent = child<QListWidget>(*m_op->startScreen(), "listWidget");
     QCOMPARE(recent->count(), 1);
-    emit startScreen()->slotRecentProject(recent->item(0));
-    QVERIFY(m_station->isProjectOpen());
-    QCOMPARE(m_station->configuredDevices().size(), 1);
-    QTRY_VERIFY(m_station->configuredDevices().first()->isConnected());
+    emit m_op->startScreen()->slotRecentProject(recent->item(0));
+    QVERIFY(m_op->station->isProjectOpen());
+    QCOMPARE(m_op->station->configuredDevices().size(), 1);
+    QTRY_VERIFY(m_op->station->configuredDevices().first()->isConnected());
 }
 
 void tst_ScreenFlow::aProjectThatCannotBeWrittenIsNotCreated()
 {
-    const QString path = m_fixture->projectPath(m_name);
+    const QString path = m_op->projectPath();
     QVERIFY(QDir().mkpath(path)); // a folder in the file's place refuses even the superuser
-    emit startScreen()->projectCreated(path);
+    emit m_op->startScreen()->projectCreated(path);
     QCOMPARE(shownMessages(), QStringList{QStringLiteral("Unable to save the project file.")});
-    QVERIFY(startScreen());
-    QVERIFY(!manager());
-    QCOMPARE(enabledActions(*m_station), actionsWithoutAProject);
+    QVERIFY(m_op->startScreen());
+    QVERIFY(!m_op->manager());
+    QCOMPARE(m_op->actions(), actionsWithoutAProject);
 }
 
 void tst_ScreenFlow::aRecentProjectOpensFromTheStartScreen()
 {
-    m_fixture->writeProject(m_name, {m_fixture->addLogger()});
-    m_fixture->listProject(m_name, false);
-    m_station = std::make_unique<SorvantoMain>();
-    m_station->show();
-    const QPointer<ProjectMain> left = startScreen();
+    m_op->fixture.writeProject(m_op->name, {m_op->fixture.addLogger()});
+    m_op->fixture.listProject(m_op->name, false);
+    m_op->startStation();
+    const QPointer<ProjectMain> left = m_op->startScreen();
     QListWidget *recent = child<QListWidget>(*left, "listWidget");
     emit recent->itemActivated(recent->item(0));
-    QVERIFY(project()->isVisible());
-    QVERIFY(!startScreen());
+    QVERIFY(m_op->project()->isVisible());
+    QVERIFY(!m_op->startScreen());
     QTRY_VERIFY(!left);
 }
 
 void tst_ScreenFlow::aRecentProjectThatIsGoneLeavesTheStartScreen()
 {
-    m_fixture->writeProject(m_name, {});
-    m_fixture->listProject(m_name, false);
-    m_station = std::make_unique<SorvantoMain>();
-    QVERIFY(QFile::remove(m_fixture->projectPath(m_name)));
-    QListWidget *recent = child<QListWidget>(*startScreen(), "listWidget");
+    m_op->fixture.writeProject(m_op->name, {});
+    m_op->fixture.listProject(m_op->name, false);
+    m_op->startStation();
+    QVERIFY(QFile::remove(m_op->projectPath()));
+    QListWidget *recent = child<QListWidget>(*m_op->startScreen(), "listWidget");
     emit recent->itemActivated(recent->item(0));
     QCOMPARE(shownMessages(), QStringList{QStringLiteral("There is no device information!")});
-    QVERIFY(startScreen());
-    QVERIFY(!m_station->isProjectOpen());
+    QVERIFY(m_op->startScreen());
+    QVERIFY(!m_op->station->isProjectOpen());
 }
 
 void tst_ScreenFlow::theDeviceSetIsEdited()
 {
-    openProject(2);
-    const QPointer<ProjectCenter> left = project();
-    const QList<ConfiguredDevice *> before = m_station->configuredDevices();
-    action(*m_station, "menu_view", QStringLiteral("Expansion Mode"))->trigger();
+    QVERIFY(m_op->openProject(2));
+    const QPointer<ProjectCenter> left = m_op->project();
+    const QList<ConfiguredDevice *> before = m_op->station->configuredDevices();
+    m_op->trigger("menu_view", QStringLiteral("Expansion Mode"));
     const LogCapture log;
-    edit();
+    m_op->edit();
 
     QCOMPARE(log.count(QStringLiteral("SorvantoMain::deleteInsertSerialData()")), 1);
-    QVERIFY(!m_station->isProjectOpen());
-    QVERIFY(!action(*m_station, "menu_view", QStringLiteral("Expansion Mode"))->isChecked());
-    QVERIFY(!child<QTimer>(*m_station, "writeDeviceTimer")->isActive());
-    QCOMPARE(enabledActions(*m_station), actionsWhileChoosing);
+    QVERIFY(!m_op->station->isProjectOpen());
+    QVERIFY(!action(*m_op->station, "menu_view", QStringLiteral("Expansion Mode"))->isChecked());
+    QVERIFY(!child<QTimer>(*m_op->station, "writeDeviceTimer")->isActive());
+    QCOMPARE(m_op->actions(), actionsWhileChoosing);
     for (const ConfiguredDevice *device : before)
         QVERIFY(!device->isOpen());
-    m_station->writeDevice();
+    m_op->station->writeDevice();
     QTRY_VERIFY(!left);
 
-    const QPointer<ConfiguredDevice> added = addByHand();
-    confirm();
-    QVERIFY(m_station->isProjectOpen());
-    QCOMPARE(m_station->configuredDevices(), before + QList<ConfiguredDevice *>{added});
-    for (const ConfiguredDevice *device : m_station->configuredDevices())
+    const QPointer<ConfiguredDevice> added = m_op->addByHand();
+    m_op->confirm();
+    QVERIFY(m_op->station->isProjectOpen());
+    QCOMPARE(m_op->station->configuredDevices(), before + QList<ConfiguredDevice *>{added});
+    for (const ConfiguredDevice *device : m_op->station->configuredDevices())
         QTRY_COMPARE(device->ch2Value(), QStringLiteral("45.10"));
-    QCOMPARE(ProjectFile(m_fixture->projectPath(m_name)).readDevices()->size(), 3);
-    QVERIFY(enabledActions(*m_station).contains(QStringLiteral("Add/Delete")));
+    QCOMPARE(m_op->projectFile().readDevices()->size(), 3);
+    QVERIFY(m_op->actions().contains(QStringLiteral("Add/Delete")));
 }
 
 void tst_ScreenFlow::editingGivesTheManagerWhatTheProjectHas()
 {
-    openProject(2, 300000);
-    edit();
-    QCOMPARE(rowTexts(*child<QListWidget>(*manager(), "configured_list_1")).size(), 2);
-    QVERIFY(
-        child<QListWidget>(*manager(), "configured_list_1")->item(0)->text().startsWith(QStringLiteral("Room 1\t[")));
-    QCOMPARE(child<QLineEdit>(*manager(), "lineEdit_dashboard_2")->text(), QStringLiteral("South"));
-    QCOMPARE(labelText(*m_station, "label_interval"), QStringLiteral("Interval : 5 min"));
-    QVERIFY(!child<QPushButton>(*manager(), "btn_timeInterval")->isEnabled());
-    QVERIFY(!enabledActions(*m_station).contains(QStringLiteral("Keep Socket Connection")));
+    QVERIFY(m_op->openProject(2, 300000));
+    m_op->edit();
+    QCOMPARE(rowTexts(*child<QListWidget>(*m_op->manager(), "configured_list_1")).size(), 2);
+    QVERIFY(child<QListWidget>(*m_op->manager(), "configured_list_1")
+                ->item(0)
+                ->text()
+                .startsWith(QStringLiteral("Room 1\t[")));
+    QCOMPARE(child<QLineEdit>(*m_op->manager(), "lineEdit_dashboard_2")->text(), QStringLiteral("South"));
+    QCOMPARE(m_op->status("label_interval"), QStringLiteral("Interval : 5 min"));
+    QVERIFY(!child<QPushButton>(*m_op->manager(), "btn_timeInterval")->isEnabled());
+    QVERIFY(!m_op->actions().contains(QStringLiteral("Keep Socket Connection")));
 }
 
 void tst_ScreenFlow::editingIsNoWayOutOfARecording()
 {
-    openProject(1);
-    m_station->slotStartRecord();
-    QVERIFY(!action(*m_station, "menu_project", QStringLiteral("Add/Delete"))->isEnabled());
-    m_station->slotAddDeviceProject();
-    QVERIFY(project());
-    QVERIFY(m_station->isRecording());
-    m_station->slotStopRecord();
-    QVERIFY(action(*m_station, "menu_project", QStringLiteral("Add/Delete"))->isEnabled());
+    QVERIFY(m_op->openProject(1));
+    m_op->station->slotStartRecord();
+    QVERIFY(!action(*m_op->station, "menu_project", QStringLiteral("Add/Delete"))->isEnabled());
+    m_op->station->slotAddDeviceProject();
+    QVERIFY(m_op->project());
+    QVERIFY(m_op->station->isRecording());
+    m_op->station->slotStopRecord();
+    QVERIFY(action(*m_op->station, "menu_project", QStringLiteral("Add/Delete"))->isEnabled());
 }
 
 void tst_ScreenFlow::closingFromTheManager_data()
@@ -286,41 +235,41 @@ void tst_ScreenFlow::closingFromTheManager()
 {
     QFETCH(bool, editing);
     if (editing) {
-        openProject(1);
-        edit();
+        QVERIFY(m_op->openProject(1));
+        m_op->edit();
     } else {
-        create(m_name);
+        m_op->createProject();
     }
-    const QPointer<ProjectManager> left = manager();
-    action(*m_station, "menu_project", QStringLiteral("Close"))->trigger();
-    QVERIFY(startScreen()->isVisible());
-    QVERIFY(!manager());
-    QCOMPARE(enabledActions(*m_station), actionsWithoutAProject);
-    QCOMPARE(labelText(*m_station, "label_projectname"), QString());
-    QVERIFY(m_station->configuredDevices().isEmpty());
-    const auto devices = ProjectFile(m_fixture->projectPath(m_name)).readDevices();
+    const QPointer<ProjectManager> left = m_op->manager();
+    m_op->close();
+    QVERIFY(m_op->startScreen()->isVisible());
+    QVERIFY(!m_op->manager());
+    QCOMPARE(m_op->actions(), actionsWithoutAProject);
+    QCOMPARE(m_op->status("label_projectname"), QString());
+    QVERIFY(m_op->station->configuredDevices().isEmpty());
+    const auto devices = m_op->projectFile().readDevices();
     QCOMPARE(devices ? devices->size() : -1, editing ? 1 : -1);
     QTRY_VERIFY(!left);
 }
 
 void tst_ScreenFlow::closingWhileRecordingLeavesNoActionOn()
 {
-    openProject(1);
-    m_station->slotStartRecord();
-    m_station->slotCloseProject();
-    QCOMPARE(enabledActions(*m_station), actionsWithoutAProject);
-    QVERIFY(m_station->findChildren<QTcpSocket *>().isEmpty());
+    QVERIFY(m_op->openProject(1));
+    m_op->station->slotStartRecord();
+    m_op->station->slotCloseProject();
+    QCOMPARE(m_op->actions(), actionsWithoutAProject);
+    QVERIFY(m_op->station->findChildren<QTcpSocket *>().isEmpty());
 }
 
 void tst_ScreenFlow::anIntervalThatWasNotConfirmedIsForgotten()
 {
-    create(m_name);
-    const QList<QAction *> intervals = manager()->findChild<QMenu *>()->actions();
+    m_op->createProject();
+    const QList<QAction *> intervals = m_op->manager()->findChild<QMenu *>()->actions();
     intervals.at(4)->trigger();
     QCOMPARE(dataIntervalMs, 300000);
-    m_station->slotCloseProject();
+    m_op->station->slotCloseProject();
     QCOMPARE(dataIntervalMs, defaultDataIntervalMs);
-    QVERIFY(enabledActions(*m_station).contains(QStringLiteral("Keep Socket Connection")));
+    QVERIFY(m_op->actions().contains(QStringLiteral("Keep Socket Connection")));
 }
 
 void tst_ScreenFlow::theWindowClosesFromEveryScreen_data()
@@ -337,16 +286,16 @@ void tst_ScreenFlow::theWindowClosesFromEveryScreen()
     QFETCH(int, steps);
     QPointer<ConfiguredDevice> device;
     if (steps > 0) {
-        create(m_name);
-        device = addByHand();
+        m_op->createProject();
+        device = m_op->addByHand();
     }
     if (steps > 1)
-        confirm();
+        m_op->confirm();
     if (steps > 2)
-        edit();
-    QVERIFY(m_station->close());
+        m_op->edit();
+    QVERIFY(m_op->station->close());
     QVERIFY(!device);
-    m_station.reset();
+    m_op->station.reset();
 }
 
 STATION_TEST_MAIN(tst_ScreenFlow)

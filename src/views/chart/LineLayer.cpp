@@ -7,6 +7,7 @@
 #include <QPainterPath>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace chart {
 
@@ -94,20 +95,19 @@ int LineLayer::nearestIndex(double x, const Range &within) const
 
 std::optional<Range> LineLayer::valuesWithin(const Range &xRange) const
 {
-    std::optional<Range> range;
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    Range range{infinity, -infinity};
     for (const auto &dataSet : m_dataSets) {
         const size_t count = std::min(m_xValues.size(), dataSet->values.size());
         for (size_t i = 0; i < count; ++i) {
             const double value = dataSet->values[i];
-            if (!isValue(value) || !isWithin(m_xValues[i], xRange))
+            if (!isWithin(m_xValues[i], xRange) || !isValue(value))
                 continue;
-            if (range)
-                range = Range{std::min(range->low, value), std::max(range->high, value)};
-            else
-                range = Range{value, value};
+            range.low = std::min(range.low, value);
+            range.high = std::max(range.high, value);
         }
     }
-    return range;
+    return range.low <= range.high ? std::optional(range) : std::nullopt;
 }
 
 void LineLayer::draw(QPainter &painter, const Scale &x, const Scale &y, const QRectF &clip) const

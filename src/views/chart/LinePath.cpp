@@ -34,19 +34,21 @@ bool clip(QLineF &line, const QRectF &area)
     return true;
 }
 
-/// The points that fell into one column of pixels, in a row.
+/// The points that fell into one column of pixels, in a row. Its borders are x values: of all the points but few come
+/// to be drawn, and only those are worth a coordinate.
 class Column
 {
 public:
-    bool isEmpty() const { return m_count == 0; }
-    bool holds(double x) const { return x >= m_left && x < m_right; }
+    bool holds(double x) const { return x >= m_low && x < m_high; }
 
-    void start(double left, double right)
+    void start(const Range &xValues)
     {
-        m_left = left;
-        m_right = right;
+        m_low = xValues.low;
+        m_high = xValues.high;
         m_count = 0;
     }
+    /// Holds nothing from now on.
+    void end() { start({0, 0}); }
 
     void add(double x, double value)
     {
@@ -78,8 +80,8 @@ public:
 private:
     using Point = std::pair<double, double>;
 
-    double m_left = 0;
-    double m_right = 0;
+    double m_low = 0;
+    double m_high = 0;
     int m_count = 0;
     std::array<Point, 4> m_first;
     Point m_lowest;
@@ -95,13 +97,11 @@ public:
 
     void add(double xValue, double value)
     {
-        const double x = m_field.x.pixel(xValue);
-        if (m_column.isEmpty() || !m_column.holds(x)) {
+        if (!m_column.holds(xValue)) {
             endColumn();
-            const double left = std::floor(x / m_field.column) * m_field.column;
-            m_column.start(left, left + m_field.column);
+            m_column.start(columnAround(xValue));
         }
-        m_column.add(x, value);
+        m_column.add(xValue, value);
     }
 
     void breakLine()
@@ -116,12 +116,24 @@ public:
     LinePath path() const { return m_path; }
 
 private:
+    /// By its x values, for which a point on the border belongs to the same column as for all others beside it, however
+    /// its coordinate is rounded.
+    Range columnAround(double xValue) const
+    {
+        double left = std::floor(m_field.x.pixel(xValue) / m_field.column) * m_field.column;
+        if (xValue < m_field.x.value(left))
+            left -= m_field.column;
+        else if (xValue >= m_field.x.value(left + m_field.column))
+            left += m_field.column;
+        return {m_field.x.value(left), m_field.x.value(left + m_field.column)};
+    }
+
     void endColumn()
     {
         m_column.forEach([this](const std::pair<double, double> &point) {
-            lineTo({point.first, m_field.y.pixel(point.second)});
+            lineTo({m_field.x.pixel(point.first), m_field.y.pixel(point.second)});
         });
-        m_column.start(0, 0);
+        m_column.end();
     }
 
     void lineTo(const QPointF &point)
