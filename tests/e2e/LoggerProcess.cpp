@@ -54,7 +54,7 @@ QByteArray LoggerProcess::control(const QByteArray &line)
     if (!QTest::qWaitFor([&] { return answer.endsWith(last); }, startTimeoutMs))
         return "no answer: " + answer;
     answer.chop(last.size());
-    return answer;
+    return answer.trimmed();
 }
 
 QStringList LoggerProcess::readingsOf(const QString &key) const

@@ -67,8 +67,8 @@ QMenu *openMenu()
 QAction *entryOf(const QMenu &menu, const QString &text)
 {
     const auto actions = menu.actions();
-    const auto found =
-        std::find_if(actions.cbegin(), actions.cend(), [&text](const QAction *action) { return action->text() == text; });
+    const auto found = std::find_if(actions.cbegin(), actions.cend(),
+                                    [&text](const QAction *action) { return action->text() == text; });
     return found == actions.cend() ? nullptr : *found;
 }
 
@@ -262,9 +262,9 @@ bool Operator::press(Qt::Key key)
 bool Operator::clickTab(const QString &tabs, int index)
 {
     const QString bar = tabs + QStringLiteral("/qt_tabwidget_tabbar");
-    return clickAt(bar, [index](QWidget *widget) {
-        return qobject_cast<QTabBar *>(widget)->tabRect(index).center();
-    }) && waitFor("tab", tabs, [&] {
+    return clickAt(bar,
+                   [index](QWidget *widget) { return qobject_cast<QTabBar *>(widget)->tabRect(index).center(); }) &&
+           waitFor("tab", tabs, [&] {
                const auto *shown = findAs<QTabWidget>(tabs);
                return shown && shown->currentIndex() == index;
            });
@@ -295,18 +295,20 @@ bool Operator::pick(const QString &combo, const QString &text)
 {
     if (!click(combo))
         return false;
-    return waitFor("pick", text, [&] {
-        const auto *box = findAs<QComboBox>(combo);
-        const int index = box ? box->findText(text) : -1;
-        QAbstractItemView *view = box ? box->view() : nullptr;
-        if (index < 0 || !view->isVisible() || !view->window()->windowHandle()->isExposed())
-            return false;
-        const QPoint at = view->visualRect(view->model()->index(index, 0)).center();
-        QTest::mouseMove(view->window()->windowHandle(), view->viewport()->mapTo(view->window(), at));
-        QTest::mouseClick(view->window()->windowHandle(), Qt::LeftButton, {},
-                          view->viewport()->mapTo(view->window(), at));
-        return true;
-    }) && waitFor("picked", text, [&] { return Operator::text(combo) == text; });
+    return waitFor("pick", text,
+                   [&] {
+                       const auto *box = findAs<QComboBox>(combo);
+                       const int index = box ? box->findText(text) : -1;
+                       QAbstractItemView *view = box ? box->view() : nullptr;
+                       if (index < 0 || !view->isVisible() || !view->window()->windowHandle()->isExposed())
+                           return false;
+                       const QPoint at = view->visualRect(view->model()->index(index, 0)).center();
+                       QTest::mouseMove(view->window()->windowHandle(), view->viewport()->mapTo(view->window(), at));
+                       QTest::mouseClick(view->window()->windowHandle(), Qt::LeftButton, {},
+                                         view->viewport()->mapTo(view->window(), at));
+                       return true;
+                   }) &&
+           waitFor("picked", text, [&] { return Operator::text(combo) == text; });
 }
 
 bool Operator::clickEntry(const QString &text)

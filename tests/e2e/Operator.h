@@ -10,7 +10,7 @@ class QRect;
 class QWidget;
 
 /// No step of an operator takes anything near this long unless something is broken.
-constexpr int patienceMs = 60000;
+constexpr int patienceMs = 30000;
 
 /// Waits for something to become true that an operator sees or hears.
 #define SEES(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patienceMs)
@@ -18,10 +18,9 @@ constexpr int patienceMs = 60000;
 
 /// The eyes and hands of an operator in front of the station: finds what is on the screen by its object name, and works
 /// it through the window it is in, with mouse and keyboard, at the place where it is shown.
-/// A name may be preceded by those of widgets around it: "widget_01/label_number". Of several of a name the one in front
-/// is meant: an open menu, then a dialog, then the main window.
-/// Hands wait until what they reach for is on the screen, enabled and not covered; they return false if that takes too
-/// long.
+/// A name may be preceded by those of widgets around it: "widget_01/label_number". Of several of a name the one in
+/// front is meant: an open menu, then a dialog, then the main window. Hands wait until what they reach for is on the
+/// screen, enabled and not covered; they return false if that takes too long.
 class Operator
 {
 public:

@@ -38,6 +38,27 @@ private:
     SinkMonitor m_ear;
 };
 
+/// A test whose functions are parts of one operator's day: what follows a failed one is left out.
+class OperatorTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+private:
+    bool m_hasFailed = false;
+};
+
+/// A part of a test function, in a function of its own.
+#define STEP(step)                                                                                                     \
+    do {                                                                                                               \
+        step();                                                                                                        \
+        if (QTest::currentTestFailed())                                                                                \
+            return;                                                                                                    \
+    } while (false)
+
 /// An operator's test: the screen is a real one, see at-a-desk; sound server and home folder are the test's own.
 int runOperatorTest(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &createTest);
 

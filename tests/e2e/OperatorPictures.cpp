@@ -6,12 +6,23 @@
 #include <QScreen>
 #include <QTest>
 #include <QWidget>
+#include <QWindow>
+
+#include <algorithm>
 
 namespace {
 
-/// Paints and the window manager's answers that are under way arrive before a picture is taken.
+/// New windows are on the screen, and paints that are under way have arrived, before a picture is taken.
 void settle()
 {
+    const auto areExposed = [] {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        return std::all_of(windows.cbegin(), windows.cend(), [](const QWidget *window) {
+            return !window->isVisible() || !window->windowHandle() || window->windowHandle()->isExposed();
+        });
+    };
+    if (!QTest::qWaitFor(areExposed, patienceMs))
+        qWarning("a window does not get onto the screen");
     for (int turn = 0; turn < 3; ++turn) {
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
@@ -35,9 +46,7 @@ QImage Operator::image(const QString &name)
     if (!widget)
         return {};
     const QRect part(widget->mapToGlobal({}), widget->size());
-    return QGuiApplication::primaryScreen()
-        ->grabWindow(0, part.x(), part.y(), part.width(), part.height())
-        .toImage();
+    return QGuiApplication::primaryScreen()->grabWindow(0, part.x(), part.y(), part.width(), part.height()).toImage();
 }
 
 void Operator::putPointerAway()

@@ -24,7 +24,7 @@ bool isTeal(const QColor &colour)
 
 /// From the first start of a station with nothing, over a project that is made, recorded and closed, to a station that
 /// starts by itself; and all that was read is in the recording.
-class tst_OperatorFirstProject : public QObject
+class tst_OperatorFirstProject : public OperatorTest
 {
     Q_OBJECT
 
@@ -55,13 +55,6 @@ private:
     QList<LoggerProcess::Counts> m_starts; // of the recordings, one after the other
     QList<LoggerProcess::Counts> m_ends;
 };
-
-#define STEP(step)                                                                                                     \
-    do {                                                                                                               \
-        step();                                                                                                        \
-        if (QTest::currentTestFailed())                                                                                \
-            return;                                                                                                    \
-    } while (false)
 
 void tst_OperatorFirstProject::theFirstStart()
 {
@@ -99,7 +92,8 @@ void tst_OperatorFirstProject::chooseDevices()
     // As the broadcast search has found them.
     SEES_EQUAL(Operator::rows("availlable_list").size(), 3);
     for (int number = 1; number <= 3; ++number) {
-        const QString row = QStringLiteral("%1\t[%2:23]").arg(LoggerProcess::key(number), LoggerProcess::address(number));
+        const QString row =
+            QStringLiteral("%1\t[%2:23]").arg(LoggerProcess::key(number), LoggerProcess::address(number));
         QVERIFY2(Operator::rows("availlable_list").contains(row), qPrintable(row));
     }
     QVERIFY(placeOnDashboard(0, {LoggerProcess::key(1), LoggerProcess::key(2)}));
@@ -126,7 +120,7 @@ void tst_OperatorFirstProject::nameTheFirst()
     QVERIFY(openOptions(LoggerProcess::key(1)));
     QVERIFY(Operator::type("lineEdit_devicename", "Cold room"));
     QVERIFY(Operator::type("lineEdit_ch1name", "Temperature"));
-    QVERIFY(Operator::pick("comboBox_unit_ch1", QString::fromUtf8("°C")));
+    QVERIFY(Operator::pick("comboBox_unit_ch1", QString::fromUtf8("Temperature(°C)")));
     QVERIFY(Operator::type("lineEdit_ch2name", "Humidity"));
     QVERIFY(Operator::pick("comboBox_unit_ch2", "Humidity(%)"));
     QVERIFY(Operator::typeNumber("doubleSpinBox_min_ch1", -5));
