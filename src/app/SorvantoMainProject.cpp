@@ -81,9 +81,10 @@ void SorvantoMain::openProjectView()
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
+    // In its place before it is filled: every move makes all tiles look up their styles again.
+    m_form->centralFrame->layout()->addWidget(m_projectCenter);
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_configuredDevices);
-    m_form->centralFrame->layout()->addWidget(m_projectCenter);
     m_projectCenter->show();
 
     slotKeepAlive(m_settings.keepAlive);
