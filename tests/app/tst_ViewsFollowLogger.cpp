@@ -13,6 +13,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTabWidget>
+#include <algorithm>
 
 namespace {
 
@@ -243,12 +244,12 @@ void tst_ViewsFollowLogger::recordBarFollowsTheRecording()
     for (const char *label : {"label_record_starttime", "label_to", "label_record_endtime"})
         QCOMPARE(child<QLabel>(*m_station, label)->styleSheet(), idle);
     // From the first reading to the last row, as they stand in the recording.
-    const QList<RecordedRow> rows = m_fixture->rows(QStringLiteral("Kitchen"));
-    const auto timeOf = [](const RecordedRow &row) {
-        return QDateTime::fromSecsSinceEpoch(row.time).toString(timeFormat);
-    };
-    QCOMPARE(barText("label_record_starttime"), timeOf(rows.first()));
-    QCOMPARE(barText("label_record_endtime"), timeOf(rows.last()));
+    QList<qint64> times;
+    for (const RecordedRow &row : m_fixture->rows(QStringLiteral("Kitchen")))
+        times << row.time;
+    const auto [first, last] = std::minmax_element(times.cbegin(), times.cend());
+    QCOMPARE(barText("label_record_starttime"), QDateTime::fromSecsSinceEpoch(*first).toString(timeFormat));
+    QCOMPARE(barText("label_record_endtime"), QDateTime::fromSecsSinceEpoch(*last).toString(timeFormat));
     const double megabytes = double(QFileInfo(m_fixture->recordingPath(QStringLiteral("Kitchen"))).size()) / (1 << 20);
     QTRY_COMPARE(barText("label_record_bytes"), QStringLiteral("Database %1MB").arg(megabytes, 0, 'f', 2));
 }
