@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes img/*.png from svg/*.svg, at single and double density. Run by hand after a drawing has changed; the pictures
-# are kept in the repository, so that a build needs neither the renderer nor the font.
+# Makes img/*.png from svg/*.svg, at single and double density, and icons/*.png for the desktop. Run by hand after a
+# drawing has changed; the pictures are kept in the repository, so that a build needs neither the renderer nor the font.
 # Needs rsvg-convert (librsvg2-bin) and the font "Open Sans" (fonts-open-sans).
 set -eu
 cd "$(dirname "$0")"
@@ -16,7 +16,14 @@ make() {
     rsvg-convert -w "$(($2 * 2))" -h "$(($3 * 2))" -o "img/$1@2x.png" "svg/$1.svg"
 }
 
-mkdir -p img
+# make_icons NAME DRAWING: the sizes that desktops ask for.
+make_icons() {
+    for size in 16 22 24 32 48 64 128 256 512; do
+        rsvg-convert -w "$size" -h "$size" -o "icons/$1-$size.png" "svg/$2.svg"
+    done
+}
+
+mkdir -p img icons
 make LoadingLite 480 280
 make SorvantoLogoLite 135 30
 make OstrivaneLogo 100 18
@@ -41,3 +48,6 @@ make btn_removeDevice 32 32
 make icon_lan 16 16
 make icon_usb 16 16
 make sorvanto_lite 720 326
+
+make_icons sorvanto-lite I_2
+make_icons application-x-sorvanto-lite-project project_file

@@ -10,8 +10,9 @@ constexpr int longestKeepAliveIntervalMs = 60000;
 ActionStates actionStates(const ControllerState &state)
 {
     ActionStates actions;
+    actions.addDelete = state.projectOpen && !state.recording;
     actions.close = (state.projectCreated || state.projectOpen) && !state.recording;
-    actions.keepAlive = !state.projectOpen || state.intervalMs <= longestKeepAliveIntervalMs;
+    actions.keepAlive = !state.projectCreated || state.intervalMs <= longestKeepAliveIntervalMs;
     actions.refreshDevices = state.projectOpen;
     actions.exit = !state.recording;
     actions.siblings = state.projectOpen;

@@ -12,6 +12,7 @@ struct ControllerState
 /// Which menu entries are enabled.
 struct ActionStates
 {
+    bool addDelete = false;
     bool close = false;
     bool keepAlive = false;
     bool refreshDevices = false;

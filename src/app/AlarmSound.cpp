@@ -1,39 +1,10 @@
 #include "app/AlarmSound.h"
 
-#include <QAudioDeviceInfo>
-#include <QAudioFormat>
-#include <QAudioOutput>
 #include <QLoggingCategory>
 
 namespace {
 
 Q_LOGGING_CATEGORY(lcSound, "sorvanto.sound")
-
-struct Stream
-{
-    QAudioFormat::SampleType sampleType;
-    int bufferBytes;
-};
-
-// Sound servers know 16-bit samples as signed only, and refuse the very bytes they take under that name. They are fed
-// in periods of 20 ms, and one of them (PulseAudio) waits for ever for the rest of a buffer that is not whole periods.
-constexpr int periodBytes = 44100 * 4 / 50;
-constexpr Stream streams[] = {
-    {QAudioFormat::UnSignedInt, 10000},
-    {QAudioFormat::SignedInt, 3 * periodBytes},
-};
-
-QAudioFormat alarmFormat(QAudioFormat::SampleType sampleType)
-{
-    QAudioFormat format;
-    format.setSampleRate(44100);
-    format.setChannelCount(2);
-    format.setSampleSize(16);
-    format.setCodec(QStringLiteral("audio/pcm"));
-    format.setByteOrder(QAudioFormat::LittleEndian);
-    format.setSampleType(sampleType);
-    return format;
-}
 
 } // namespace
 
@@ -72,14 +43,9 @@ void AlarmSound::stop()
 
 bool AlarmSound::openOutput()
 {
-    const auto device = QAudioDeviceInfo::defaultOutputDevice();
-    for (const Stream &stream : streams) {
-        const QAudioFormat format = alarmFormat(stream.sampleType);
-        if (!device.isFormatSupported(format))
-            continue;
-        m_audioOutput = new QAudioOutput(device, format, this);
-        m_audioOutput->setBufferSize(stream.bufferBytes);
-        connect(m_audioOutput, &QAudioOutput::stateChanged, this, &AlarmSound::stateChanged);
+    m_audioOutput = openAudioOutput(this);
+    if (m_audioOutput) {
+        connect(m_audioOutput, &AudioOutput::stateChanged, this, &AlarmSound::stateChanged);
         return true;
     }
     qCWarning(lcSound).noquote() << "Raw audio format not supported by backend, cannot play audio.";

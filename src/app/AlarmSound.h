@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/AudioOutput.h"
+
 #include <QAudio>
 #include <QFile>
 #include <QObject>
-
-class QAudioOutput;
 
 /// The alarm that sounds, over and over, for as long as any channel is out of its range.
 /// Without a sound device everything but setUp() does nothing.
@@ -36,6 +36,6 @@ private:
     bool openOutput();
     bool openFile();
 
-    QAudioOutput *m_audioOutput = nullptr;
+    AudioOutput *m_audioOutput = nullptr;
     QFile m_audioFile;
 };

@@ -12,6 +12,11 @@ QMenu *makeMenu(const QString &objectName, QWidget *window)
     QFont font = menu->font();
     font.setBold(true);
     menu->setFont(font);
+    // The style's own grey of a disabled entry is that of this background.
+    QPalette palette = menu->palette();
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(125, 125, 125));
+    menu->setPalette(palette);
     return menu;
 }
 
@@ -27,6 +32,7 @@ QAction *addCheckable(QMenu *menu, const QString &text)
 MainMenus::MainMenus(QWidget *window) : QObject(window)
 {
     project = makeMenu(QStringLiteral("menu_project"), window);
+    addDelete = project->addAction(tr("Add/Delete"));
     close = project->addAction(tr("Close"));
     project->addSeparator();
     autoProject = addCheckable(project, tr("Auto Load Recent Project"));
@@ -53,6 +59,7 @@ MainMenus::MainMenus(QWidget *window) : QObject(window)
 
 void MainMenus::setEnabledStates(const ActionStates &states)
 {
+    addDelete->setEnabled(states.addDelete);
     close->setEnabled(states.close);
     keepAlive->setEnabled(states.keepAlive);
     refreshDevices->setEnabled(states.refreshDevices);

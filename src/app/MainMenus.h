@@ -20,6 +20,7 @@ public:
     void setEnabledStates(const ActionStates &states);
 
     QMenu *project;
+    QAction *addDelete;
     QAction *close;
     QAction *autoProject;
     QAction *autoRecord;

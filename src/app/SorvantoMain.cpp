@@ -7,6 +7,7 @@
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
+#include "project/ProjectLock.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"
@@ -29,7 +30,7 @@ constexpr int checkTimerMs = 1500;
 
 } // namespace
 
-SorvantoMain::SorvantoMain(QWidget *parent)
+SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     : QWidget(parent),
       m_form(std::make_unique<Ui::SorvantoMain>()),
       m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
@@ -41,12 +42,15 @@ SorvantoMain::SorvantoMain(QWidget *parent)
     m_menus->autoRecord->setChecked(m_settings.autoRecord);
     m_menus->keepAlive->setChecked(m_settings.keepAlive);
     m_settings.pruneRecentProjects();
+    showStartScreen();
     createTimers();
     setUpAlarmSound();
 
-    const QString recent = m_settings.autoLoadPath();
-    if (!recent.isEmpty())
-        projectLoaded(recent);
+    QString first = start.projectFile;
+    if (first.isEmpty() && start.autoLoad)
+        first = m_settings.autoLoadPath();
+    if (!first.isEmpty())
+        projectLoaded(first);
 }
 
 SorvantoMain::~SorvantoMain()
@@ -86,6 +90,7 @@ void SorvantoMain::buildForm()
 void SorvantoMain::connectMenus()
 {
     m_menus = new MainMenus(this);
+    connect(m_menus->addDelete, &QAction::triggered, this, &SorvantoMain::slotAddDeviceProject);
     connect(m_menus->close, &QAction::triggered, this, &SorvantoMain::slotCloseProject);
     connect(m_menus->autoProject, &QAction::triggered, this, &SorvantoMain::slotAutoProject);
     connect(m_menus->autoRecord, &QAction::triggered, this, &SorvantoMain::slotAutoRecord);
@@ -214,6 +219,7 @@ void SorvantoMain::slotRefreshDevice()
 void SorvantoMain::slotRefreshAvailDeviceList()
 {
     checkConnection();
+    refreshFoundDevices();
     broadcastDevice();
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/StartOptions.h"
 #include "device/AvailDevice.h"
+#include "device/ConfiguredDevice.h"
 #include "device/UsbLoggers.h"
 #include "project/AppSettings.h"
 
@@ -14,10 +16,12 @@
 #include <memory>
 
 class AlarmSound;
-class ConfiguredDevice;
 class InsertSerialData;
 class MainMenus;
 class ProjectCenter;
+class ProjectLock;
+class ProjectMain;
+class ProjectManager;
 class QMenu;
 class QTimer;
 class QUdpSocket;
@@ -35,8 +39,9 @@ class SorvantoMain : public QWidget
     Q_OBJECT
 
 public:
-    /// Does all the loading work; with auto-load on, a project is open and recorded when this returns.
-    explicit SorvantoMain(QWidget *parent = nullptr);
+    /// Does all the loading work; with auto-load on or a project file named, a project is open and recorded when this
+    /// returns.
+    explicit SorvantoMain(const StartOptions &start = {}, QWidget *parent = nullptr);
     ~SorvantoMain() override;
 
     /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop
@@ -65,6 +70,7 @@ public slots:
     void slotViewFull(bool on);
     void slotShowHideItem(bool on);
     void slotCloseProject();
+    void slotAddDeviceProject();
     void slotRefreshDevice();
     void slotAutoProject(bool on);
     void slotAutoRecord(bool on);
@@ -76,7 +82,9 @@ public slots:
     void slotToggleRecord();
     void slotStartRecord();
     void slotStopRecord();
+    void projectCreated(const QString &path);
     void projectLoaded(const QString &path);
+    void projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames);
     void checkConnection();
     void slotStdTimer();
     void writeDevice();
@@ -129,11 +137,26 @@ private:
     void mergeDiscovered(const DiscoveryReply &reply);
 
     // Project flow
+    std::unique_ptr<ProjectLock> lockProject(const QString &path);
     void adoptDevices(const QList<DeviceEntry> &entries);
+    void adoptConfirmed(const QList<ConfiguredDevice *> &devices);
+    QList<ConfiguredDevice *> unconfirmedDevices();
+    void freeDevices(const QList<ConfiguredDevice *> &devices);
     void openProjectView();
-    void deleteProjectCenter();
+    void leaveProject();
     void closeProject();
-    void showProjectLabels();
+    void showProjectName();
+    void showInterval();
+    void reportUnsavedProject();
+
+    // Screens
+    void showStartScreen();
+    ProjectManager *showProjectManager();
+    void refreshFoundDevices();
+    void showScreen(QWidget *screen);
+    template <typename Screen>
+    void discard(Screen *&screen);
+    void discardScreens();
 
     // Shell
     void openSibling(const QString &program);
@@ -143,7 +166,8 @@ private:
     std::unique_ptr<Ui::SorvantoMain> m_form;
     AppSettings m_settings;
     QString m_projectName;
-    QString m_projectFile;
+    QString m_projectFile; ///< empty while no project is open or being created
+    std::unique_ptr<ProjectLock> m_projectLock;
     QList<ConfiguredDevice *> m_configuredDevices;
     QList<AvailDevice *> m_availDeviceList;
     QHash<QString, AvailDevice *> m_availDeviceIndex; // of m_availDeviceList, by key
@@ -167,6 +191,9 @@ private:
     QUdpSocket *m_sndUdpSocket = nullptr;
     QUdpSocket *m_rcvUdpSocket = nullptr;
     AlarmSound *m_alarmSound = nullptr;
+    // The screen in the centre; the others are null.
+    ProjectMain *m_projectMain = nullptr;
+    ProjectManager *m_projectManager = nullptr;
     ProjectCenter *m_projectCenter = nullptr;
     QPixmap m_readyPixmap;
     QPixmap m_recordingPixmap;

@@ -94,6 +94,9 @@ void SorvantoMain::readPendingDatagrams()
         else
             qCDebug(lcApp) << "[ERROR] SorvantoMain::readPendingDatagrams : reply too short, size :" << bytes.size();
     }
+    // What is left is read at the next turn; a list made anew at each of them would be of no use to anybody.
+    if (!m_rcvUdpSocket || !m_rcvUdpSocket->hasPendingDatagrams())
+        refreshFoundDevices();
     qCDebug(lcApp).nospace() << "SorvantoMain::readPendingDatagrams m_availDeviceList size :["
                              << m_availDeviceList.size() << "]";
 }

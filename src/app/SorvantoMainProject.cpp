@@ -5,7 +5,9 @@
 #include "app/MainMenus.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
+#include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
+#include "project/ProjectLock.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
@@ -27,6 +29,40 @@ QString shortened(const QString &folder)
 
 } // namespace
 
+/// The lock on a project that is about to be opened; null, with a message, while another station has it.
+std::unique_ptr<ProjectLock> SorvantoMain::lockProject(const QString &path)
+{
+    if (m_projectLock && m_projectLock->isOn(path))
+        return std::move(m_projectLock);
+    auto lock = std::make_unique<ProjectLock>(path);
+    if (lock->acquire())
+        return lock;
+    showTimedMessage(QStringLiteral("ERROR"), lock->refusal());
+    return nullptr;
+}
+
+void SorvantoMain::projectCreated(const QString &path)
+{
+    std::unique_ptr<ProjectLock> lock = lockProject(path);
+    if (!lock)
+        return;
+    const QString name = QFileInfo(path).baseName();
+    if (!ProjectFile(path).create(name, dataIntervalMs)) {
+        reportUnsavedProject();
+        return;
+    }
+    leaveProject();
+    m_projectLock = std::move(lock);
+    m_projectFile = path;
+    m_projectName = name;
+    m_databasePath = ProjectFile(path).databasePath();
+    showProjectName();
+    showProjectManager()->setAvailDeviceList(m_availDeviceList);
+    refreshActions();
+    checkConnection();
+    broadcastDevice();
+}
+
 void SorvantoMain::projectLoaded(const QString &path)
 {
     const auto entries = ProjectFile(path).readDevices();
@@ -34,12 +70,12 @@ void SorvantoMain::projectLoaded(const QString &path)
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("There is no device information!"));
         return;
     }
-    if (m_bIsProjectOpen) {
-        closeProject();
-        deleteProjectCenter();
-    }
+    std::unique_ptr<ProjectLock> lock = lockProject(path);
+    if (!lock)
+        return;
+    leaveProject();
+    m_projectLock = std::move(lock);
     adoptDevices(*entries);
-    deleteInsertSerialData();
 
     const ProjectFile file(path);
     m_projectFile = path;
@@ -51,10 +87,78 @@ void SorvantoMain::projectLoaded(const QString &path)
     m_dashboardNames = file.dashboardNames();
     m_databasePath = file.databasePath();
 
-    showProjectLabels();
+    showProjectName();
+    showInterval();
     m_bIsProjectOpen = true;
     refreshActions();
     openProjectView();
+}
+
+void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames)
+{
+    adoptConfirmed(devices);
+    m_dashboardNames = dashboardNames;
+    closeDiscoverySockets();
+    discardScreens();
+    slotUpdateProjectFile();
+    if (!ProjectFile(m_projectFile).saveLayout(dataIntervalMs, m_dashboardNames))
+        reportUnsavedProject();
+    showInterval();
+    m_settings.addRecentProject(m_projectName, m_projectFile);
+    m_bIsProjectOpen = true;
+    refreshActions();
+    openProjectView();
+}
+
+void SorvantoMain::adoptConfirmed(const QList<ConfiguredDevice *> &devices)
+{
+    QList<ConfiguredDevice *> leaving = unconfirmedDevices();
+    for (ConfiguredDevice *device : std::as_const(m_configuredDevices)) {
+        if (!devices.contains(device))
+            leaving.append(device);
+    }
+    freeDevices(leaving);
+    m_configuredDevices = devices;
+    for (ConfiguredDevice *device : devices)
+        device->setParent(this);
+}
+
+QList<ConfiguredDevice *> SorvantoMain::unconfirmedDevices()
+{
+    return m_projectManager ? m_projectManager->takeUnconfirmedDevices() : QList<ConfiguredDevice *>();
+}
+
+void SorvantoMain::freeDevices(const QList<ConfiguredDevice *> &devices)
+{
+    for (ConfiguredDevice *device : devices) {
+        device->detachViews();
+        device->closeDevice();
+        delete device;
+    }
+}
+
+void SorvantoMain::slotAddDeviceProject()
+{
+    if (!m_bIsProjectOpen || m_bIsRecordStart)
+        return;
+    m_writeDeviceTimer->stop();
+    m_alarmSound->stop();
+    m_bIsProjectOpen = false;
+    deleteInsertSerialData();
+    for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+        device->detachViews();
+    discardScreens();
+    refreshActions();
+
+    ProjectManager *manager = showProjectManager();
+    manager->setIntervalDisabled(true);
+    manager->setConfiguredDeviceList(m_configuredDevices);
+    manager->setAvailDeviceList(m_availDeviceList);
+    manager->setDashboardNames(m_dashboardNames);
+    for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+        device->closeDevice();
+    checkConnection();
+    broadcastDevice();
 }
 
 void SorvantoMain::adoptDevices(const QList<DeviceEntry> &entries)
@@ -76,16 +180,15 @@ void SorvantoMain::adoptDevices(const QList<DeviceEntry> &entries)
 
 void SorvantoMain::openProjectView()
 {
-    m_projectCenter = new ProjectCenter(m_projectFile, this);
+    // In its place before it is filled: moved there later, all tiles would look up their styles again.
+    m_projectCenter = new ProjectCenter(m_projectFile, m_form->centralFrame);
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
-    // In its place before it is filled: every move makes all tiles look up their styles again.
-    m_form->centralFrame->layout()->addWidget(m_projectCenter);
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_configuredDevices);
-    m_projectCenter->show();
+    showScreen(m_projectCenter);
 
     slotKeepAlive(m_settings.keepAlive);
     openOstrivaneDevices();
@@ -98,7 +201,16 @@ void SorvantoMain::openProjectView()
 void SorvantoMain::slotCloseProject()
 {
     closeProject();
-    deleteProjectCenter();
+    discardScreens();
+    showStartScreen();
+}
+
+/// Makes room for another project; the screen that follows is the caller's.
+void SorvantoMain::leaveProject()
+{
+    if (!m_projectFile.isEmpty())
+        closeProject();
+    discardScreens();
 }
 
 /// What every way out of a project has in common; the screen is the caller's.
@@ -113,28 +225,13 @@ void SorvantoMain::closeProject()
     if (m_bIsRecordStart)
         slotStopRecord();
     deleteInsertSerialData();
-    for (ConfiguredDevice *device : std::as_const(m_configuredDevices)) {
-        device->detachViews();
-        device->closeDevice();
-        delete device;
-    }
-    m_configuredDevices.clear();
+    freeDevices(unconfirmedDevices());
+    freeDevices(std::exchange(m_configuredDevices, {}));
     m_projectFile.clear();
+    m_projectLock.reset();
     m_databasePath.clear();
     dataIntervalMs = defaultDataIntervalMs;
     refreshActions();
-}
-
-/// Deleted later, because this may run inside one of its signals.
-void SorvantoMain::deleteProjectCenter()
-{
-    if (!m_projectCenter)
-        return;
-    m_projectCenter->hide();
-    m_form->centralFrame->layout()->removeWidget(m_projectCenter);
-    m_projectCenter->deleteLater();
-    m_projectCenter = nullptr;
-    m_menus->expansionMode->setChecked(false);
 }
 
 void SorvantoMain::slotUpdateProjectFile()
@@ -143,12 +240,21 @@ void SorvantoMain::slotUpdateProjectFile()
     for (const ConfiguredDevice *device : std::as_const(m_configuredDevices))
         entries.append(entryOf(*device));
     if (!ProjectFile(m_projectFile).saveDevices(entries))
-        showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the project file."));
+        reportUnsavedProject();
 }
 
-void SorvantoMain::showProjectLabels()
+void SorvantoMain::reportUnsavedProject()
+{
+    showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the project file."));
+}
+
+void SorvantoMain::showProjectName()
 {
     m_form->label_projectname->setText(shortened(QFileInfo(m_projectFile).path()) + QLatin1Char('/') + m_projectName +
                                        QStringLiteral(".tpc"));
+}
+
+void SorvantoMain::showInterval()
+{
     m_form->label_interval->setText(QStringLiteral("Interval : ") + intervalText(dataIntervalMs));
 }

@@ -91,7 +91,8 @@ void SorvantoMain::slotStartRecord()
     m_form->label_record_state->setPixmap(m_recordingPixmap);
     if (m_projectCenter) {
         m_projectCenter->setRecordState(true);
-        ProjectFile(m_projectFile).setRecordStartTime(m_projectCenter->startTimeText());
+        if (!ProjectFile(m_projectFile).setRecordStartTime(m_projectCenter->startTimeText()))
+            reportUnsavedProject();
     }
 }
 
@@ -121,10 +122,10 @@ void SorvantoMain::slotStopRecord()
 void SorvantoMain::saveRecordRange(quint32 start, quint32 end)
 {
     ProjectFile file(m_projectFile);
-    if (start != 0)
-        file.setRecordStartTime(localTimeText(start));
-    if (end != 0)
-        file.setRecordStopTime(localTimeText(end));
+    const bool startSaved = start == 0 || file.setRecordStartTime(localTimeText(start));
+    const bool endSaved = end == 0 || file.setRecordStopTime(localTimeText(end));
+    if (!startSaved || !endSaved)
+        reportUnsavedProject();
 }
 
 void SorvantoMain::showRecordRange(quint32 start, quint32 end)

@@ -17,6 +17,7 @@ void SorvantoMain::checkConnection()
             openOstrivaneDevices();
         else
             closeSerialDevices();
+        refreshFoundDevices();
     } else {
         reopenClosedUsbDevices();
     }

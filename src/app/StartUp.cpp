@@ -3,6 +3,7 @@
 #include "app/SorvantoMain.h"
 #include "app/TerminationSignals.h"
 #include "dialogs/SharpPixmap.h"
+#include "dialogs/TransientMessage.h"
 #include "views/Fonts.h"
 
 #include <QApplication>
@@ -56,7 +57,7 @@ QSplashScreen *showSplash()
     return splash;
 }
 
-int runStation(QApplication &application)
+int runStation(QApplication &application, const StartOptions &options)
 {
     useStationFont();
     TerminationSignals signalsFromSystem;
@@ -68,7 +69,8 @@ int runStation(QApplication &application)
         if (QWidget *box = QApplication::activeModalWidget())
             box->close();
     });
-    SorvantoMain mainWindow;
+    const QString problem = options.projectFile.isEmpty() ? QString() : projectFileProblem(options.projectFile);
+    SorvantoMain mainWindow(problem.isEmpty() ? options : StartOptions{false, {}});
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
                      &SorvantoMain::endProgram);
     if (signalsFromSystem.wasRequested())
@@ -82,6 +84,9 @@ int runStation(QApplication &application)
     QThread::msleep(splashMs);
 
     mainWindow.show();
+    // Not earlier: half the time that a message stays would be spent waiting.
+    if (!problem.isEmpty())
+        showTransientMessage(QStringLiteral("ERROR"), problem, &mainWindow);
     splash->finish(&mainWindow);
     return mainWindow.isEnding() ? 0 : QApplication::exec();
 }

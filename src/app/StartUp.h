@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/StartOptions.h"
+
 #include <QString>
 
 class QApplication;
@@ -20,5 +22,6 @@ void useStationFont();
 /// Shows the splash picture with its loading line. The splash deletes itself once it is closed.
 QSplashScreen *showSplash();
 
-/// Builds the station, waits out the splash, shows the window and runs until it closes; returns the exit code.
-int runStation(QApplication &application);
+/// Builds the station, waits out the splash, shows the window and runs until it closes; returns the exit code. A
+/// project file that is none is reported in the window, which then comes up without a project.
+int runStation(QApplication &application, const StartOptions &options = {});

@@ -1,11 +1,47 @@
+#include "app/CommandLine.h"
 #include "app/StartUp.h"
 
 #include <QApplication>
+#include <QMessageBox>
+#include <cstdio>
+
+namespace {
+
+constexpr int usageError = 2;
+
+QStringList textsOf(int argc, char **argv)
+{
+    QStringList texts;
+    for (int i = 0; i < argc; ++i)
+        texts << QString::fromLocal8Bit(argv[i]);
+    return texts;
+}
+
+int refuse(const QString &reason)
+{
+    std::fprintf(stderr, "%s\n", qPrintable(reason));
+#ifdef Q_OS_WIN
+    // A program with windows has no console there.
+    QMessageBox::critical(nullptr, QStringLiteral("Sorvanto Lite"), reason);
+#endif
+    return usageError;
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
     installMessagePattern();
+    QCoreApplication::setApplicationVersion(versionText());
+    CommandLine early(textsOf(argc, argv));
+    if (early.asksForText()) {
+        const QCoreApplication application(argc, argv);
+        early.showText();
+    }
     enableHighDensity();
     QApplication application(argc, argv);
-    return runStation(application);
+    const CommandLine commandLine(QCoreApplication::arguments());
+    if (!commandLine.error().isEmpty())
+        return refuse(commandLine.error());
+    return runStation(application, commandLine.startOptions());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/usb/UsbLoggerRules.h"
+
 #include <QList>
 #include <QString>
 
@@ -12,6 +14,11 @@ struct UsbLogger
 inline bool operator==(const UsbLogger &a, const UsbLogger &b)
 {
     return a.portName == b.portName && a.serialNumber == b.serialNumber;
+}
+
+inline UsbLogger usbLogger(const FoundUsbLogger &logger)
+{
+    return {QString::fromStdU16String(logger.portName), QString::fromStdU16String(logger.serialNumber)};
 }
 
 /// The attached loggers in enumeration order; empty when there are none or the system cannot be asked.

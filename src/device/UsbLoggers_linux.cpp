@@ -1,4 +1,3 @@
-#include "device/UsbLoggerRules.h"
 #include "device/UsbLoggers.h"
 
 #include <libudev.h>
@@ -16,28 +15,25 @@ struct Unref
 template <typename T>
 using Handle = std::unique_ptr<T, Unref>;
 
-QString attribute(udev_device *device, const char *name)
+std::u16string attribute(udev_device *device, const char *name)
 {
-    return QString::fromUtf8(udev_device_get_sysattr_value(device, name));
+    return QString::fromUtf8(udev_device_get_sysattr_value(device, name)).toStdU16String();
 }
 
-QString portNameOf(udev_device *terminal)
+std::u16string portNameOf(udev_device *terminal)
 {
-    QString node = QString::fromUtf8(udev_device_get_devnode(terminal));
+    const QString node = QString::fromUtf8(udev_device_get_devnode(terminal));
     const QLatin1String folder("/dev/");
-    return node.startsWith(folder) ? node.mid(folder.size()) : node;
+    return (node.startsWith(folder) ? node.mid(folder.size()) : node).toStdU16String();
 }
 
-std::optional<UsbLogger> loggerAt(udev_device *terminal)
+std::optional<FoundUsbLogger> loggerAt(udev_device *terminal)
 {
     // Belongs to the terminal, so it is not released here.
     udev_device *usb = udev_device_get_parent_with_subsystem_devtype(terminal, "usb", "usb_device");
     if (!usb || !isUsbLogger(attribute(usb, "idVendor"), attribute(usb, "idProduct")))
         return std::nullopt;
-    UsbLogger logger{portNameOf(terminal), serialNumberFromDescription(attribute(usb, "product"))};
-    if (logger.portName.isEmpty() || logger.serialNumber.isEmpty())
-        return std::nullopt;
-    return logger;
+    return foundUsbLogger(portNameOf(terminal), attribute(usb, "product"));
 }
 
 } // namespace
@@ -61,7 +57,7 @@ QList<UsbLogger> findUsbLoggers()
         if (!terminal)
             continue;
         if (const auto logger = loggerAt(terminal.get()))
-            loggers.append(*logger);
+            loggers.append(usbLogger(*logger));
     }
     return loggers;
 }

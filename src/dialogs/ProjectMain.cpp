@@ -3,6 +3,7 @@
 #include "dialogs/ElidingDelegate.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/TransientMessage.h"
+#include "project/ProjectLock.h"
 #include "ui_ProjectMain.h"
 
 #include <QDir>
@@ -124,6 +125,8 @@ void ProjectMain::askForReplacement(const QString &path)
 
 void ProjectMain::writeEmptyProject(const QString &path)
 {
+    if (!isFree(path))
+        return;
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         showError(QStringLiteral("Unable to open the project file."));
@@ -144,6 +147,15 @@ void ProjectMain::openProject(const QString &path)
     }
     file.close();
     emit projectLoaded(path);
+}
+
+bool ProjectMain::isFree(const QString &path)
+{
+    ProjectLock lock(path);
+    if (lock.acquire())
+        return true;
+    showError(lock.refusal());
+    return false;
 }
 
 bool ProjectMain::isNameShortEnough(const QString &path)

@@ -44,6 +44,8 @@ private:
     void askForReplacement(const QString &path);
     void writeEmptyProject(const QString &path);
     void openProject(const QString &path);
+    /// Whether no other station has the project open; tells the operator when one has.
+    bool isFree(const QString &path);
     /// Tells the operator when it is not.
     bool isNameShortEnough(const QString &path);
     void showError(const QString &text);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/AvailDevice.h"
+#include "device/ConfiguredDevice.h"
 
 #include <QList>
 #include <QStringList>
@@ -8,7 +9,6 @@
 #include <array>
 #include <memory>
 
-class ConfiguredDevice;
 class QAction;
 class QLineEdit;
 class QListWidget;

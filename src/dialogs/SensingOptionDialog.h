@@ -19,6 +19,10 @@ class SensingOptionDialog : public QDialog
 {
     Q_OBJECT
 
+public:
+    /// Whether the end of an exchange with the logger, started here, is still awaited.
+    virtual bool isExchanging() const { return false; }
+
 signals:
     /// The device's settings were changed: views must refresh.
     void sensingConfirm();

@@ -83,21 +83,21 @@ void SensingOptionTelnetDialog::startExchange()
     m_timeLimit.start(timeLimitMs);
 }
 
-bool SensingOptionTelnetDialog::isOwnExchange() const
+bool SensingOptionTelnetDialog::isExchanging() const
 {
     return device() && m_exchange == device()->exchangeNumber();
 }
 
 void SensingOptionTelnetDialog::cancelOwnExchange()
 {
-    if (isOwnExchange())
+    if (isExchanging())
         device()->stopSyncTelnet();
     m_exchange.reset();
 }
 
 void SensingOptionTelnetDialog::syncSuccess()
 {
-    if (!isOwnExchange())
+    if (!isExchanging())
         return;
     m_exchange.reset();
     m_timeLimit.stop();
@@ -112,7 +112,7 @@ void SensingOptionTelnetDialog::syncSuccess()
 
 void SensingOptionTelnetDialog::syncError(const QString &message)
 {
-    if (!isOwnExchange())
+    if (!isExchanging())
         return;
     m_exchange.reset();
     setProgressing(false);

@@ -21,6 +21,8 @@ public:
     SensingOptionTelnetDialog(ConfiguredDevice *device, QWidget *parent);
     ~SensingOptionTelnetDialog() override;
 
+    bool isExchanging() const override;
+
 public slots:
     void confirm() override;
     void slotReject() override;
@@ -34,7 +36,6 @@ private:
     QString editedRule() const;
     bool handOverChanges();
     void startExchange();
-    bool isOwnExchange() const;
     void cancelOwnExchange();
     void setProgressing(bool on);
     void report(const QString &text);

@@ -7,6 +7,8 @@
 #include <QSettings>
 #include <QVariant>
 
+#include <limits>
+
 namespace {
 
 namespace key {
@@ -85,7 +87,9 @@ QString ProjectFile::projectName() const
 
 int ProjectFile::dataInterval() const
 {
-    return read(m_path, key::dataInterval).toInt();
+    // A number too large for an int would wrap into an interval that nobody chose.
+    const qlonglong ms = read(m_path, key::dataInterval).toLongLong();
+    return ms >= 0 && ms <= std::numeric_limits<int>::max() ? int(ms) : 0;
 }
 
 QStringList ProjectFile::dashboardNames() const

@@ -29,7 +29,7 @@ public:
     std::optional<QList<DeviceEntry>> readDevices() const;
     /// The stored name, or an empty text.
     QString projectName() const;
-    /// Milliseconds as stored; 0 when missing.
+    /// Milliseconds as stored; 0 when missing, negative or beyond an int.
     int dataInterval() const;
     QStringList dashboardNames() const;
     /// The recording's path: the project's folder, "/" and the stored database name.

@@ -18,8 +18,15 @@
 
 namespace {
 
-// Long enough for another program's short transaction, too short to be felt in the window.
-const QString connectOptions = QStringLiteral("QSQLITE_BUSY_TIMEOUT=50");
+// A recording that cannot be opened ends the program: a backup may finish first. Once it is open, rows can wait in the
+// queue, and the wait for another program's short transaction must not be felt in the window.
+const QString patienceToOpen = QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000");
+const QString patienceToWrite = QStringLiteral("PRAGMA busy_timeout = 50");
+
+// Pages once written are kept until the whole cache is full: hundreds of MiB after a day of many loggers. The next
+// batch needs only a handful of them, so they are given back now and then.
+const QString releasePages = QStringLiteral("PRAGMA shrink_memory");
+constexpr size_t rowsBetweenReleases = 5000;
 
 // Without a journal a full disk ruins the whole file. This leaves room for a batch and for the side file.
 constexpr quint64 minimumFreeSpace = 16 * 1024 * 1024;
@@ -97,7 +104,8 @@ bool InsertSerialData::createConnection()
         m_openedFile = fileIdentity(m_databaseFile);
         return true;
     }
-    if (openConnection() && tuneForAppending(connection()) && createTable(connection())) {
+    if (openConnection() && tuneForAppending(connection()) && createTable(connection()) &&
+        QSqlQuery(connection()).exec(patienceToWrite)) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
         m_openedFile = fileIdentity(m_databaseFile);
@@ -165,7 +173,7 @@ bool InsertSerialData::openConnection()
         QSqlDatabase::removeDatabase(m_connectionName);
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
     database.setDatabaseName(m_databaseFile);
-    database.setConnectOptions(connectOptions);
+    database.setConnectOptions(patienceToOpen);
     if (!database.open())
         return false;
     // SQLite opens a file it may not write without a word.
@@ -202,13 +210,15 @@ void InsertSerialData::keepRows()
     if (queue().empty())
         return;
     std::vector<PendingRow> rows = std::exchange(queue(), {});
+    bool safeToReplace = true;
     if (!m_rowFileIsQueued && m_rowFile.exists()) {
         const PendingRowFile::Content content = m_rowFile.read();
-        if (content.damaged)
-            m_rowFile.setAside();
-        prepend(content.rows, rows);
+        // What cannot be read must not be replaced by what can.
+        safeToReplace = !content.damaged || !m_rowFile.setAside().isEmpty();
+        if (safeToReplace)
+            prepend(content.rows, rows);
     }
-    if (m_rowFile.write(rows))
+    if (safeToReplace && m_rowFile.write(rows))
         return;
     qCWarning(lcStore).noquote().nospace() << "InsertSerialData::~InsertSerialData : [ERROR] " << rows.size()
                                            << " rows could not be kept in " << m_rowFile.path();
@@ -297,8 +307,18 @@ void InsertSerialData::writeBatch()
         m_rowFileIsQueued = false;
         fail(Failure::Lost, QStringLiteral("Readings could not be written and are lost: %1").arg(firstError));
     } else {
+        releaseWrittenPages(batch.size());
         succeed();
     }
+}
+
+void InsertSerialData::releaseWrittenPages(size_t rows)
+{
+    m_rowsSinceRelease += rows;
+    if (m_rowsSinceRelease < rowsBetweenReleases)
+        return;
+    QSqlQuery(connection()).exec(releasePages);
+    m_rowsSinceRelease = 0;
 }
 
 /// Last step of every failing attempt: a receiver may call back into the store.

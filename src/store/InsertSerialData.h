@@ -12,7 +12,7 @@
 
 /// The recording of one project: a connection to its SQLite file and the only writer of its readings.
 /// Devices append rows to one queue that the whole process shares; insertNow() moves the queue into the file.
-/// No call waits longer than about 50 ms for another program that has the file locked.
+/// While another program has the file locked, opening it waits up to 5 s, any other call about 50 ms.
 class InsertSerialData : public QObject
 {
     Q_OBJECT
@@ -64,6 +64,7 @@ private:
     bool takeExclusiveLock();
     QSqlError dropRowsAlreadyStored();
     void writeBatch();
+    void releaseWrittenPages(size_t rows);
     void fail(Failure kind, const QString &reason);
     void failWaiting(const QSqlError &error);
     void succeed();
@@ -80,5 +81,6 @@ private:
     bool m_rowFileIsQueued = false;
     /// So many rows at the front of the queue may be in the recording already.
     int m_perhapsStored = 0;
+    size_t m_rowsSinceRelease = 0;
     std::set<Failure> m_failures;
 };

@@ -96,11 +96,10 @@ bool PendingRowFile::remove() const
 QString PendingRowFile::setAside() const
 {
     // QFile::rename never replaces a file, so an older one set aside stays.
-    constexpr int attempts = 1000;
-    for (int i = 1; i <= attempts; ++i) {
-        const QString target = QStringLiteral("%1.damaged-%2").arg(m_path).arg(i);
-        if (!QFile::exists(target))
-            return QFile::rename(m_path, target) ? target : QString();
-    }
-    return {};
+    int number = 1;
+    QString target;
+    do
+        target = QStringLiteral("%1.damaged-%2").arg(m_path).arg(number++);
+    while (QFile::exists(target));
+    return QFile::rename(m_path, target) ? target : QString();
 }

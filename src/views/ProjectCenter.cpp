@@ -2,6 +2,8 @@
 
 #include "device/ConfiguredDevice.h"
 #include "dialogs/NetworkSettingDialog.h"
+#include "dialogs/SensingOptionTelnetDialog.h"
+#include "dialogs/SensingOptionUsbDialog.h"
 #include "ui_ProjectCenter.h"
 #include "views/ChartView.h"
 #include "views/ContentMinimum.h"
@@ -52,6 +54,7 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
     connect(m_projectList, QOverload<ConfiguredDevice *>::of(&ProjectList::deviceClicked), this,
             &ProjectCenter::slotDeviceClicked);
     connect(m_dashboards, &DashboardTab::deviceClicked, this, &ProjectCenter::slotDeviceClicked);
+    connect(m_chartView, &ChartView::popupSensingOption, this, &ProjectCenter::slotPopupSensingOption);
     connect(m_chartView, &ChartView::popupNetworkSetting, this, &ProjectCenter::slotNetworkSetting);
 }
 
@@ -161,6 +164,42 @@ void ProjectCenter::slotDeviceClicked(ConfiguredDevice *device)
     m_chartView->clear();
     m_chartView->setDevice(device);
     device->setChartView(m_chartView);
+}
+
+void ProjectCenter::slotPopupSensingOption()
+{
+    if (!m_currentDevice)
+        return;
+    deleteClosedOptionDialogs();
+    SensingOptionDialog *dialog = makeOptionDialog(m_currentDevice);
+    if (!dialog)
+        return;
+    // A dialog that was closed during an exchange may report when another device is the current one.
+    connect(dialog, &SensingOptionDialog::sensingConfirm, m_currentDevice, &ConfiguredDevice::checkAlarmAll);
+    connect(dialog, &SensingOptionDialog::sensingConfirm, this, &ProjectCenter::slotSensingConfirm);
+    dialog->show();
+}
+
+SensingOptionDialog *ProjectCenter::makeOptionDialog(ConfiguredDevice *device)
+{
+    switch (device->interfaceKind()) {
+    case UsbInterface:
+        return new SensingOptionUsbDialog(device, this);
+    case NetworkInterface:
+        return new SensingOptionTelnetDialog(device, this);
+    default:
+        return nullptr;
+    }
+}
+
+/// One that was closed by its window is hidden only, and may still await its logger's answer.
+void ProjectCenter::deleteClosedOptionDialogs()
+{
+    const auto dialogs = findChildren<SensingOptionDialog *>(QString(), Qt::FindDirectChildrenOnly);
+    for (SensingOptionDialog *dialog : dialogs) {
+        if (!dialog->isVisible() && !dialog->isExchanging())
+            delete dialog;
+    }
 }
 
 void ProjectCenter::slotSensingConfirm()

@@ -12,6 +12,7 @@ class ConfiguredDevice;
 class DashboardTab;
 class NetworkSettingDialog;
 class ProjectList;
+class SensingOptionDialog;
 class QVBoxLayout;
 
 namespace Ui {
@@ -53,15 +54,20 @@ signals:
     void clickRecord();
     /// A device's options were changed: they are to be saved.
     void updateProjectFile();
+    /// Reserved: an interval is chosen on the device manager so far.
+    void changeInterval(int ms);
 
 private slots:
     void slotRecord();
     void slotDashboardClicked();
     void slotDeviceClicked(ConfiguredDevice *device);
+    void slotPopupSensingOption();
     void slotSensingConfirm();
     void slotNetworkSetting();
 
 private:
+    SensingOptionDialog *makeOptionDialog(ConfiguredDevice *device);
+    void deleteClosedOptionDialogs();
     void showOnBoard(QWidget *shown, QWidget *hidden);
 
     std::unique_ptr<Ui::ProjectCenter> m_form;

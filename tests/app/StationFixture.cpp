@@ -91,7 +91,7 @@ QList<RecordedRow> StationFixture::rows(const QString &name) const
             QSqlQuery query(QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane order by id"),
                             database);
             while (query.next())
-                all.append({query.value(0).toString(), query.value(1), query.value(2), query.value(3).toLongLong()});
+                all.append({query.value(0).toString(), query.value(1), query.value(2), query.value(3).toUInt()});
         }
     }
     QSqlDatabase::removeDatabase(connection);
@@ -110,7 +110,7 @@ QStringList shownMessages()
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (const QWidget *window : windows) {
         const auto *text = window->findChild<QTextBrowser *>(QStringLiteral("textBrowser"));
-        if (text && window->isVisible())
+        if (text && text->window() == window && window->isVisible())
             texts << text->toPlainText();
     }
     return texts;

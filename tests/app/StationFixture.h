@@ -1,6 +1,7 @@
 #pragma once
 
 #include "project/ProjectFile.h"
+#include "support/RecordedRows.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -8,23 +9,11 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QVariant>
 #include <memory>
 #include <vector>
 
 class ScriptedLogger;
 class SorvantoMain;
-
-/// A row of a recording as it stands in the file; values are null where there was none.
-struct RecordedRow
-{
-    QString serial;
-    QVariant channel1;
-    QVariant channel2;
-    qint64 time = 0;
-
-    bool isGap() const { return channel1.isNull() && channel2.isNull(); }
-};
 
 /// A folder with projects and recordings of its own, loggers on the loopback address that answer a new reading to every
 /// poll, and user settings that start out empty.

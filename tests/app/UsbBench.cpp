@@ -146,7 +146,7 @@ QString UsbBench::endAndJudgeRows()
     m_station->stopRunningRecording();
     const QList<RecordedRow> rows = m_fixture.rows(m_name);
     for (const RecordedRow &row : rows) {
-        const double expected = row.serial.rightRef(4).toInt() * 10.0;
+        const double expected = row.serial.right(4).toInt() * 10.0;
         for (const QVariant &value : {row.channel1, row.channel2}) {
             if (!row.isGap() && std::abs(value.toDouble() - expected) > 1)
                 return QStringLiteral("%1 under the key %2").arg(value.toString(), row.serial);

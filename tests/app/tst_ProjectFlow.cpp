@@ -1,47 +1,13 @@
-#include "StationFixture.h"
+#include "StationParts.h"
 
-#include "app/SorvantoMain.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
 #include "support/ScriptedLogger.h"
 
 #include <QDir>
-#include <QMenu>
 #include <QMessageBox>
 #include <QTcpSocket>
 #include <QTimer>
-
-namespace {
-
-QAction *action(const SorvantoMain &station, const char *menu, const QString &text)
-{
-    const QList<QAction *> actions = child<QMenu>(station, menu)->actions();
-    for (QAction *candidate : actions) {
-        if (candidate->text() == text)
-            return candidate;
-    }
-    qFatal("no action of that text");
-}
-
-QStringList enabledActions(const SorvantoMain &station)
-{
-    QStringList texts;
-    for (const char *menu : {"menu_project", "menu_record", "menu_view"}) {
-        const QList<QAction *> actions = child<QMenu>(station, menu)->actions();
-        for (const QAction *candidate : actions) {
-            if (!candidate->isSeparator() && candidate->isEnabled())
-                texts << candidate->text();
-        }
-    }
-    return texts;
-}
-
-QString labelText(const SorvantoMain &station, const char *name)
-{
-    return child<QLabel>(station, name)->text();
-}
-
-} // namespace
 
 /// Loading, showing and closing projects in the real window, against loggers on real sockets.
 class tst_ProjectFlow : public QObject

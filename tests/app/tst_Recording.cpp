@@ -245,6 +245,20 @@ private slots:
         QCOMPARE(storedTime("record_stop_time").size(), 19);
     }
 
+    void saysWhenTheRecordedRangeCannotBeSaved()
+    {
+        open(1);
+        m_station->slotStartRecord();
+        pollUntilPending(1);
+        QCOMPARE(shownMessages(), QStringList());
+        const QString path = m_fixture->projectPath(m_name);
+        QVERIFY(QFile::remove(path));
+        QVERIFY(QDir().mkpath(path)); // a folder in the file's place refuses even the superuser
+        m_station->slotStopRecord();
+        QCOMPARE(shownMessages(), QStringList{QStringLiteral("Unable to save the project file.")});
+        QCOMPARE(m_fixture->rows(m_name).size(), 2);
+    }
+
     void aReaderCostsNoRow()
     {
         open(1);
@@ -415,8 +429,8 @@ private:
     /// The last row of a series is its gap, one second after the last reading.
     static void verifyClosedSeries(const QList<RecordedRow> &rows, const QString &serial)
     {
-        qint64 lastReading = 0;
-        qint64 gap = 0;
+        quint32 lastReading = 0;
+        quint32 gap = 0;
         for (const RecordedRow &row : rows) {
             if (row.serial != serial)
                 continue;
@@ -430,7 +444,7 @@ private:
 
     QString latestTime() const
     {
-        qint64 latest = 0;
+        quint32 latest = 0;
         for (const RecordedRow &row : m_fixture->rows(m_name))
             latest = qMax(latest, row.time);
         return QDateTime::fromSecsSinceEpoch(latest).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));

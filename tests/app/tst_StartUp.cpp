@@ -2,6 +2,7 @@
 
 #include "app/SorvantoMain.h"
 #include "app/StartUp.h"
+#include "project/AppSettings.h"
 #include "store/InsertSerialData.h"
 
 #include <QDir>
@@ -25,7 +26,7 @@ SorvantoMain *shownStation()
 }
 
 /// Runs the station from splash to exit; @p use is called with the window once it is shown.
-int runAndUse(const std::function<void(SorvantoMain &)> &use)
+int runAndUse(const std::function<void(SorvantoMain &)> &use, const StartOptions &options = {})
 {
     QTimer watch;
     bool used = false;
@@ -37,7 +38,7 @@ int runAndUse(const std::function<void(SorvantoMain &)> &use)
         use(*station);
     });
     watch.start(10);
-    return runStation(*qobject_cast<QApplication *>(QCoreApplication::instance()));
+    return runStation(*qobject_cast<QApplication *>(QCoreApplication::instance()), options);
 }
 
 } // namespace
@@ -81,7 +82,9 @@ private slots:
         const QFont used = QApplication::font();
         QApplication::setFont(before);
         QCOMPARE(used.family(), QStringLiteral("Segoe UI"));
-        const auto substitute = [](const char *face) { return QFont::substitute(QLatin1String(face)).toLower(); };
+        const auto substitute = [](const char *face) {
+            return QFont::substitute(QLatin1String(face)).toLower();
+        };
         QCOMPARE(substitute("Segoe UI"), QStringLiteral("open sans"));
         QCOMPARE(substitute("Arial"), QStringLiteral("liberation sans"));
     }
@@ -110,6 +113,62 @@ private slots:
         QCOMPARE(code, 0);
         QVERIFY(recording);
         QVERIFY(shown.endsWith(QStringLiteral("/Kitchen.tpc")));
+    }
+
+    void aNamedProjectIsOpenedInPlaceOfTheRecentOne()
+    {
+        recordedProject();
+        const QString other = QStringLiteral("Kühlraum 2");
+        m_fixture->writeProject(other, {m_fixture->addLogger()}, 600000);
+        const Seen seen = run({true, m_fixture->projectPath(other)});
+        QVERIFY(seen.project.endsWith(QStringLiteral("/Kühlraum 2.tpc")));
+        QVERIFY(seen.isRecording);
+        QCOMPARE(seen.messages, QStringList());
+        QVERIFY(!QFile::exists(m_fixture->recordingPath(m_name)));
+    }
+
+    void theRecentProjectCanBeLeftAlone()
+    {
+        recordedProject();
+        const Seen seen = run({false, {}});
+        QCOMPARE(seen.project, QString());
+        QVERIFY(!QFile::exists(m_fixture->recordingPath(m_name)));
+        AppSettings settings;
+        settings.load();
+        QVERIFY(settings.autoLoad);
+    }
+
+    void aNamedProjectIsOpenedAlthoughNothingLoadsByItself()
+    {
+        recordedProject();
+        QVERIFY(run({false, m_fixture->projectPath(m_name)}).project.endsWith(QStringLiteral("/Kitchen.tpc")));
+    }
+
+    void aFileThatIsNoProjectIsReported_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("missing") << "Cellar.tpc"
+                                 << "The project file does not exist.\n%1";
+        QTest::newRow("markup in its name") << "<b>Cellar</b>.tpc"
+                                            << "The project file does not exist.\n%1";
+        QTest::newRow("another file") << "notes.txt"
+                                      << "This is not a project file.\n%1";
+    }
+
+    void aFileThatIsNoProjectIsReported()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, text);
+        recordedProject();
+        QFile notes(m_fixture->path(QStringLiteral("notes.txt")));
+        QVERIFY(notes.open(QIODevice::WriteOnly));
+        notes.write("Defrost on Monday.\n");
+        notes.close();
+        const Seen seen = run({true, m_fixture->path(name)});
+        QCOMPARE(seen.messages, QStringList{text.arg(m_fixture->path(name))});
+        QCOMPARE(seen.project, QString());
+        QVERIFY(!QFile::exists(m_fixture->recordingPath(m_name)));
     }
 
     void aTerminationSignalStopsTheRecording_data()
@@ -173,6 +232,28 @@ private slots:
     }
 
 private:
+    struct Seen
+    {
+        QString project;
+        bool isRecording = false;
+        QStringList messages;
+    };
+
+    /// What the window shows after a start with these options.
+    Seen run(const StartOptions &options)
+    {
+        Seen seen;
+        const int code = runAndUse(
+            [&](SorvantoMain &station) {
+                seen = {child<QLabel>(station, "label_projectname")->text(), station.isRecording(), shownMessages()};
+                station.endProgram();
+            },
+            options);
+        if (code != 0)
+            qFatal("the station ended with code %d", code);
+        return seen;
+    }
+
     void recordedProject()
     {
         m_fixture->writeProject(m_name, {m_fixture->addLogger()}, 600000);

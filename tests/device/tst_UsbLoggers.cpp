@@ -1,5 +1,4 @@
-#include "device/UsbLoggerRules.h"
-#include "device/UsbLoggers.h"
+#include "UsbLoggerCases.h"
 
 #include <QTest>
 #include <memory>
@@ -17,7 +16,7 @@ struct PortFixture
     QByteArray vendorId = "04d8";
     QByteArray productId = "000a";
     QByteArray product = "ZP_SERIES__12345678"; ///< null: the device tells none
-    QByteArray portName = "ttyACM0";
+    QByteArray portName = "ttyACM0";            ///< empty: the device has no serial port
 };
 
 QList<UsbLogger> one(const QString &portName, const QString &serialNumber)
@@ -37,21 +36,9 @@ private slots:
     void init();
     void cleanup();
 
-    void idsOfALogger_data();
-    void idsOfALogger();
-    void serialNumberOfADescription_data();
-    void serialNumberOfADescription();
-
-    void nothingAttached();
-    void oneLogger();
-    void twoLoggersInOrder();
-    void strangersAreSkipped_data();
-    void strangersAreSkipped();
-    void idsInEitherCase_data();
-    void idsInEitherCase();
-    void descriptionWithoutMarkerIsTakenAsItIs();
-    void loggerWithoutSerialNumberIsSkipped_data();
-    void loggerWithoutSerialNumberIsSkipped();
+    void findsTheLoggersOfTheTable_data();
+    void findsTheLoggersOfTheTable();
+    void orderIsThatOfTheSockets();
     void serialPortWithoutUsbIsSkipped();
     void loggerBehindAHub();
     void severalPortsOfOneLogger();
@@ -117,6 +104,8 @@ QByteArrayList tst_UsbLoggers::plug(const PortFixture &fixture, const QByteArray
         umockdev_testbed_set_attribute(m_testbed.get(), usb.constData(), "product", fixture.product.constData());
     const QByteArray interface = add("usb", fixture.usbName + ":1.0", usb, {"interface", "CDC Abstract Control Model"},
                                      {"DEVTYPE", "usb_interface"});
+    if (fixture.portName.isEmpty())
+        return {usb, interface};
     const QByteArray node = "/dev/" + fixture.portName;
     return {usb, interface, add("tty", fixture.portName, interface, {"dev", "166:0"}, {"DEVNAME", node.constData()})};
 }
@@ -128,134 +117,26 @@ void tst_UsbLoggers::unplug(const QByteArrayList &paths)
         umockdev_testbed_remove_device(m_testbed.get(), path->constData());
 }
 
-void tst_UsbLoggers::idsOfALogger_data()
+void tst_UsbLoggers::findsTheLoggersOfTheTable_data()
 {
-    QTest::addColumn<QString>("vendor");
-    QTest::addColumn<QString>("product");
-    QTest::addColumn<bool>("logger");
-    QTest::newRow("lower case") << "04d8"
-                                << "000a" << true;
-    QTest::newRow("upper case") << "04D8"
-                                << "000A" << true;
-    QTest::newRow("mixed case") << "04D8"
-                                << "000a" << true;
-    QTest::newRow("within longer text") << "x04d8"
-                                        << "000ab" << true;
-    QTest::newRow("another product") << "04d8"
-                                     << "000b" << false;
-    QTest::newRow("another vendor") << "04d9"
-                                    << "000a" << false;
-    QTest::newRow("no leading zeros") << "4d8"
-                                      << "a" << false;
-    QTest::newRow("nothing") << ""
-                             << "" << false;
+    addUsbLoggerCaseRows(UsbSystem::Linux);
 }
 
-void tst_UsbLoggers::idsOfALogger()
+void tst_UsbLoggers::findsTheLoggersOfTheTable()
 {
-    QFETCH(QString, vendor);
-    QFETCH(QString, product);
-    QTEST(isUsbLogger(vendor, product), "logger");
+    QFETCH(int, number);
+    const UsbLoggerCase expected = usbLoggerCases(UsbSystem::Linux).at(number);
+    int socket = 0;
+    for (const UsbDeviceCase &device : expected.devices)
+        plug({"1-" + QByteArray::number(++socket), device.vendorId, device.productId, device.product, device.ttyName});
+    QCOMPARE(findUsbLoggers(), expected.found);
 }
 
-void tst_UsbLoggers::serialNumberOfADescription_data()
-{
-    QTest::addColumn<QString>("description");
-    QTest::addColumn<QString>("serialNumber");
-    QTest::newRow("marked") << "ZP_SERIES__12345678"
-                            << "12345678";
-    QTest::newRow("marker in the middle") << "AB ZP_SERIES__12"
-                                          << "AB 12";
-    QTest::newRow("marked twice") << "ZP_SERIES__12ZP_SERIES__34"
-                                  << "1234";
-    QTest::newRow("no marker") << "CDC device"
-                               << "CDC device";
-    QTest::newRow("marker in lower case") << "zp_series__12"
-                                          << "zp_series__12";
-    QTest::newRow("marker only") << "ZP_SERIES__"
-                                 << "";
-    QTest::newRow("empty") << ""
-                           << "";
-}
-
-void tst_UsbLoggers::serialNumberOfADescription()
-{
-    QFETCH(QString, description);
-    QTEST(serialNumberFromDescription(description), "serialNumber");
-}
-
-void tst_UsbLoggers::nothingAttached()
-{
-    QCOMPARE(findUsbLoggers(), QList<UsbLogger>());
-}
-
-void tst_UsbLoggers::oneLogger()
-{
-    plug({});
-    QCOMPARE(findUsbLoggers(), one("ttyACM0", "12345678"));
-}
-
-void tst_UsbLoggers::twoLoggersInOrder()
+void tst_UsbLoggers::orderIsThatOfTheSockets()
 {
     plug({"1-2", "04d8", "000a", "ZP_SERIES__2", "ttyACM0"});
     plug({"1-1", "04d8", "000a", "ZP_SERIES__1", "ttyACM1"});
     QCOMPARE(findUsbLoggers(), one("ttyACM1", "1") + one("ttyACM0", "2"));
-}
-
-void tst_UsbLoggers::strangersAreSkipped_data()
-{
-    QTest::addColumn<QByteArray>("vendor");
-    QTest::addColumn<QByteArray>("product");
-    QTest::newRow("another product") << QByteArray("04d8") << QByteArray("00dd");
-    QTest::newRow("another vendor") << QByteArray("0403") << QByteArray("000a");
-    QTest::newRow("ids exchanged") << QByteArray("000a") << QByteArray("04d8");
-}
-
-void tst_UsbLoggers::strangersAreSkipped()
-{
-    QFETCH(QByteArray, vendor);
-    QFETCH(QByteArray, product);
-    plug({"1-1", vendor, product, "ZP_SERIES__1", "ttyACM0"});
-    plug({"1-2", "04d8", "000a", "ZP_SERIES__2", "ttyACM1"});
-    QCOMPARE(findUsbLoggers(), one("ttyACM1", "2"));
-}
-
-void tst_UsbLoggers::idsInEitherCase_data()
-{
-    QTest::addColumn<QByteArray>("vendor");
-    QTest::addColumn<QByteArray>("product");
-    QTest::newRow("lower case") << QByteArray("04d8") << QByteArray("000a");
-    QTest::newRow("upper case") << QByteArray("04D8") << QByteArray("000A");
-}
-
-void tst_UsbLoggers::idsInEitherCase()
-{
-    QFETCH(QByteArray, vendor);
-    QFETCH(QByteArray, product);
-    plug({"1-1", vendor, product, "ZP_SERIES__77", "ttyACM0"});
-    QCOMPARE(findUsbLoggers(), one("ttyACM0", "77"));
-}
-
-void tst_UsbLoggers::descriptionWithoutMarkerIsTakenAsItIs()
-{
-    plug({"1-1", "04d8", "000a", "CDC_RS 232", "ttyACM0"});
-    QCOMPARE(findUsbLoggers(), one("ttyACM0", "CDC_RS 232"));
-}
-
-void tst_UsbLoggers::loggerWithoutSerialNumberIsSkipped_data()
-{
-    QTest::addColumn<QByteArray>("product");
-    QTest::newRow("no product attribute") << QByteArray();
-    QTest::newRow("empty product attribute") << QByteArray("");
-    QTest::newRow("marker only") << QByteArray("ZP_SERIES__");
-}
-
-void tst_UsbLoggers::loggerWithoutSerialNumberIsSkipped()
-{
-    QFETCH(QByteArray, product);
-    plug({"1-1", "04d8", "000a", product, "ttyACM0"});
-    plug({"1-2", "04d8", "000a", "ZP_SERIES__2", "ttyACM1"});
-    QCOMPARE(findUsbLoggers(), one("ttyACM1", "2"));
 }
 
 void tst_UsbLoggers::serialPortWithoutUsbIsSkipped()

@@ -73,6 +73,12 @@ bool E2eFixture::haveServed(int readings, int loggers) const
                        [readings](const auto &served) { return served->count() >= readings; });
 }
 
+void E2eFixture::setCommand(const QStringList &command, const QString &folder)
+{
+    m_station.setCommand(command, folder);
+    m_loadsByItself = false;
+}
+
 bool E2eFixture::start()
 {
     m_isSetUp = m_isSetUp || writeFiles();
@@ -93,6 +99,9 @@ bool E2eFixture::writeFiles()
     if (!loggersim::writeProject(projectFile(), intervalMs, loggers, &m_error) ||
         !loggersim::writeSettings(config, projectFile(), false, &m_error))
         return false;
+    if (!m_loadsByItself)
+        QSettings(config + QStringLiteral("/SorvantoLite/Sorvanto Lite.conf"), QSettings::IniFormat)
+            .setValue(QStringLiteral("RecentProjects/autoLoad"), false);
     if (m_soundServer.start())
         return true;
     m_error = QStringLiteral("no sound server: ") + m_soundServer.errorString();
@@ -130,7 +139,7 @@ QList<RecordedRow> E2eFixture::rows() const
 int E2eFixture::readingCount() const
 {
     const QList<RecordedRow> all = rows();
-    return int(std::count_if(all.cbegin(), all.cend(), [](const RecordedRow &row) { return !isGap(row); }));
+    return int(std::count_if(all.cbegin(), all.cend(), [](const RecordedRow &row) { return !row.isGap(); }));
 }
 
 QString E2eFixture::integrity() const

@@ -37,6 +37,9 @@ public:
     bool haveServed(int readings, int loggers) const;
     bool haveServed(int readings) const { return haveServed(readings, loggerCount()); }
 
+    /// Starts this, in this folder, in place of the program of this build. No project loads by itself then, so that the
+    /// command has to name it.
+    void setCommand(const QStringList &command, const QString &folder = {});
     /// Starts the station on a project with the loggers added so far, polled every second. Only the first start
     /// writes the project. False, with a reason, when something cannot be set up.
     bool start();
@@ -74,4 +77,5 @@ private:
     std::vector<std::unique_ptr<loggersim::NetworkLogger>> m_loggers;
     StationProcess m_station;
     bool m_isSetUp = false;
+    bool m_loadsByItself = true;
 };

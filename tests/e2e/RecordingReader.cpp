@@ -56,6 +56,6 @@ QList<RecordedRow> readingsOf(const QString &serial, const QList<RecordedRow> &r
 {
     QList<RecordedRow> readings;
     std::copy_if(rows.cbegin(), rows.cend(), std::back_inserter(readings),
-                 [&serial](const RecordedRow &row) { return row.serial == serial && !isGap(row); });
+                 [&serial](const RecordedRow &row) { return row.serial == serial && !row.isGap(); });
     return readings;
 }

@@ -31,10 +31,5 @@ private:
     QSqlQuery m_held;
 };
 
-inline bool isGap(const RecordedRow &row)
-{
-    return row.channel1.isNull() && row.channel2.isNull();
-}
-
 /// The rows of one logger that carry values.
 QList<RecordedRow> readingsOf(const QString &serial, const QList<RecordedRow> &rows);

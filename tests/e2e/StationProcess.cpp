@@ -13,7 +13,7 @@ constexpr int lastWordsMax = 40;
 
 } // namespace
 
-StationProcess::StationProcess()
+StationProcess::StationProcess() : m_command(QStringLiteral(STATION))
 {
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     QObject::connect(&m_process, &QProcess::readyRead, &m_process, [this] { slotOutput(); });
@@ -25,13 +25,19 @@ StationProcess::~StationProcess()
     m_process.waitForFinished();
 }
 
+void StationProcess::setCommand(const QStringList &command, const QString &folder)
+{
+    m_command = command;
+    m_process.setWorkingDirectory(folder);
+}
+
 bool StationProcess::start(const QProcessEnvironment &environment)
 {
     m_lines.clear();
     m_rest.clear();
     m_process.setProcessEnvironment(environment);
     m_process.start(QStringLiteral("setpriv"),
-                    {QStringLiteral("--pdeathsig"), QStringLiteral("KILL"), QStringLiteral(STATION)});
+                    QStringList{QStringLiteral("--pdeathsig"), QStringLiteral("KILL")} + m_command);
     return m_process.waitForStarted();
 }
 

@@ -13,6 +13,8 @@ public:
     StationProcess(const StationProcess &) = delete;
     StationProcess &operator=(const StationProcess &) = delete;
 
+    /// What to start, with its arguments, in place of the program of this build; and the folder that it starts in.
+    void setCommand(const QStringList &command, const QString &folder);
     /// False when the program cannot be started. An ended station can be started again; its lines begin anew.
     bool start(const QProcessEnvironment &environment);
     bool isRunning() const;
@@ -32,6 +34,7 @@ public:
 private:
     void slotOutput();
 
+    QStringList m_command;
     QProcess m_process;
     QStringList m_lines;
     QByteArray m_rest;

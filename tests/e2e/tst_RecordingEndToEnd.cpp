@@ -52,6 +52,7 @@ class tst_RecordingEndToEnd : public QObject
 private slots:
     void fourLoggers();
     void oneLogger();
+    void everyLoggerOfAFullStation();
 
 private:
     void verifyEnd(E2eFixture &e2e);
@@ -114,6 +115,27 @@ void tst_RecordingEndToEnd::oneLogger()
     QVERIFY2(early >= 8 && early < 16, qPrintable(QString::number(early)));
 }
 
+/// As many loggers as a project holds, on all four dashboards.
+void tst_RecordingEndToEnd::everyLoggerOfAFullStation()
+{
+    constexpr int loggers = 64;
+    E2eFixture e2e;
+    for (int i = 0; i < loggers; ++i)
+        e2e.addLogger();
+    QVERIFY2(e2e.start(), e2e.startError());
+    StationProcess &station = e2e.station();
+    QVERIFY2(e2e.waitUntil([&] { return e2e.haveServed(8); }), station.lastWords());
+    QVERIFY2(e2e.fallSilent(), station.lastWords());
+    QVERIFY2(station.end(), station.lastWords());
+    QVERIFY2(station.hasSucceeded(), station.lastWords());
+
+    int served = 0;
+    for (int i = 0; i < loggers; ++i)
+        served += e2e.served(i).count();
+    QCOMPARE(e2e.readingCount(), served);
+    QCOMPARE(e2e.differences(false), QByteArray());
+}
+
 /// Ends the station and looks at what every recording must have when it is over.
 void tst_RecordingEndToEnd::verifyEnd(E2eFixture &e2e)
 {
@@ -136,7 +158,7 @@ void tst_RecordingEndToEnd::verifyClosedSeries(const QString &serial, const QLis
 {
     QList<RecordedRow> gaps;
     std::copy_if(rows.cbegin(), rows.cend(), std::back_inserter(gaps),
-                 [&serial](const RecordedRow &row) { return row.serial == serial && isGap(row); });
+                 [&serial](const RecordedRow &row) { return row.serial == serial && row.isGap(); });
     QCOMPARE(gaps.size(), 1);
     QCOMPARE(gaps.first().time, readingsOf(serial, rows).last().time + 1);
 }

@@ -190,7 +190,7 @@ void tst_UsbEndToEnd::verifyRows(const QString &key, int served, int mayMiss)
     QVERIFY2(readings.size() >= served - mayMiss, qPrintable(QString("%1: %2").arg(key).arg(readings.size())));
     QList<RecordedRow> gaps;
     std::copy_if(rows.cbegin(), rows.cend(), std::back_inserter(gaps),
-                 [&key](const RecordedRow &row) { return row.serial == key && isGap(row); });
+                 [&key](const RecordedRow &row) { return row.serial == key && row.isGap(); });
     QCOMPARE(gaps.size(), 1);
     QCOMPARE(gaps.first().time, readings.last().time + 1);
 }

@@ -18,6 +18,7 @@ private slots:
     void createLeavesNothingOfAnEarlierProject();
     void storedNameMayDifferFromTheFileName();
     void fileWithoutIntervalReadsZero();
+    void intervalBeyondAnIntReadsZero();
     void fileWithoutDatabaseNameGivesTheFolder();
     void keepsTheLayout_data();
     void keepsTheLayout();
@@ -133,6 +134,12 @@ void tst_ProjectFile::storedNameMayDifferFromTheFileName()
 void tst_ProjectFile::fileWithoutIntervalReadsZero()
 {
     writeContent("[General]\nprojectName=Cellar\n");
+    QCOMPARE(ProjectFile(m_path).dataInterval(), 0);
+}
+
+void tst_ProjectFile::intervalBeyondAnIntReadsZero()
+{
+    writeContent("[General]\nDataInterval=4294968296\n"); // 1000 in its lower 32 bits
     QCOMPARE(ProjectFile(m_path).dataInterval(), 0);
 }
 

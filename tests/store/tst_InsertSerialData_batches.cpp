@@ -1,10 +1,12 @@
 #include "store/Recording.h"
 #include "support/LogCapture.h"
 
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include <limits>
+#include <sqlite3.h>
 
 /// What reaches the file, and the log, when the queue is written.
 class tst_InsertSerialData_batches : public QObject
@@ -25,6 +27,7 @@ private slots:
     void largeBatchIsStoredWhole();
     void hostileKeysCostNothing();
     void valuesThatAreNotFiniteCostNothing();
+    void memoryDoesNotGrowWithTheFile();
 };
 
 void tst_InsertSerialData_batches::cleanup()
@@ -226,6 +229,28 @@ void tst_InsertSerialData_batches::valuesThatAreNotFiniteCostNothing()
 
     QCOMPARE(recording.rows(),
              QStringList({"A1|NULL|NULL|1700000000", "B2|NULL|1234570|1700000000", "C3|21.1235|-0.5|1700000000"}));
+}
+
+void tst_InsertSerialData_batches::memoryDoesNotGrowWithTheFile()
+{
+    constexpr int batches = 150;
+    constexpr int batchSize = 1000;
+    constexpr int bytesPerMiB = 1024 * 1024;
+    const Recording recording;
+    const auto store = recording.open();
+    quint32 time = 1700000000;
+    const auto writeBatch = [&] {
+        for (int i = 0; i < batchSize; ++i)
+            InsertSerialData::enqueue(row("0200AA000001", ++time));
+        store->insertNow();
+    };
+    writeBatch();
+    const qint64 before = sqlite3_memory_used();
+    QVERIFY(before > 0);
+    for (int i = 0; i < batches; ++i)
+        writeBatch();
+    QVERIFY(QFileInfo(recording.file()).size() > 4 * bytesPerMiB);
+    QVERIFY2(sqlite3_memory_used() - before < bytesPerMiB, qPrintable(QString::number(sqlite3_memory_used() - before)));
 }
 
 QTEST_GUILESS_MAIN(tst_InsertSerialData_batches)

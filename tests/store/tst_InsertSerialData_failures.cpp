@@ -1,8 +1,10 @@
 #include "store/Recording.h"
 #include "support/LogCapture.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QSqlQuery>
+#include <QThread>
 #include <QtTest>
 
 #ifdef Q_OS_UNIX
@@ -21,6 +23,7 @@ private slots:
 
     void lockedFileKeepsTheRows_data();
     void lockedFileKeepsTheRows();
+    void openingWaitsForAnotherProgram();
     void nearlyFullDiskKeepsTheRows();
     void largeBatchNeedsMoreSpace();
     void spaceIsAskedForTheFolderOfTheRecording();
@@ -109,6 +112,27 @@ void tst_InsertSerialData_failures::lockedFileKeepsTheRows()
              QStringList({"A1|21.5|40|1700000000", "A1|21.5|40|1700000001", "A1|21.5|40|1700000002",
                           "A1|21.5|40|1700000003", "B2|21.5|40|1700000003"}));
     QCOMPARE(m_recording->integrity(), QString("ok"));
+}
+
+void tst_InsertSerialData_failures::openingWaitsForAnotherProgram()
+{
+    m_store.reset();
+    QSemaphore locked;
+    // Four times as long as a batch would wait, far less than the opening does.
+    constexpr unsigned long heldMs = 200;
+    const std::unique_ptr<QThread> backup(QThread::create([this, &locked] {
+        const OtherProgram other(m_recording->file());
+        other.exec("BEGIN EXCLUSIVE");
+        locked.release();
+        QThread::msleep(heldMs);
+        other.exec("COMMIT");
+    }));
+    backup->start();
+    locked.acquire();
+    m_store = m_recording->open();
+    QVERIFY(backup->wait());
+    QVERIFY(m_store);
+    QVERIFY(m_store->isOpen());
 }
 
 void tst_InsertSerialData_failures::nearlyFullDiskKeepsTheRows()

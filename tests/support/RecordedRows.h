@@ -11,6 +11,8 @@ struct RecordedRow
     QVariant channel1; ///< null for no value
     QVariant channel2;
     quint32 time = 0;
+
+    bool isGap() const { return channel1.isNull() && channel2.isNull(); }
 };
 
 /// Empties the process-wide queue into a recording of its own and reads it back, by device, then time, then channel 1.

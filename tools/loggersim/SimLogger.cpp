@@ -27,6 +27,7 @@ void SimLogger::countServed(const QByteArray &values)
 std::optional<Reply> SimLogger::answer(const QByteArray &command)
 {
     ++m_commands;
+    emit commandReceived();
     const QByteArray text = command.endsWith("\r\n") ? command.chopped(2) : QByteArray();
     Reply reply;
     if (text == pollCommand())

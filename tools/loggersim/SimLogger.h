@@ -54,6 +54,8 @@ public:
 
 signals:
     void faultChanged();
+    /// Any command, answered or not, as soon as it has been read.
+    void commandReceived();
     /// A station has got this reading: "21.50,45.10", "----" for a missing value.
     void readingServed(const QByteArray &values);
 

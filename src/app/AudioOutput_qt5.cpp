@@ -1,0 +1,46 @@
+#include "app/AudioOutput.h"
+
+#include <QAudioDeviceInfo>
+#include <QAudioFormat>
+
+namespace {
+
+struct Stream
+{
+    QAudioFormat::SampleType sampleType;
+    int bufferBytes;
+};
+
+// Sound servers know 16-bit samples as signed only, and refuse the very bytes they take under that name.
+constexpr Stream streams[] = {
+    {QAudioFormat::UnSignedInt, 10000},
+    {QAudioFormat::SignedInt, signedBufferBytes},
+};
+
+QAudioFormat alarmFormat(QAudioFormat::SampleType sampleType)
+{
+    QAudioFormat format;
+    format.setSampleRate(44100);
+    format.setChannelCount(2);
+    format.setSampleSize(16);
+    format.setCodec(QStringLiteral("audio/pcm"));
+    format.setByteOrder(QAudioFormat::LittleEndian);
+    format.setSampleType(sampleType);
+    return format;
+}
+
+} // namespace
+
+AudioOutput *openAudioOutput(QObject *parent)
+{
+    const auto device = QAudioDeviceInfo::defaultOutputDevice();
+    for (const Stream &stream : streams) {
+        const QAudioFormat format = alarmFormat(stream.sampleType);
+        if (!device.isFormatSupported(format))
+            continue;
+        auto *output = new AudioOutput(device, format, parent);
+        output->setBufferSize(stream.bufferBytes);
+        return output;
+    }
+    return nullptr;
+}

@@ -1,0 +1,59 @@
+#include "app/CommandLine.h"
+
+#include <QDir>
+
+namespace {
+
+const QString versionOption = QStringLiteral("version");
+const QString helpOption = QStringLiteral("help");
+const QString noAutoLoadOption = QStringLiteral("no-auto-load");
+
+} // namespace
+
+CommandLine::CommandLine(const QStringList &arguments)
+{
+    // The toolkit's own arguments have one dash; read as a row of letters, some would ask for the help.
+    m_parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    m_parser.setApplicationDescription(QStringLiteral("Shows, watches and records temperature and humidity loggers."));
+    m_parser.addOption({{QStringLiteral("h"), helpOption}, QStringLiteral("Shows this text.")});
+    m_parser.addOption({{QStringLiteral("v"), versionOption}, QStringLiteral("Shows the version.")});
+    m_parser.addOption({noAutoLoadOption, QStringLiteral("Does not load the recent project, whatever the settings say: "
+                                                         "the way out when it cannot be opened.")});
+    m_parser.addPositionalArgument(QStringLiteral("project"),
+                                   QStringLiteral("Project file (.tpc) to open in place of the recent project."),
+                                   QStringLiteral("[project]"));
+    m_error = m_parser.parse(arguments) ? problem() : m_parser.errorText();
+}
+
+QString CommandLine::problem() const
+{
+    const QStringList files = m_parser.positionalArguments();
+    if (files.size() > 1)
+        return QStringLiteral("Only one project can be opened, but %1 are named: %2")
+            .arg(QString::number(files.size()), files.join(QStringLiteral(", ")));
+    if (files.contains(QString()))
+        return QStringLiteral("The name of the project file is empty.");
+    return {};
+}
+
+bool CommandLine::asksForText() const
+{
+    return m_parser.isSet(versionOption) || m_parser.isSet(helpOption);
+}
+
+void CommandLine::showText()
+{
+    if (m_parser.isSet(versionOption))
+        m_parser.showVersion();
+    m_parser.showHelp();
+}
+
+StartOptions CommandLine::startOptions() const
+{
+    StartOptions options;
+    options.autoLoad = !m_parser.isSet(noAutoLoadOption);
+    const QString file = m_parser.positionalArguments().value(0);
+    if (!file.isEmpty())
+        options.projectFile = QDir::cleanPath(QDir().absoluteFilePath(file));
+    return options;
+}

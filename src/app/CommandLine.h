@@ -1,0 +1,31 @@
+#pragma once
+
+#include "app/StartOptions.h"
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+/// The arguments that the station was started with.
+class CommandLine
+{
+public:
+    /// @p arguments with the program's own name in front.
+    explicit CommandLine(const QStringList &arguments);
+
+    /// Whether the program is asked for its version or its help only, which takes no display. It does not matter then
+    /// what else stands on the command line, such as the toolkit's own arguments.
+    bool asksForText() const;
+    /// Prints that text and ends the program; there must be an application object.
+    [[noreturn]] void showText();
+
+    /// What is wrong with the arguments; empty when nothing is.
+    QString error() const { return m_error; }
+    /// To be asked for only when there is no error().
+    StartOptions startOptions() const;
+
+private:
+    QString problem() const;
+
+    QCommandLineParser m_parser;
+    QString m_error;
+};

@@ -1,0 +1,24 @@
+#include "app/StartOptions.h"
+
+#include "project/ProjectFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+QString projectFileProblem(const QString &path)
+{
+    // The path has a line of its own: in the first line a name such as "<b>.tpc" would be taken for markup.
+    const QString place = QLatin1Char('\n') + QDir::toNativeSeparators(path);
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("The project file does not exist.") + place;
+    if (info.isFile() && !QFile(path).open(QIODevice::ReadOnly))
+        return QStringLiteral("The project file cannot be read.") + place;
+    const ProjectFile file(path);
+    if (!info.isFile() || (!file.readDevices() && file.projectName().isEmpty()))
+        return QStringLiteral("This is not a project file.") + place;
+    if (!file.readDevices())
+        return QStringLiteral("There is no device information!") + place;
+    return {};
+}
