@@ -77,6 +77,31 @@ private slots:
         QCOMPARE(m_fixture->widget("label_ch1_unit")->height(), 30);
     }
 
+    void channelBadgesHaveTheSameSizeAtAnyDensity_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("channel 1") << "frame_ch1_picture";
+        QTest::newRow("channel 2") << "frame_ch2_picture";
+    }
+
+    void channelBadgesHaveTheSameSizeAtAnyDensity()
+    {
+        QFETCH(QString, name);
+        m_fixture->show(QSize(810, 404));
+        const QImage strip = view().findChild<QWidget *>(name)->grab().toImage();
+        QRectF badge;
+        for (int y = 0; y < strip.height(); ++y) {
+            for (int x = 0; x < strip.width(); ++x) {
+                if (strip.pixelColor(x, y) != QColor(48, 48, 48))
+                    badge |= QRectF(x, y, 1, 1);
+            }
+        }
+        const double density = strip.devicePixelRatio();
+        QVERIFY(std::abs(badge.width() / density - 32) < 2);
+        QVERIFY(std::abs(badge.height() / density - 44) < 2);
+        QVERIFY(std::abs(badge.center().x() - strip.width() / 2.0) <= density);
+    }
+
     void aGrownViewCanShrinkAgain()
     {
         view().setDevice(&m_fixture->device());
