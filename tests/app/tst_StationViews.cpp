@@ -6,6 +6,7 @@
 #include "views/ChartView.h"
 #include "views/DashBoardDeviceItem.h"
 
+#include <QAbstractButton>
 #include <QFrame>
 #include <QListWidget>
 #include <QPushButton>
@@ -31,6 +32,10 @@ private slots:
     void tilesNeverOverlap();
     void windowShrinksAgainAfterAFullScreen();
     void expansionModeHidesTheList();
+    void everyButtonHasANameAndAKeyboardsFocus_data();
+    void everyButtonHasANameAndAKeyboardsFocus();
+    void keyboardFocusIsVisible_data();
+    void keyboardFocusIsVisible();
 
 private:
     void open(int devices);
@@ -146,6 +151,62 @@ void tst_StationViews::expansionModeHidesTheList()
     QVERIFY(!list->isVisible());
     m_station->slotShowHideItem(false);
     QVERIFY(list->isVisible());
+}
+
+void tst_StationViews::everyButtonHasANameAndAKeyboardsFocus_data()
+{
+    QTest::addColumn<bool>("onChart");
+    QTest::newRow("dashboard") << false;
+    QTest::newRow("chart") << true;
+}
+
+void tst_StationViews::everyButtonHasANameAndAKeyboardsFocus()
+{
+    QFETCH(bool, onChart);
+    open(1);
+    if (onChart)
+        QTest::mouseClick(tiles().first(), Qt::LeftButton);
+    int seen = 0;
+    for (const auto *button : m_station->findChildren<QAbstractButton *>()) {
+        if (!button->isVisible())
+            continue;
+        ++seen;
+        const QByteArray name = button->objectName().toUtf8();
+        QVERIFY2(!button->text().isEmpty() || !button->accessibleName().isEmpty(), name.constData());
+        QVERIFY2(button->focusPolicy() & Qt::TabFocus, name.constData());
+    }
+    QVERIFY(seen >= 6);
+}
+
+void tst_StationViews::keyboardFocusIsVisible_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("onChart");
+    for (const char *name : {"command_project", "command_record", "command_screen", "command_help", "button_project",
+                             "list_project", "qt_tabwidget_tabbar", "btn_record"})
+        QTest::newRow(name) << name << false;
+    for (const char *name : {"btn_setting", "btn_network"})
+        QTest::newRow(name) << name << true;
+}
+
+void tst_StationViews::keyboardFocusIsVisible()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, onChart);
+    open(2);
+    if (onChart)
+        QTest::mouseClick(tiles().first(), Qt::LeftButton);
+    m_station->activateWindow();
+    QTRY_VERIFY(m_station->isActiveWindow());
+    auto *widget = child<QWidget>(*m_station, name.toUtf8().constData());
+    if (QApplication::focusWidget())
+        QApplication::focusWidget()->clearFocus();
+    const QImage without = widget->grab().toImage();
+    constexpr int stopsAtMost = 40;
+    for (int i = 0; i < stopsAtMost && !widget->hasFocus(); ++i)
+        QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : m_station.get(), Qt::Key_Tab);
+    QVERIFY(widget->hasFocus());
+    QVERIFY(widget->grab().toImage() != without);
 }
 
 STATION_TEST_MAIN(tst_StationViews)
