@@ -177,7 +177,8 @@ void SorvantoMain::adoptDevices(const QList<DeviceEntry> &entries)
 
 void SorvantoMain::openProjectView()
 {
-    m_projectCenter = new ProjectCenter(m_projectFile, this);
+    // In its place before it is filled: moved there later, all tiles would look up their styles again.
+    m_projectCenter = new ProjectCenter(m_projectFile, m_form->centralFrame);
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
     if (!createInsertSerialData(m_databasePath))
