@@ -172,9 +172,6 @@ void SorvantoMain::adoptDevices(const QList<DeviceEntry> &entries)
             m_configuredDevices.append(device);
         }
         configure(*device, entry, m_menus->keepAlive->isChecked());
-        // The stored port may be another logger's by now; the USB watch hands out the present one.
-        if (device->interfaceKind() == UsbInterface)
-            device->forgetPort();
     }
 }
 
@@ -190,7 +187,7 @@ void SorvantoMain::openProjectView()
     showScreen(m_projectCenter);
 
     slotKeepAlive(m_settings.keepAlive);
-    openOstrivaneDevices();
+    openUsbDevicesAnew();
     writeDevice();
     m_writeDeviceTimer->start(qMax(shortestPollMs, dataIntervalMs));
     if (m_settings.autoRecord)

@@ -402,7 +402,7 @@ void tst_DashBoardDeviceItem::keyboardOpens()
     QFETCH(Qt::Key, key);
     QSignalSpy clicked(m_tile.get(), &DashBoardDeviceItem::clicked);
     QTest::keyClick(m_tile.get(), key);
-    QTEST(clicked.count(), "clicks");
+    QTEST(int(clicked.count()), "clicks");
 }
 
 void tst_DashBoardDeviceItem::focusIsVisible()
