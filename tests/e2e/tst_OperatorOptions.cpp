@@ -17,11 +17,12 @@ QStringList limits()
             Operator::text("doubleSpinBox_min_ch2"), Operator::text("doubleSpinBox_max_ch2")};
 }
 
+/// With a full stop, whatever the locale: so the loggers are told them, too.
 QStringList limitTexts(std::initializer_list<double> values)
 {
     QStringList texts;
     for (const double value : values)
-        texts << QLocale().toString(value, 'f', 2);
+        texts << QString::number(value, 'f', 2);
     return texts;
 }
 
