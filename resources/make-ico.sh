@@ -1,5 +1,5 @@
 #!/bin/sh
-# Makes windows/sorvanto-lite.ico from svg/OstrivaneSymbol2.svg, in the sizes that Windows asks for. Run by hand after the
+# Makes windows/sorvanto-lite.ico from svg/I_2.svg, in the sizes that Windows asks for. Run by hand after the
 # drawing has changed; the icon is kept in the repository, so that a build needs neither of the programs.
 # Needs rsvg-convert (librsvg2-bin) and icotool (icoutils).
 set -eu
@@ -9,9 +9,9 @@ pngs=$(mktemp -d)
 trap 'rm -rf "$pngs"' EXIT
 
 for size in 16 20 24 32 40 48 64; do
-    rsvg-convert -w $size -h $size -o "$pngs/$size.png" svg/OstrivaneSymbol2.svg
+    rsvg-convert -w $size -h $size -o "$pngs/$size.png" svg/I_2.svg
 done
-rsvg-convert -w 256 -h 256 -o "$pngs/large.png" svg/OstrivaneSymbol2.svg
+rsvg-convert -w 256 -h 256 -o "$pngs/large.png" svg/I_2.svg
 
 # The large one as it is: as a bitmap it would be ten times the size.
 icotool --create --output windows/sorvanto-lite.ico \

@@ -37,8 +37,8 @@ make DeviceConnectedSymbol 16 16
 make DeviceConnectingSymbol 16 16
 make DeviceDisconnectedSymbol 16 16
 make DashboardText 99 16
-make DeviceCh1 32 44
-make DeviceCh2 32 44
+make DeviceCh1 46 52
+make DeviceCh2 46 52
 make DeviceImg 16 16
 make SettingButton 18 18
 make btn_addDevice 32 32

@@ -8,14 +8,6 @@ namespace {
 constexpr qint64 nsPerSecond = 1000000000;
 constexpr double nsPerMs = 1e6;
 
-double median(std::vector<double> values)
-{
-    if (values.empty())
-        return 0;
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
 } // namespace
 
 void PollTimes::add(qint64 monotonicNanoseconds)
@@ -50,7 +42,10 @@ double PollTimes::percentileMs(double share) const
 double PollTimes::driftMs() const
 {
     const auto quarter = std::ptrdiff_t(m_first.size() / 4);
-    return median({m_first.end() - quarter, m_first.end()}) - median({m_first.begin(), m_first.begin() + quarter});
+    if (quarter == 0)
+        return 0;
+    return *std::min_element(m_first.end() - quarter, m_first.end()) -
+           *std::min_element(m_first.begin(), m_first.begin() + quarter);
 }
 
 std::vector<double> PollTimes::sortedOffsets() const

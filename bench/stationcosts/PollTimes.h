@@ -17,7 +17,8 @@ public:
     double latestMs() const;
     /// Lateness that @p share (0 to 1) of all polls do not exceed.
     double percentileMs(double share) const;
-    /// By how much the first poll of a second came later in the last quarter of the run than in the first quarter.
+    /// By how much the earliest poll of the last quarter came later, relative to its second, than that of the first:
+    /// what merely delays single polls does not show.
     double driftMs() const;
 
 private:

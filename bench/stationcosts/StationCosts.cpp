@@ -77,8 +77,9 @@ bool StationCosts::prepareProject(const QString &name)
 void StationCosts::setFaults(const QString &fault)
 {
     const QList<loggersim::SimLogger *> loggers = m_fleet.loggers();
+    QString error; // these faults suit every logger
     for (const loggersim::SimLogger *logger : loggers)
-        m_fleet.setFault(logger->key(), fault, &m_error);
+        m_fleet.setFault(logger->key(), fault, &error);
 }
 
 bool StationCosts::measureEmptyProgram()

@@ -41,10 +41,18 @@ bool StationCosts::measureOpenings()
         return false;
     Opened ofEmpty;
     Opened ofLarge;
-    for (int i = 0; i < m_options.openings; ++i) {
+    const auto openEmpty = [&] {
         QFile::remove(file(emptyProject + QStringLiteral(".dat")));
+        return openAndStop(emptyProject, &ofEmpty);
+    };
+    const auto openLarge = [&] {
         dropFromCache(large);
-        if (!openAndStop(emptyProject, &ofEmpty) || !openAndStop(largeProject, &ofLarge))
+        return openAndStop(largeProject, &ofLarge);
+    };
+    // In turn, so that neither profits from what the other has left behind.
+    for (int i = 0; i < m_options.openings; ++i) {
+        const bool done = i % 2 == 0 ? openEmpty() && openLarge() : openLarge() && openEmpty();
+        if (!done)
             return false;
     }
     addOpenings(ofEmpty, ofLarge);

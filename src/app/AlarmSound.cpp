@@ -32,7 +32,7 @@ void AlarmSound::setAlarm(bool active)
     if (!m_audioOutput || !m_audioFile.isOpen() || m_audioOutput->state() == QAudio::ActiveState)
         return;
     m_audioFile.seek(0);
-    m_audioOutput->start(&m_audioFile);
+    startAudioOutput(*m_audioOutput, &m_audioFile);
 }
 
 void AlarmSound::stop()

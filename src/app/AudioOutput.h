@@ -10,10 +10,12 @@ using AudioOutput = QAudioOutput;
 using AudioOutput = QAudioSink;
 #endif
 
+class QIODevice;
+class QObject;
+
 /// An output on the default device that takes the samples of the alarm (44100 Hz, two channels, 16 bit, little-endian),
 /// owned by @p parent; null when there is none.
 AudioOutput *openAudioOutput(QObject *parent);
 
-/// Sound servers are fed in periods of 20 ms, and one of them (PulseAudio) waits for ever for the rest of a buffer that
-/// is not whole periods.
-constexpr int signedBufferBytes = 3 * 44100 * 4 / 50;
+/// Plays @p sound from where it stands; it must outlive the play.
+void startAudioOutput(AudioOutput &output, QIODevice *sound);

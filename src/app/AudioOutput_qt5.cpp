@@ -11,10 +11,12 @@ struct Stream
     int bufferBytes;
 };
 
-// Sound servers know 16-bit samples as signed only, and refuse the very bytes they take under that name.
+// Sound servers know 16-bit samples as signed only, and refuse the very bytes they take under that name. They are fed
+// in periods of 20 ms, and one of them (PulseAudio) waits for ever for the rest of a buffer that is not whole periods.
+constexpr int periodBytes = 44100 * 4 / 50;
 constexpr Stream streams[] = {
     {QAudioFormat::UnSignedInt, 10000},
-    {QAudioFormat::SignedInt, signedBufferBytes},
+    {QAudioFormat::SignedInt, 3 * periodBytes},
 };
 
 QAudioFormat alarmFormat(QAudioFormat::SampleType sampleType)
@@ -43,4 +45,9 @@ AudioOutput *openAudioOutput(QObject *parent)
         return output;
     }
     return nullptr;
+}
+
+void startAudioOutput(AudioOutput &output, QIODevice *sound)
+{
+    output.start(sound);
 }

@@ -4,6 +4,16 @@
 
 namespace {
 
+/// The style's own grey of a disabled entry is that of the menus' background, and so is what it puts under the white
+/// text of the entry under the pointer.
+QPalette readable(QPalette palette)
+{
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(125, 125, 125));
+    palette.setColor(QPalette::HighlightedText, QColor(14, 92, 94));
+    return palette;
+}
+
 QMenu *makeMenu(const QString &objectName, QWidget *window)
 {
     auto *menu = new QMenu(window);
@@ -12,11 +22,7 @@ QMenu *makeMenu(const QString &objectName, QWidget *window)
     QFont font = menu->font();
     font.setBold(true);
     menu->setFont(font);
-    // The style's own grey of a disabled entry is that of this background.
-    QPalette palette = menu->palette();
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, QColor(125, 125, 125));
-    menu->setPalette(palette);
+    menu->setPalette(readable(menu->palette()));
     return menu;
 }
 
@@ -46,7 +52,9 @@ MainMenus::MainMenus(QWidget *window) : QObject(window)
     record = makeMenu(QStringLiteral("menu_record"), window);
     lookback = record->addAction(tr("Lookback"));
     record->addSeparator();
-    report = record->addMenu(tr("Report"));
+    report = makeMenu(QStringLiteral("menu_report"), window);
+    report->setTitle(tr("Report"));
+    record->addMenu(report);
     dailyReport = report->addAction(tr("Daily Report"));
     for (const QString &text : {tr("Weekly Report"), tr("Monthly Report"), tr("HACCP Report")})
         report->addAction(text)->setEnabled(false);

@@ -212,6 +212,8 @@ void SorvantoMain::slotRefreshDevice()
 {
     if (!m_bIsProjectOpen)
         return;
+    // A poll opens a closed port by the name it last had, which must be the present one.
+    checkConnection();
     for (ConfiguredDevice *device : m_configuredDevices)
         device->pollForDisplay();
 }

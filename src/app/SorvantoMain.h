@@ -115,6 +115,7 @@ private:
     void dropVanishedLoggers(const QList<UsbLogger> &found);
     void mergeUsbLoggers(const QList<UsbLogger> &found);
     void openOstrivaneDevices();
+    void openUsbDevicesAnew();
     void openUsbDevice(ConfiguredDevice *device, const AvailDevice &record);
     void reopenClosedUsbDevices();
     void closeSerialDevices();

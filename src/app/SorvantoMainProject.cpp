@@ -172,15 +172,13 @@ void SorvantoMain::adoptDevices(const QList<DeviceEntry> &entries)
             m_configuredDevices.append(device);
         }
         configure(*device, entry, m_menus->keepAlive->isChecked());
-        // The stored port may be another logger's by now; the USB watch hands out the present one.
-        if (device->interfaceKind() == UsbInterface)
-            device->forgetPort();
     }
 }
 
 void SorvantoMain::openProjectView()
 {
-    m_projectCenter = new ProjectCenter(m_projectFile, this);
+    // In its place before it is filled: moved there later, all tiles would look up their styles again.
+    m_projectCenter = new ProjectCenter(m_projectFile, m_form->centralFrame);
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
     if (!createInsertSerialData(m_databasePath))
@@ -190,7 +188,7 @@ void SorvantoMain::openProjectView()
     showScreen(m_projectCenter);
 
     slotKeepAlive(m_settings.keepAlive);
-    openOstrivaneDevices();
+    openUsbDevicesAnew();
     writeDevice();
     m_writeDeviceTimer->start(qMax(shortestPollMs, dataIntervalMs));
     if (m_settings.autoRecord)

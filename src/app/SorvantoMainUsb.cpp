@@ -24,6 +24,17 @@ void SorvantoMain::checkConnection()
     m_usbPresentBefore = m_usbPresent;
 }
 
+/// A port that was stored, or seen by an earlier scan, may be another logger's by now: only this scan hands out ports.
+void SorvantoMain::openUsbDevicesAnew()
+{
+    for (ConfiguredDevice *device : std::as_const(m_configuredDevices)) {
+        if (device->interfaceKind() == UsbInterface)
+            device->forgetPort();
+    }
+    m_usbPresentBefore = false;
+    checkConnection();
+}
+
 /// Loggers are told apart by their serial number: one that is missing is gone even when another came in its place.
 void SorvantoMain::dropVanishedLoggers(const QList<UsbLogger> &found)
 {

@@ -11,11 +11,15 @@
 #include <QScopeGuard>
 #include <QSplashScreen>
 #include <QThread>
+#include <QTimer>
 
 namespace {
 
 // The splash stays for this long however quickly the station was built.
 constexpr unsigned long splashMs = 2500;
+
+// Soon enough for a box that is closed unanswered.
+constexpr int boxCloserMs = 10;
 
 constexpr int textPointSize = 9;
 
@@ -64,11 +68,14 @@ int runStation(QApplication &application, const StartOptions &options)
     const QPointer<QSplashScreen> splash = showSplash();
     const auto splashEnd = qScopeGuard([&splash] { delete splash; });
 
-    // A box that waits for an answer while the station is built must not keep the program alive.
-    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &signalsFromSystem, [] {
+    // A box that waits for an answer must not keep the program alive, nor one that follows it.
+    QTimer boxCloser;
+    QObject::connect(&boxCloser, &QTimer::timeout, &boxCloser, [] {
         if (QWidget *box = QApplication::activeModalWidget())
             box->close();
     });
+    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &boxCloser,
+                     [&boxCloser] { boxCloser.start(boxCloserMs); });
     const QString problem = options.projectFile.isEmpty() ? QString() : projectFileProblem(options.projectFile);
     SorvantoMain mainWindow(problem.isEmpty() ? options : StartOptions{false, {}});
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
@@ -81,6 +88,8 @@ int runStation(QApplication &application, const StartOptions &options)
                      &SorvantoMain::stopRunningRecording, Qt::DirectConnection);
 
     QCoreApplication::processEvents();
+    if (mainWindow.isEnding())
+        return 0;
     QThread::msleep(splashMs);
 
     mainWindow.show();

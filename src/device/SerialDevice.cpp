@@ -3,6 +3,31 @@
 #include "device/Logging.h"
 #include "device/WireText.h"
 
+namespace {
+
+/// The number an error goes by in the log, whichever generation of the toolkit reports it.
+int numberOf(QSerialPort::SerialPortError error)
+{
+    switch (error) {
+    case QSerialPort::WriteError:
+        return 7;
+    case QSerialPort::ReadError:
+        return 8;
+    case QSerialPort::ResourceError:
+        return 9;
+    case QSerialPort::UnsupportedOperationError:
+        return 10;
+    case QSerialPort::UnknownError:
+        return 11;
+    case QSerialPort::TimeoutError:
+        return 12;
+    default:
+        return static_cast<int>(error);
+    }
+}
+
+} // namespace
+
 SerialDevice::SerialDevice(QObject *parent) : QObject(parent), m_port(new QSerialPort(this))
 {
     m_port->setBaudRate(QSerialPort::Baud115200);
@@ -175,7 +200,7 @@ void SerialDevice::serialError(QSerialPort::SerialPortError error)
 
 void SerialDevice::reportError(QSerialPort::SerialPortError error)
 {
-    logDevice() << "SerialDevice::serialError : [" << m_portName << "] err : " << static_cast<int>(error);
+    logDevice() << "SerialDevice::serialError : [" << m_portName << "] err : " << numberOf(error);
     emit disconnected();
 }
 

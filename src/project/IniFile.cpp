@@ -6,6 +6,7 @@
 #include <QSaveFile>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <cctype>
 #include <optional>
 
 // The settings class must not write the file itself. When the disk fills up in the middle of a write it puts the
@@ -41,6 +42,26 @@ bool isComplete(const QByteArray &text, const QString &path, const QStringList &
     return (text.isEmpty() || text.endsWith('\n')) && QSettings(path, QSettings::IniFormat).allKeys() == keys;
 }
 
+/// As every generation of the toolkit reads it. What is not ASCII the older one takes for Latin-1, while the newer one
+/// writes UTF-8.
+QByteArray escaped(const QByteArray &text)
+{
+    QByteArray result;
+    bool afterEscape = false;
+    const QString characters = QString::fromUtf8(text);
+    for (const QChar character : characters) {
+        const ushort code = character.unicode();
+        // A digit would count as one more of the escape before it.
+        const bool escape = code >= 0x80 || (afterEscape && std::isxdigit(code));
+        if (escape)
+            result.append("\\x").append(QByteArray::number(code, 16));
+        else
+            result.append(static_cast<char>(code));
+        afterEscape = escape;
+    }
+    return result;
+}
+
 /// The text that @p before becomes with the values set.
 std::optional<QByteArray> changedText(const QByteArray &before, const IniValues &values)
 {
@@ -55,7 +76,9 @@ std::optional<QByteArray> changedText(const QByteArray &before, const IniValues 
     if (settings.status() == QSettings::AccessError || !QFile::rename(copy, written))
         return std::nullopt;
     const std::optional<QByteArray> text = contentOf(written);
-    return text && isComplete(*text, written, settings.allKeys()) ? text : std::nullopt;
+    if (!text || !isComplete(*text, written, settings.allKeys()))
+        return std::nullopt;
+    return escaped(*text);
 }
 
 } // namespace

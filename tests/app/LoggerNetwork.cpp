@@ -4,6 +4,7 @@
 
 #include <QProcess>
 #include <QTest>
+#include <QtEndian>
 #include <arpa/inet.h>
 #include <array>
 #include <fcntl.h>
@@ -11,6 +12,15 @@
 #include <sched.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+namespace {
+
+QByteArray bytesOf(quint32 number)
+{
+    return QByteArray(reinterpret_cast<const char *>(&number), sizeof number);
+}
+
+} // namespace
 
 InLoggerNetwork::InLoggerNetwork() : m_ownNetwork(::open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC))
 {
@@ -35,6 +45,16 @@ bool runIp(const QStringList &commands)
     ip.write(commands.join(QLatin1Char('\n')).toLatin1() + '\n');
     ip.closeWriteChannel();
     return ip.waitForFinished() && ip.exitStatus() == QProcess::NormalExit && ip.exitCode() == 0;
+}
+
+QByteArray discoveryReply(quint64 mac, const QString &address, quint32 port)
+{
+    QByteArray reply = QByteArrayLiteral("OSTRIVANE").leftJustified(12, '\0');
+    reply += bytesOf(qToBigEndian(QHostAddress(address).toIPv4Address()));
+    for (int shift = 40; shift >= 0; shift -= 8)
+        reply += static_cast<char>(mac >> shift);
+    reply += QByteArray("\0\1", 2);
+    return reply + bytesOf(qToLittleEndian(port));
 }
 
 Answerer::Answerer()

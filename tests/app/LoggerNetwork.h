@@ -25,6 +25,9 @@ private:
 /// Has the program "ip" carry out these commands in the calling thread's network.
 bool runIp(const QStringList &commands);
 
+/// What a logger answers to the search.
+QByteArray discoveryReply(quint64 mac, const QString &address, quint32 port = 23);
+
 /// Somebody in the loggers' network who hears the station's search and answers whatever a test likes.
 class Answerer
 {

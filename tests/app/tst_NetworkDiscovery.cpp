@@ -11,7 +11,6 @@
 #include <QProcess>
 #include <QScopeGuard>
 #include <QTimer>
-#include <QtEndian>
 #include <csignal>
 
 /// The datagram of that number.
@@ -19,22 +18,6 @@ using Datagrams = std::function<QByteArray(int)>;
 Q_DECLARE_METATYPE(Datagrams)
 
 namespace {
-
-QByteArray bytesOf(quint32 number)
-{
-    return QByteArray(reinterpret_cast<const char *>(&number), sizeof number);
-}
-
-/// What a logger answers to the search.
-QByteArray replyOf(quint64 mac, const QString &address, quint32 port = 23)
-{
-    QByteArray reply = QByteArrayLiteral("OSTRIVANE").leftJustified(12, '\0');
-    reply += bytesOf(qToBigEndian(QHostAddress(address).toIPv4Address()));
-    for (int shift = 40; shift >= 0; shift -= 8)
-        reply += static_cast<char>(mac >> shift);
-    reply += QByteArray("\0\1", 2);
-    return reply + bytesOf(qToLittleEndian(port));
-}
 
 constexpr quint64 firstMac = 0x020000000000;
 constexpr quint64 lastMac = 0x02FFFFFFFFFF;
@@ -259,10 +242,10 @@ void tst_NetworkDiscovery::verifySearch(const QNetworkDatagram &heard)
 void tst_NetworkDiscovery::oneRecordALogger()
 {
     QVERIFY(search());
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.2"), 23));
-    m_answerer->answer(replyOf(firstMac + 0xABCDEF, QStringLiteral("10.77.0.4"), 2323));
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.3"), 4001));
-    m_answerer->answer(replyOf(lastMac, QStringLiteral("10.77.0.5")));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2"), 23));
+    m_answerer->answer(discoveryReply(firstMac + 0xABCDEF, QStringLiteral("10.77.0.4"), 2323));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.3"), 4001));
+    m_answerer->answer(discoveryReply(lastMac, QStringLiteral("10.77.0.5")));
     QTRY_COMPARE(m_station->availDevices().size(), 3);
     QCOMPARE(records(),
              (QStringList{QStringLiteral("020000000000 10.77.0.3 4001"), QStringLiteral("020000ABCDEF 10.77.0.4 2323"),
@@ -272,14 +255,14 @@ void tst_NetworkDiscovery::oneRecordALogger()
 void tst_NetworkDiscovery::thePortIsCutTo16Bits()
 {
     QVERIFY(search());
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.2"), 0x00010017));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2"), 0x00010017));
     QTRY_COMPARE(records(), QStringList{QStringLiteral("020000000000 10.77.0.2 23")});
 }
 
 void tst_NetworkDiscovery::strangeDatagramsAddNoRecord_data()
 {
     QTest::addColumn<QByteArray>("datagram");
-    const QByteArray reply = replyOf(firstMac, QStringLiteral("10.77.0.2"));
+    const QByteArray reply = discoveryReply(firstMac, QStringLiteral("10.77.0.2"));
     QTest::newRow("empty") << QByteArray("");
     QTest::newRow("one byte short") << reply.chopped(1);
     QTest::newRow("the marker alone") << QByteArray("OSTRIVANE");
@@ -298,7 +281,7 @@ void tst_NetworkDiscovery::strangeDatagramsAddNoRecord()
     for (int i = 0; i < 3; ++i)
         m_answerer->answer(datagram);
     // Datagrams arrive in their order here, so the strange ones have been read when this one has.
-    m_answerer->answer(replyOf(lastMac, QStringLiteral("10.77.0.9")));
+    m_answerer->answer(discoveryReply(lastMac, QStringLiteral("10.77.0.9")));
     QTRY_COMPARE(m_station->availDevices().size(), 1);
     QCOMPARE(records(), QStringList{QStringLiteral("02FFFFFFFFFF 10.77.0.9 23")});
 }
@@ -315,7 +298,7 @@ void tst_NetworkDiscovery::withoutANetworkCardTheOperatorIsTold()
     QHostAddress local;
     QTRY_VERIFY(findLocalIpv4Address(local));
     QVERIFY(search());
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.2")));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2")));
     QTRY_COMPARE(m_station->availDevices().size(), 1);
 }
 
@@ -324,14 +307,14 @@ void tst_NetworkDiscovery::aSecondSearchReplacesTheFirst()
     const LogCapture log;
     QVERIFY(search());
     const quint16 firstPort = m_answerer->stationPort();
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.2")));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2")));
     m_station->broadcastDevice();
     QVERIFY(m_answerer->hear().isValid());
     QVERIFY(m_answerer->stationPort() != firstPort);
     QTRY_COMPARE(sockets().size(), 2);
     QCOMPARE(log.count(QStringLiteral("SorvantoMain::slotSndUdpSocketDeleted")), 1);
     QCOMPARE(log.count(QStringLiteral("SorvantoMain::slotRcvUdpSocketDeleted")), 1);
-    m_answerer->answer(replyOf(lastMac, QStringLiteral("10.77.0.9")));
+    m_answerer->answer(discoveryReply(lastMac, QStringLiteral("10.77.0.9")));
     QTRY_VERIFY(records().contains(QStringLiteral("02FFFFFFFFFF 10.77.0.9 23")));
 
     m_station->broadcastDevice();
@@ -340,7 +323,7 @@ void tst_NetworkDiscovery::aSecondSearchReplacesTheFirst()
     QTRY_COMPARE(sockets().size(), 2);
     for (int i = 0; i < 3; ++i)
         QVERIFY(m_answerer->hear().isValid());
-    m_answerer->answer(replyOf(lastMac, QStringLiteral("10.77.0.8")));
+    m_answerer->answer(discoveryReply(lastMac, QStringLiteral("10.77.0.8")));
     QTRY_VERIFY(records().contains(QStringLiteral("02FFFFFFFFFF 10.77.0.8 23")));
 }
 
@@ -351,13 +334,13 @@ void tst_NetworkDiscovery::closingTheProjectEndsTheSearch()
     QVERIFY(search());
     QVERIFY(receiver());
     // Answers that wait in a socket die with it.
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.2")));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2")));
     m_station->slotCloseProject();
     QVERIFY(!receiver());
     QTRY_VERIFY(sockets().isEmpty());
     QCOMPARE(records(), QStringList());
     QVERIFY(search());
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.2")));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2")));
     QTRY_COMPARE(m_station->availDevices().size(), 1);
 }
 
@@ -370,7 +353,7 @@ void tst_NetworkDiscovery::pullingUsbLoggersKeepsTheRecords()
     bench.scan();
     bench.station().broadcastDevice();
     QVERIFY(m_answerer->hear().isValid());
-    m_answerer->answer(replyOf(firstMac, QStringLiteral("10.77.0.2")));
+    m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2")));
     QTRY_COMPARE(bench.station().availDevices().size(), 3);
     bench.pullOut(1);
     bench.scan();
@@ -389,7 +372,7 @@ void tst_NetworkDiscovery::aBurstIsReadInPortions()
     QVERIFY(search());
     const LogCapture log;
     for (int i = 0; i < burst; ++i)
-        m_answerer->answer(replyOf(firstMac + quint64(i), QStringLiteral("10.77.0.2")));
+        m_answerer->answer(discoveryReply(firstMac + quint64(i), QStringLiteral("10.77.0.2")));
     QTRY_COMPARE(m_station->availDevices().size(), burst);
     const QString counter = QStringLiteral("SorvantoMain::readPendingDatagrams : cnt : %1,");
     QVERIFY(log.count(counter.arg(0)) > 1);
@@ -401,9 +384,9 @@ void tst_NetworkDiscovery::theWindowAnswersDuringAFlood_data()
     QTest::addColumn<Datagrams>("datagramAt");
     QTest::newRow("empty") << Datagrams([](int) { return QByteArray(); });
     QTest::newRow("strangers") << Datagrams([](int number) { return QByteArray(400, char('a' + number % 26)); });
-    QTest::newRow("one logger") << Datagrams([](int) { return replyOf(firstMac, QStringLiteral("10.77.0.2")); });
+    QTest::newRow("one logger") << Datagrams([](int) { return discoveryReply(firstMac, QStringLiteral("10.77.0.2")); });
     QTest::newRow("as many loggers") << Datagrams(
-        [](int number) { return replyOf(firstMac + quint64(number), QStringLiteral("10.77.0.2")); });
+        [](int number) { return discoveryReply(firstMac + quint64(number), QStringLiteral("10.77.0.2")); });
 }
 
 void tst_NetworkDiscovery::theWindowAnswersDuringAFlood()
@@ -417,7 +400,7 @@ void tst_NetworkDiscovery::theWindowAnswersDuringAFlood()
         QVERIFY(heartbeat.runUntil([&flood] { return flood.isOver(); }));
     }
     // The flood has been read when this one has.
-    m_answerer->answer(replyOf(lastMac, QStringLiteral("10.77.0.9")));
+    m_answerer->answer(discoveryReply(lastMac, QStringLiteral("10.77.0.9")));
     QVERIFY(heartbeat.runUntil([this] {
         const QList<AvailDevice *> all = m_station->availDevices();
         return !all.isEmpty() && all.last()->key == QLatin1String("02FFFFFFFFFF");

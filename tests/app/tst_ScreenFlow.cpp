@@ -38,6 +38,7 @@ private slots:
     void aProjectThatCannotBeWrittenIsNotCreated();
     void aRecentProjectOpensFromTheStartScreen();
     void aRecentProjectThatIsGoneLeavesTheStartScreen();
+    void aDeletedProjectIsNotOfferedAtTheNextStart();
     void theDeviceSetIsEdited();
     void editingGivesTheManagerWhatTheProjectHas();
     void editingIsNoWayOutOfARecording();
@@ -168,11 +169,26 @@ void tst_ScreenFlow::aRecentProjectThatIsGoneLeavesTheStartScreen()
     QVERIFY(!m_op->station->isProjectOpen());
 }
 
+void tst_ScreenFlow::aDeletedProjectIsNotOfferedAtTheNextStart()
+{
+    for (const QString &project : {QStringLiteral("Kitchen"), QStringLiteral("Lab")}) {
+        m_op->fixture.writeProject(project, {});
+        m_op->fixture.listProject(project, false);
+    }
+    QVERIFY(QFile::remove(m_op->projectPath()));
+    m_op->startStation();
+    const QStringList offered = rowTexts(*child<QListWidget>(*m_op->startScreen(), "listWidget"));
+    QCOMPARE(offered.size(), 1);
+    QVERIFY(offered.first().startsWith(QStringLiteral("Lab\t[")));
+}
+
 void tst_ScreenFlow::theDeviceSetIsEdited()
 {
-    QVERIFY(m_op->openProject(2));
+    QVERIFY(m_op->openProject(2, 1000)); // its links stay open
     const QPointer<ProjectCenter> left = m_op->project();
     const QList<ConfiguredDevice *> before = m_op->station->configuredDevices();
+    for (const ConfiguredDevice *device : before)
+        QVERIFY(device->isOpen());
     m_op->trigger("menu_view", QStringLiteral("Expansion Mode"));
     const LogCapture log;
     m_op->edit();

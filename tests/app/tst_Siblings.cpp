@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QMessageBox>
+#include <QScopeGuard>
 #include <QTimer>
 
 /// The programs started on the open project, and the About box.
@@ -66,6 +67,19 @@ private slots:
                      .toString(),
                  QStringLiteral("2026-01-02 03:04:05"));
         QCOMPARE(shownMessages(), QStringList());
+    }
+
+    void oneBesideOurOwnProgramIsFound()
+    {
+        installStandIn(QStringLiteral("Lookback"));
+        qputenv("PATH", m_pathBefore);
+        const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/Lookback");
+        QFile::remove(beside);
+        QVERIFY(QFile::rename(m_fixture->path(QStringLiteral("programs/Lookback")), beside));
+        const auto remove = qScopeGuard([beside] { QFile::remove(beside); });
+        const QString project = m_fixture->projectPath(QStringLiteral("Kitchen"));
+        QVERIFY(startSibling(QStringLiteral("Lookback"), project));
+        QTRY_COMPARE(arguments(), QLatin1Char('\'') + project + QLatin1Char('\''));
     }
 
     void withoutARecordingNothingIsStarted()

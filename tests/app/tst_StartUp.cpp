@@ -2,8 +2,10 @@
 
 #include "app/SorvantoMain.h"
 #include "app/StartUp.h"
+#include "dialogs/ProjectMain.h"
 #include "project/AppSettings.h"
 #include "store/InsertSerialData.h"
+#include "support/LogCapture.h"
 
 #include <QDir>
 #include <QMessageBox>
@@ -39,6 +41,28 @@ int runAndUse(const std::function<void(SorvantoMain &)> &use, const StartOptions
     });
     watch.start(10);
     return runStation(*qobject_cast<QApplication *>(QCoreApplication::instance()), options);
+}
+
+/// Whether a station's window was shown at any moment.
+class WindowWatch : public QObject
+{
+public:
+    WindowWatch() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        m_shown = m_shown || (event->type() == QEvent::Show && qobject_cast<SorvantoMain *>(watched));
+        return false;
+    }
+    bool wasShown() const { return m_shown; }
+
+private:
+    bool m_shown = false;
+};
+
+void terminateOnLoading(QtMsgType, const QMessageLogContext &, const QString &text)
+{
+    if (text.startsWith(QLatin1String("SorvantoMain::createInsertSerialData")))
+        ::raise(SIGTERM);
 }
 
 } // namespace
@@ -89,15 +113,15 @@ private slots:
         QCOMPARE(substitute("Arial"), QStringLiteral("liberation sans"));
     }
 
-    void withoutAProjectTheWindowIsEmpty()
+    void withoutAProjectTheStartScreenIsShown()
     {
-        bool open = true;
-        const int code = runAndUse([&open](SorvantoMain &station) {
-            open = station.isProjectOpen();
+        bool shown = false;
+        const int code = runAndUse([&shown](SorvantoMain &station) {
+            shown = !station.isProjectOpen() && station.findChild<ProjectMain *>()->isVisible();
             station.endProgram();
         });
         QCOMPARE(code, 0);
-        QVERIFY(!open);
+        QVERIFY(shown);
     }
 
     void theWindowAppearsWithTheRecentProject()
@@ -195,6 +219,18 @@ private slots:
         QCOMPARE(code, 0);
         QCOMPARE(m_fixture->readingCount(m_name), m_fixture->served());
         QVERIFY(m_fixture->rows(m_name).last().isGap());
+    }
+
+    void aSignalWhileLoadingShowsNoWindow()
+    {
+        recordedProject();
+        const WindowWatch watch;
+        const LogCapture everyLine;
+        const QtMessageHandler before = qInstallMessageHandler(terminateOnLoading);
+        const int code = runAndUse([](SorvantoMain &station) { station.endProgram(); });
+        qInstallMessageHandler(before);
+        QCOMPARE(code, 0);
+        QVERIFY(!watch.wasShown());
     }
 
     void theEndOfTheSessionStopsTheRecording()

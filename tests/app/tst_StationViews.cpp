@@ -5,25 +5,14 @@
 #include "support/ScriptedLogger.h"
 #include "views/ChartView.h"
 #include "views/DashBoardDeviceItem.h"
-#include "views/StateBackground.h"
 
+#include <QAbstractButton>
 #include <QFrame>
 #include <QListWidget>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTabWidget>
 
-namespace {
-
-bool showsPicture(const QListWidgetItem *item, const char *picture)
-{
-    const QIcon expected(QStringLiteral(":/img/%1.png").arg(QLatin1String(picture)));
-    return item->icon().pixmap(16, 16).toImage() == expected.pixmap(16, 16).toImage();
-}
-
-} // namespace
-
-/// What the operator sees while loggers come and go on real sockets.
+/// The panel of a project in the station's window, with loggers on real sockets.
 class tst_StationViews : public QObject
 {
     Q_OBJECT
@@ -36,7 +25,6 @@ private slots:
         m_fixture.reset();
     }
 
-    void viewsFollowALogger();
     void dashboardsCarryTheProjectsNames();
     void aClosedProjectsPanelIsDead();
     void aProjectInPlaceOfAnotherLeavesNoView();
@@ -44,19 +32,16 @@ private slots:
     void tilesNeverOverlap();
     void windowShrinksAgainAfterAFullScreen();
     void expansionModeHidesTheList();
+    void everyButtonHasANameAndAKeyboardsFocus_data();
+    void everyButtonHasANameAndAKeyboardsFocus();
+    void keyboardFocusIsVisible_data();
+    void keyboardFocusIsVisible();
 
 private:
     void open(int devices);
     void poll() { m_station->writeDevice(); }
     QWidget *page(int index) const { return child<QTabWidget>(*m_station, "tabWidget")->widget(index); }
     QList<DashBoardDeviceItem *> tiles() const { return page(0)->findChildren<DashBoardDeviceItem *>(); }
-    QListWidgetItem *row(int index) const { return child<QListWidget>(*m_station, "list_project")->item(index); }
-    QString chartText(const char *label) const
-    {
-        return child<QLabel>(*m_station->findChild<ChartView *>(), label)->text();
-    }
-    void expectTile(int index, StateBackground background, const QString &value);
-    void expectChart(int channel, StateBackground background, const QString &value);
 
     std::unique_ptr<StationFixture> m_fixture;
     std::unique_ptr<SorvantoMain> m_station;
@@ -74,61 +59,6 @@ void tst_StationViews::open(int devices)
     m_station->show();
     m_station->projectLoaded(m_fixture->projectPath(QStringLiteral("Freezer")));
     QTRY_VERIFY(m_station->configuredDevices().first()->isConnected());
-}
-
-void tst_StationViews::expectTile(int index, StateBackground background, const QString &value)
-{
-    const DashBoardDeviceItem *tile = tiles().at(index);
-    QTRY_COMPARE(child<QFrame>(*tile, "frame_value")->styleSheet(), styleSheetOf(background));
-    QTRY_COMPARE(child<QLabel>(*tile, "label_number")->text(), value);
-}
-
-void tst_StationViews::expectChart(int channel, StateBackground background, const QString &value)
-{
-    const auto *chart = m_station->findChild<ChartView *>();
-    const bool first = channel == 1;
-    const auto *frame = child<QFrame>(*chart, first ? "frame_ch1_value" : "frame_ch2_value");
-    QTRY_COMPARE(frame->styleSheet(), styleSheetOf(background));
-    QTRY_COMPARE(chartText(first ? "label_ch1_number" : "label_ch2_number"), value);
-}
-
-void tst_StationViews::viewsFollowALogger()
-{
-    open(1);
-    expectTile(0, StateBackground::Normal, QStringLiteral("5.00"));
-    expectTile(1, StateBackground::Normal, QStringLiteral("45.10"));
-    QVERIFY(showsPicture(row(0), "DeviceConnectingSymbol"));
-
-    QTest::mouseClick(tiles().first(), Qt::LeftButton);
-    QVERIFY(m_station->findChild<ChartView *>()->isVisible());
-    QCOMPARE(chartText("label_device"), QStringLiteral("Room 1"));
-    expectChart(1, StateBackground::Normal, QStringLiteral("5.00"));
-
-    m_fixture->logger(0).setReply("ATDC 9.00,45.10\r\n");
-    poll();
-    expectChart(1, StateBackground::Alarm, QStringLiteral("9.00"));
-    expectChart(2, StateBackground::Normal, QStringLiteral("45.10"));
-    expectTile(0, StateBackground::Alarm, QStringLiteral("9.00"));
-    expectTile(1, StateBackground::Normal, QStringLiteral("45.10"));
-
-    m_fixture->logger(0).setSilent();
-    QSignalSpy asked(&m_fixture->logger(0), &ScriptedLogger::commandReceived);
-    for (int i = 1; i <= 2; ++i) {
-        poll();
-        QTRY_COMPARE(asked.count(), i);
-    }
-    poll();
-    for (const int tile : {0, 1})
-        expectTile(tile, StateBackground::NoData, {});
-    for (const int channel : {1, 2})
-        expectChart(channel, StateBackground::NoData, {});
-    QVERIFY(showsPicture(row(0), "DeviceDisconnectedSymbol"));
-
-    m_fixture->logger(0).setReply("ATDC 5.50,45.10\r\n");
-    poll();
-    expectTile(0, StateBackground::Normal, QStringLiteral("5.50"));
-    expectChart(1, StateBackground::Normal, QStringLiteral("5.50"));
-    QVERIFY(showsPicture(row(0), "DeviceConnectingSymbol"));
 }
 
 void tst_StationViews::dashboardsCarryTheProjectsNames()
@@ -221,6 +151,62 @@ void tst_StationViews::expansionModeHidesTheList()
     QVERIFY(!list->isVisible());
     m_station->slotShowHideItem(false);
     QVERIFY(list->isVisible());
+}
+
+void tst_StationViews::everyButtonHasANameAndAKeyboardsFocus_data()
+{
+    QTest::addColumn<bool>("onChart");
+    QTest::newRow("dashboard") << false;
+    QTest::newRow("chart") << true;
+}
+
+void tst_StationViews::everyButtonHasANameAndAKeyboardsFocus()
+{
+    QFETCH(bool, onChart);
+    open(1);
+    if (onChart)
+        QTest::mouseClick(tiles().first(), Qt::LeftButton);
+    int seen = 0;
+    for (const auto *button : m_station->findChildren<QAbstractButton *>()) {
+        if (!button->isVisible())
+            continue;
+        ++seen;
+        const QByteArray name = button->objectName().toUtf8();
+        QVERIFY2(!button->text().isEmpty() || !button->accessibleName().isEmpty(), name.constData());
+        QVERIFY2(button->focusPolicy() & Qt::TabFocus, name.constData());
+    }
+    QVERIFY(seen >= 6);
+}
+
+void tst_StationViews::keyboardFocusIsVisible_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("onChart");
+    for (const char *name : {"command_project", "command_record", "command_screen", "command_help", "button_project",
+                             "list_project", "qt_tabwidget_tabbar", "btn_record"})
+        QTest::newRow(name) << name << false;
+    for (const char *name : {"btn_setting", "btn_network"})
+        QTest::newRow(name) << name << true;
+}
+
+void tst_StationViews::keyboardFocusIsVisible()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, onChart);
+    open(2);
+    if (onChart)
+        QTest::mouseClick(tiles().first(), Qt::LeftButton);
+    m_station->activateWindow();
+    QTRY_VERIFY(m_station->isActiveWindow());
+    auto *widget = child<QWidget>(*m_station, name.toUtf8().constData());
+    if (QApplication::focusWidget())
+        QApplication::focusWidget()->clearFocus();
+    const QImage without = widget->grab().toImage();
+    constexpr int stopsAtMost = 40;
+    for (int i = 0; i < stopsAtMost && !widget->hasFocus(); ++i)
+        QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : m_station.get(), Qt::Key_Tab);
+    QVERIFY(widget->hasFocus());
+    QVERIFY(widget->grab().toImage() != without);
 }
 
 STATION_TEST_MAIN(tst_StationViews)

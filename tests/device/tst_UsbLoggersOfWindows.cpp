@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -58,6 +59,7 @@ private slots:
     void cleanupTestCase();
     void findsTheLoggersOfTheTable_data();
     void findsTheLoggersOfTheTable();
+    void showsItsVersion();
 
 private:
     /// Lays out the least that Wine needs to run a console program: without copies of its libraries it takes its own,
@@ -137,6 +139,20 @@ void tst_UsbLoggersOfWindows::findsTheLoggersOfTheTable()
     const QByteArray printed = run(prefix, QStringLiteral(WINE), {QStringLiteral(USB_LOGGERS_EXE)});
     QCOMPARE(QString::fromUtf8(printed), lines);
     QCOMPARE(m_exitCode, 0);
+}
+
+/// Windows shows it from the resource of the program's file.
+void tst_UsbLoggersOfWindows::showsItsVersion()
+{
+    QFile program(QStringLiteral(USB_LOGGERS_EXE));
+    QVERIFY(program.open(QIODevice::ReadOnly));
+    const auto resourceText = [](const QString &text) {
+        return QByteArray(reinterpret_cast<const char *>(text.utf16()), 2 * static_cast<int>(text.size() + 1));
+    };
+    const QByteArray bytes = program.readAll();
+    QVERIFY(bytes.contains(resourceText(QStringLiteral("ProductVersion"))));
+    QVERIFY(bytes.contains(resourceText(QStringLiteral(PROGRAM_VERSION))));
+    QVERIFY(bytes.contains(resourceText(QStringLiteral("Sorvanto Lite"))));
 }
 
 QTEST_GUILESS_MAIN(tst_UsbLoggersOfWindows)

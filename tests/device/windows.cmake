@@ -28,7 +28,19 @@ sorvanto_test(tst_UsbLoggersOfWindows SOURCES tst_UsbLoggersOfWindows.cpp UsbLog
 add_dependencies(tst_UsbLoggersOfWindows windows_programs)
 target_compile_definitions(tst_UsbLoggersOfWindows PRIVATE
     WINE="${WINE}" WINESERVER="${WINESERVER}"
-    USB_LOGGERS_EXE="${PROJECT_BINARY_DIR}/windows/build/bin/usb-loggers.exe")
+    USB_LOGGERS_EXE="${PROJECT_BINARY_DIR}/windows/build/bin/usb-loggers.exe"
+    PROGRAM_VERSION="${PROJECT_VERSION}")
+
+add_test(NAME windows_package
+    COMMAND ${CMAKE_CPACK_COMMAND} -G ZIP -B "${PROJECT_BINARY_DIR}/windows/package"
+        --config "${PROJECT_BINARY_DIR}/windows/build/CPackConfig.cmake")
+
+# There is no Qt for MinGW here: the station can only be asked for, and must say what it lacks.
+add_test(NAME windows_station_without_qt
+    COMMAND ${CMAKE_COMMAND} -S "${PROJECT_SOURCE_DIR}" -B "${PROJECT_BINARY_DIR}/windows/station" -G Ninja
+        "-DCMAKE_TOOLCHAIN_FILE=${PROJECT_SOURCE_DIR}/cmake/mingw-w64.cmake")
+set_tests_properties(windows_station_without_qt PROPERTIES
+    PASS_REGULAR_EXPRESSION "Qt 5 for Windows was not found.*SORVANTO_STATION=OFF")
 
 # The sources that only a station for Windows has. There is no Qt for MinGW here to link them with, but the headers of the
 # one at hand are the same.

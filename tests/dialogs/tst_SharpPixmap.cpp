@@ -35,8 +35,8 @@ void tst_SharpPixmap::everyPictureIsThereAtBothDensities_data()
     QTest::addColumn<QSize>("size");
 
     QTest::newRow("DashboardText") << QSize(99, 16);
-    QTest::newRow("DeviceCh1") << QSize(32, 44);
-    QTest::newRow("DeviceCh2") << QSize(32, 44);
+    QTest::newRow("DeviceCh1") << QSize(46, 52);
+    QTest::newRow("DeviceCh2") << QSize(46, 52);
     QTest::newRow("DeviceConnectedSymbol") << QSize(16, 16);
     QTest::newRow("DeviceConnectingSymbol") << QSize(16, 16);
     QTest::newRow("DeviceDisconnectedSymbol") << QSize(16, 16);

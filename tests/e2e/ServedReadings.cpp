@@ -46,12 +46,18 @@ QStringList sorted(QStringList texts)
 
 } // namespace
 
-ServedReadings::ServedReadings(loggersim::SimLogger *logger) : m_serial(logger->key())
+ServedReadings::ServedReadings(const QString &serial) : m_serial(serial) {}
+
+ServedReadings::ServedReadings(loggersim::SimLogger *logger) : ServedReadings(logger->key())
 {
-    QObject::connect(logger, &loggersim::SimLogger::readingServed, logger, [this](const QByteArray &values) {
-        const QByteArrayList fields = values.split(',');
-        m_readings.append(expectedText(fields.at(0)) + QLatin1Char(' ') + expectedText(fields.at(1)));
-    });
+    QObject::connect(logger, &loggersim::SimLogger::readingServed, logger,
+                     [this](const QByteArray &values) { append(values); });
+}
+
+void ServedReadings::append(const QByteArray &values)
+{
+    const QByteArrayList fields = values.split(',');
+    m_readings.append(expectedText(fields.at(0)) + QLatin1Char(' ') + expectedText(fields.at(1)));
 }
 
 QString ServedReadings::differences(const QList<RecordedRow> &rows, bool lastMayMiss) const

@@ -12,11 +12,15 @@ class SimLogger;
 class ServedReadings
 {
 public:
+    /// Of the logger with that key; none yet.
+    explicit ServedReadings(const QString &serial);
     /// Listens to @p logger, which must not outlive this.
     explicit ServedReadings(loggersim::SimLogger *logger);
     ServedReadings(const ServedReadings &) = delete;
     ServedReadings &operator=(const ServedReadings &) = delete;
 
+    /// Both values as the logger has sent them: "21.50,45.10".
+    void append(const QByteArray &values);
     QString serial() const { return m_serial; }
     int count() const { return int(m_readings.size()); }
 

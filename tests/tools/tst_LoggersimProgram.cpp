@@ -87,6 +87,8 @@ private slots:
     void reportOnTermination_data();
     void reportOnTermination();
     void reportThatCannotBeWritten();
+    void everyReadingIsWrittenDown();
+    void readingsThatCannotBeWrittenDown();
     void interactive();
     void quitOverTheControlSocket();
     void projectAndSettings();
@@ -206,6 +208,34 @@ void tst_LoggersimProgram::reportThatCannotBeWritten()
     Run run({"--network", "1", "--report", path("no/such/folder/report")});
     QVERIFY(run.waitFor("ready").hasMatch());
     run.terminate();
+    QVERIFY(run.ends());
+    QCOMPARE(run.exitCode(), 1);
+    QVERIFY(run.errors.startsWith("loggersim: cannot write "));
+}
+
+void tst_LoggersimProgram::everyReadingIsWrittenDown()
+{
+    Run run({"--network", "2", "--served", path("served")});
+    const auto second = run.waitFor("020001000002 network (\\S+) (\\d+)");
+    QVERIFY(run.waitFor("ready").hasMatch());
+    QCOMPARE(contentOf(path("served")), QByteArray());
+    QTcpSocket station;
+    station.connectToHost(second.captured(1), static_cast<quint16>(second.captured(2).toUInt()));
+    QTRY_COMPARE(station.state(), QAbstractSocket::ConnectedState);
+    QByteArray expected;
+    for (int i = 0; i < 3; ++i) {
+        station.write("ATDC\r\n");
+        QByteArray received;
+        QTRY_VERIFY((received += station.readAll()).endsWith('\n'));
+        expected += "020001000002\t" + received.trimmed().mid(5) + '\n';
+        // While it runs, not at the end only.
+        QTRY_COMPARE(contentOf(path("served")), expected);
+    }
+}
+
+void tst_LoggersimProgram::readingsThatCannotBeWrittenDown()
+{
+    Run run({"--network", "1", "--served", path("no/such/folder/served")});
     QVERIFY(run.ends());
     QCOMPARE(run.exitCode(), 1);
     QVERIFY(run.errors.startsWith("loggersim: cannot write "));

@@ -28,10 +28,10 @@ private:
 
 void tst_Options::everything()
 {
-    const CommandLine line =
-        read("--network 6 --usb 2 --seed 7 --addresses 127.0.2.1 --port 23 --discovery any --discovery-port 50001 "
-             "--fault 1=silent --fault 00001001=replug:300 --control c --interactive --report r --project p.tpc "
-             "--interval 5000 --settings s --keep-alive -- prog -x --usb 3");
+    const CommandLine line = read(
+        "--network 6 --usb 2 --seed 7 --addresses 127.0.2.1 --port 23 --discovery any --discovery-port 50001 "
+        "--fault 1=silent --fault 00001001=replug:300 --control c --interactive --report r --served l --project p.tpc "
+        "--interval 5000 --settings s --keep-alive -- prog -x --usb 3");
     QVERIFY2(line.options, qPrintable(line.error));
     const Options &options = *line.options;
     QCOMPARE(options.network, 6);
@@ -46,6 +46,7 @@ void tst_Options::everything()
     QCOMPARE(options.controlPath, QString("c"));
     QVERIFY(options.interactive);
     QCOMPARE(options.reportFile, QString("r"));
+    QCOMPARE(options.servedFile, QString("l"));
     QCOMPARE(options.projectFile, QString("p.tpc"));
     QCOMPARE(options.intervalMs, 5000);
     QCOMPARE(options.settingsFolder, QString("s"));

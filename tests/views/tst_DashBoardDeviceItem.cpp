@@ -50,6 +50,7 @@ private slots:
     void cleanup();
 
     void formIsAsDesigned();
+    void tilesShareOneWindowIcon();
     void namesFallBack_data();
     void namesFallBack();
     void unitTexts_data();
@@ -139,6 +140,16 @@ void tst_DashBoardDeviceItem::formIsAsDesigned()
     m_tile->resize(240, 230);
     QCOMPARE(description->height(), 31);
     QCOMPARE(label("label_unit")->height(), 25);
+}
+
+void tst_DashBoardDeviceItem::tilesShareOneWindowIcon()
+{
+    const DashBoardDeviceItem other(m_device.get(), Channel::Two);
+    const auto picture = [](const QWidget &tile) {
+        return tile.windowIcon().pixmap(tile.windowIcon().availableSizes().value(0));
+    };
+    QCOMPARE(picture(*m_tile).toImage(), QPixmap(QStringLiteral(":/img/I_2.png")).toImage());
+    QCOMPARE(picture(other).cacheKey(), picture(*m_tile).cacheKey());
 }
 
 void tst_DashBoardDeviceItem::namesFallBack_data()
@@ -402,7 +413,7 @@ void tst_DashBoardDeviceItem::keyboardOpens()
     QFETCH(Qt::Key, key);
     QSignalSpy clicked(m_tile.get(), &DashBoardDeviceItem::clicked);
     QTest::keyClick(m_tile.get(), key);
-    QTEST(clicked.count(), "clicks");
+    QTEST(int(clicked.count()), "clicks");
 }
 
 void tst_DashBoardDeviceItem::focusIsVisible()

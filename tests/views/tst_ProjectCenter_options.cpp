@@ -102,11 +102,11 @@ void tst_ProjectCenter_options::declaresItsMethods()
     QCOMPARE(methodsOf(meta, QMetaMethod::Signal),
              QStringList({QStringLiteral("clickRecord()"), QStringLiteral("updateProjectFile()"),
                           QStringLiteral("changeInterval(int)")}));
-    QCOMPARE(methodsOf(meta, QMetaMethod::Slot),
-             QStringList({QStringLiteral("slotRecord()"), QStringLiteral("slotDashboardClicked()"),
-                          QStringLiteral("slotDeviceClicked(ConfiguredDevice*)"),
-                          QStringLiteral("slotPopupSensingOption()"), QStringLiteral("slotSensingConfirm()"),
-                          QStringLiteral("slotNetworkSetting()")}));
+    QCOMPARE(
+        methodsOf(meta, QMetaMethod::Slot),
+        QStringList({QStringLiteral("slotRecord()"), QStringLiteral("slotDashboardClicked()"),
+                     QStringLiteral("slotDeviceClicked(ConfiguredDevice*)"), QStringLiteral("slotPopupSensingOption()"),
+                     QStringLiteral("slotSensingConfirm()"), QStringLiteral("slotNetworkSetting()")}));
 }
 
 void tst_ProjectCenter_options::dialogFollowsTheKindOfLogger_data()

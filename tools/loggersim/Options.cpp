@@ -65,6 +65,7 @@ OptionReader::OptionReader()
     declare("control", "PATH", "Takes control lines on a local socket at this path.");
     declare("interactive", nullptr, "Takes control lines on the standard input.");
     declare("report", "FILE", "Writes, at the end, one line a logger: key, kind, readings served, separated by tabs.");
+    declare("served", "FILE", "Writes every reading as it is served, one a line: key and values, separated by a tab.");
     declare("project", "FILE", "Writes a station project (.tpc) that fits the loggers, at most 64.");
     declare("interval", "MS", "Data interval of that project in milliseconds (1000).");
     declare("settings", "DIR",
@@ -161,6 +162,7 @@ void OptionReader::readFiles(Options &options)
     options.controlPath = value("control");
     options.interactive = isSet("interactive");
     options.reportFile = value("report");
+    options.servedFile = value("served");
     options.projectFile = value("project");
     options.intervalMs = number("interval", 1, dayMs, 1000);
     options.settingsFolder = value("settings");
@@ -171,7 +173,7 @@ void OptionReader::readFiles(Options &options)
         fail(QStringLiteral("--keep-alive needs --settings"));
     if (isSet("interval") && !isSet("project"))
         fail(QStringLiteral("--interval needs --project"));
-    for (const char *name : {"control", "report", "project", "settings"}) {
+    for (const char *name : {"control", "report", "served", "project", "settings"}) {
         if (isSet(name) && value(name).isEmpty())
             fail(QStringLiteral("--%1 needs a path").arg(QLatin1String(name)));
     }

@@ -27,6 +27,7 @@ struct Options
     QString controlPath;
     bool interactive = false;
     QString reportFile;
+    QString servedFile;
     QString projectFile;
     int intervalMs = 0;
     QString settingsFolder;

@@ -25,7 +25,7 @@ std::optional<int> Simulator::start(QString *error)
         return failureCode;
     if (!setFaults(error))
         return badOptionsCode;
-    if (!listen(error) || !writeFiles(error))
+    if (!listen(error) || !openServedLog(error) || !writeFiles(error))
         return failureCode;
     emit ready();
     if (!m_options.program.isEmpty() && !runProgram(error))
@@ -68,6 +68,19 @@ bool Simulator::listen(QString *error)
     }
     if (m_options.interactive)
         m_control.listenOnStandardInput();
+    return true;
+}
+
+bool Simulator::openServedLog(QString *error)
+{
+    if (m_options.servedFile.isEmpty())
+        return true;
+    if (!m_served.open(m_options.servedFile)) {
+        *error = QStringLiteral("cannot write %1: %2").arg(m_options.servedFile, m_served.errorString());
+        return false;
+    }
+    for (const SimLogger *logger : m_fleet.loggers())
+        m_served.follow(logger);
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "loggersim/Fleet.h"
 #include "loggersim/Options.h"
 #include "loggersim/ProgramRun.h"
+#include "loggersim/ServedLog.h"
 
 #include <QObject>
 
@@ -42,9 +43,11 @@ private:
     bool setFaults(QString *error);
     bool listen(QString *error);
     bool writeFiles(QString *error);
+    bool openServedLog(QString *error);
     bool runProgram(QString *error);
 
     const Options m_options;
+    ServedLog m_served;
     Fleet m_fleet;
     ControlServer m_control;
     ProgramRun m_program;

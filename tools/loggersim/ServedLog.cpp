@@ -1,0 +1,20 @@
+#include "loggersim/ServedLog.h"
+#include "loggersim/SimLogger.h"
+
+namespace loggersim {
+
+bool ServedLog::open(const QString &path)
+{
+    m_file.setFileName(path);
+    // Unbuffered: whoever reads along sees whole lines.
+    return m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
+}
+
+void ServedLog::follow(const SimLogger *logger)
+{
+    const QByteArray key = logger->key().toLatin1();
+    connect(logger, &SimLogger::readingServed, this,
+            [this, key](const QByteArray &values) { m_file.write(key + '\t' + values + '\n'); });
+}
+
+} // namespace loggersim
