@@ -51,6 +51,7 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
         first = m_settings.autoLoadPath();
     if (!first.isEmpty())
         projectLoaded(first);
+    m_bIsBuilt = true;
 }
 
 SorvantoMain::~SorvantoMain()

@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <algorithm>
+#include <utility>
 
 void SorvantoMain::dropDown(QMenu *menu, const QWidget *button)
 {
@@ -118,5 +119,15 @@ void SorvantoMain::handleStateChanged(QAudio::State state)
 
 void SorvantoMain::showTimedMessage(const QString &title, const QString &text)
 {
-    showTransientMessage(title, text, this);
+    if (m_bIsBuilt)
+        showTransientMessage(title, text, this);
+    else
+        m_messagesOfTheStart.append({title, text});
+}
+
+void SorvantoMain::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    for (const auto &[title, text] : std::exchange(m_messagesOfTheStart, {}))
+        showTimedMessage(title, text);
 }
