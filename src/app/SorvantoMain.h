@@ -164,11 +164,13 @@ private:
     // Shell
     void openSibling(const QString &program);
     void dropDown(QMenu *menu, const QWidget *button);
+    void reportUnsavedSettings(bool saved);
     /// While the station is built it waits for the window: before that nobody would have the time to read it.
     void showTimedMessage(const QString &title, const QString &text);
 
     std::unique_ptr<Ui::SorvantoMain> m_form;
     AppSettings m_settings;
+    bool m_bSettingsSaved = true;
     QString m_projectName;
     QString m_projectFile; ///< empty while no project is open or being created
     std::unique_ptr<ProjectLock> m_projectLock;

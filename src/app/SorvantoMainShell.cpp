@@ -93,13 +93,21 @@ void SorvantoMain::slotShowHideItem(bool on)
 void SorvantoMain::slotAutoProject(bool on)
 {
     m_settings.autoLoad = on;
-    m_settings.saveAutoFlags();
+    reportUnsavedSettings(m_settings.saveAutoFlags());
 }
 
 void SorvantoMain::slotAutoRecord(bool on)
 {
     m_settings.autoRecord = on;
-    m_settings.saveAutoFlags();
+    reportUnsavedSettings(m_settings.saveAutoFlags());
+}
+
+/// Told once, until they can be saved again: they are written at every opening of a project.
+void SorvantoMain::reportUnsavedSettings(bool saved)
+{
+    if (!saved && m_bSettingsSaved)
+        showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the settings."));
+    m_bSettingsSaved = saved;
 }
 
 void SorvantoMain::checkAlarmSound()
