@@ -51,6 +51,7 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
         first = m_settings.autoLoadPath();
     if (!first.isEmpty())
         projectLoaded(first);
+    m_bIsBuilt = true;
 }
 
 SorvantoMain::~SorvantoMain()
@@ -228,7 +229,7 @@ void SorvantoMain::slotRefreshAvailDeviceList()
 void SorvantoMain::slotKeepAlive(bool on)
 {
     m_settings.keepAlive = on;
-    m_settings.saveAutoFlags();
+    reportUnsavedSettings(m_settings.saveAutoFlags());
     if (!m_bIsProjectOpen)
         return;
     for (ConfiguredDevice *device : m_configuredDevices)

@@ -14,6 +14,7 @@
 #include <QStringList>
 #include <QWidget>
 #include <memory>
+#include <utility>
 
 class AlarmSound;
 class InsertSerialData;
@@ -95,6 +96,7 @@ public slots:
     void handleStateChanged(QAudio::State state);
 
 protected:
+    void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -162,10 +164,13 @@ private:
     // Shell
     void openSibling(const QString &program);
     void dropDown(QMenu *menu, const QWidget *button);
+    void reportUnsavedSettings(bool saved);
+    /// While the station is built it waits for the window: before that nobody would have the time to read it.
     void showTimedMessage(const QString &title, const QString &text);
 
     std::unique_ptr<Ui::SorvantoMain> m_form;
     AppSettings m_settings;
+    bool m_bSettingsSaved = true;
     QString m_projectName;
     QString m_projectFile; ///< empty while no project is open or being created
     std::unique_ptr<ProjectLock> m_projectLock;
@@ -182,6 +187,8 @@ private:
     bool m_usbPresent = false;
     bool m_usbPresentBefore = false;
     bool m_bIsEnding = false;
+    bool m_bIsBuilt = false;
+    QList<std::pair<QString, QString>> m_messagesOfTheStart; ///< title and text
 
     MainMenus *m_menus = nullptr;
     QTimer *m_stdTimer = nullptr;

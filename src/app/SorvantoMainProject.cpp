@@ -80,7 +80,7 @@ void SorvantoMain::projectLoaded(const QString &path)
     const ProjectFile file(path);
     m_projectFile = path;
     m_projectName = QFileInfo(path).baseName();
-    m_settings.addRecentProject(m_projectName, path);
+    reportUnsavedSettings(m_settings.addRecentProject(m_projectName, path));
     if (!file.projectName().isEmpty())
         m_projectName = file.projectName();
     dataIntervalMs = file.dataInterval();
@@ -104,7 +104,7 @@ void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, 
     if (!ProjectFile(m_projectFile).saveLayout(dataIntervalMs, m_dashboardNames))
         reportUnsavedProject();
     showInterval();
-    m_settings.addRecentProject(m_projectName, m_projectFile);
+    reportUnsavedSettings(m_settings.addRecentProject(m_projectName, m_projectFile));
     m_bIsProjectOpen = true;
     refreshActions();
     openProjectView();

@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <algorithm>
+#include <utility>
 
 void SorvantoMain::dropDown(QMenu *menu, const QWidget *button)
 {
@@ -92,13 +93,21 @@ void SorvantoMain::slotShowHideItem(bool on)
 void SorvantoMain::slotAutoProject(bool on)
 {
     m_settings.autoLoad = on;
-    m_settings.saveAutoFlags();
+    reportUnsavedSettings(m_settings.saveAutoFlags());
 }
 
 void SorvantoMain::slotAutoRecord(bool on)
 {
     m_settings.autoRecord = on;
-    m_settings.saveAutoFlags();
+    reportUnsavedSettings(m_settings.saveAutoFlags());
+}
+
+/// Told once, until they can be saved again: they are written at every opening of a project.
+void SorvantoMain::reportUnsavedSettings(bool saved)
+{
+    if (!saved && m_bSettingsSaved)
+        showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the settings."));
+    m_bSettingsSaved = saved;
 }
 
 void SorvantoMain::checkAlarmSound()
@@ -118,5 +127,15 @@ void SorvantoMain::handleStateChanged(QAudio::State state)
 
 void SorvantoMain::showTimedMessage(const QString &title, const QString &text)
 {
-    showTransientMessage(title, text, this);
+    if (m_bIsBuilt)
+        showTransientMessage(title, text, this);
+    else
+        m_messagesOfTheStart.append({title, text});
+}
+
+void SorvantoMain::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    for (const auto &[title, text] : std::exchange(m_messagesOfTheStart, {}))
+        showTimedMessage(title, text);
 }

@@ -70,14 +70,14 @@ void AppSettings::pruneRecentProjects()
     }
 }
 
-void AppSettings::addRecentProject(const QString &name, const QString &path)
+bool AppSettings::addRecentProject(const QString &name, const QString &path)
 {
     if (recentProjects.contains(name) || recentProjectList.contains(name))
-        return;
+        return true;
     recentProjects.insert(name, path);
     recentProjectList.prepend(name);
     pruneRecentProjects();
-    save();
+    return save();
 }
 
 QString AppSettings::autoLoadPath() const

@@ -22,8 +22,9 @@ public:
 
     /// Drops the projects whose file is gone; the store is not written.
     void pruneRecentProjects();
-    /// Puts a project that is not listed yet in front and saves; a listed name stays where and as it is.
-    void addRecentProject(const QString &name, const QString &path);
+    /// Puts a project that is not listed yet in front and saves; a listed name stays where and as it is. False when it
+    /// could not be saved.
+    bool addRecentProject(const QString &name, const QString &path);
     /// The path to load at start, or an empty text when auto-load is off or nothing is listed.
     QString autoLoadPath() const;
 };

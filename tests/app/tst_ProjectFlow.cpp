@@ -6,6 +6,8 @@
 
 #include <QDir>
 #include <QMessageBox>
+#include <QScopeGuard>
+#include <QSettings>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -333,6 +335,34 @@ private slots:
         QVERIFY(QDir().mkpath(path)); // a folder in the file's place refuses even the superuser
         station.slotUpdateProjectFile();
         QCOMPARE(shownMessages(), QStringList{QStringLiteral("Unable to save the project file.")});
+    }
+
+    void saysOnceWhenTheSettingsCannotBeSaved()
+    {
+        const QStringList message{QStringLiteral("Unable to save the settings.")};
+        const QString path = QSettings(QStringLiteral("SorvantoLite"), QStringLiteral("Sorvanto Lite")).fileName();
+        QFile::remove(path);
+        QVERIFY(QDir().mkpath(path)); // a folder in the file's place refuses even the superuser
+        const auto cleanUp = qScopeGuard([&path] { QDir().rmdir(path); });
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        SorvantoMain station;
+        const auto toggle = [&station](const char *text) {
+            action(station, "menu_project", QLatin1String(text))->trigger();
+        };
+        toggle("Auto Load Recent Project");
+        QCOMPARE(shownMessages(), message);
+        toggle("Auto Start Record");
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        QVERIFY(station.isProjectOpen());
+        QCOMPARE(shownMessages(), message);
+
+        QVERIFY(QDir().rmdir(path));
+        toggle("Auto Start Record");
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QVERIFY(QFile::remove(path));
+        QVERIFY(QDir().mkpath(path));
+        toggle("Keep Socket Connection");
+        QCOMPARE(shownMessages(), message + message);
     }
 
     void aRecordingThatCannotBeCreatedEndsTheOpening()

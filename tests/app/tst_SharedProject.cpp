@@ -37,10 +37,15 @@ private slots:
     {
         QVERIFY(m_op->openProject(1));
         m_op->fixture.listProject(m_op->name, true, true);
-        const SorvantoMain second;
-        QCOMPARE(shownMessages(), QStringList{refusal});
+        SorvantoMain second;
         QVERIFY(!second.isProjectOpen());
         QVERIFY(!second.isRecording());
+        QCOMPARE(shownMessages(), QStringList());
+        second.show();
+        QCOMPARE(shownMessages(), QStringList{refusal});
+        second.hide();
+        second.show();
+        QCOMPARE(shownMessages(), QStringList{refusal});
     }
 
     void theProjectThatIsOpenStaysOpen()
