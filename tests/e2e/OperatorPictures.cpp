@@ -45,7 +45,7 @@ QImage Operator::image(const QString &name)
     const QWidget *widget = find(name);
     if (!widget)
         return {};
-    const QRect part(widget->mapToGlobal({}), widget->size());
+    const QRect part(widget->mapToGlobal(QPoint()), widget->size());
     return QGuiApplication::primaryScreen()->grabWindow(0, part.x(), part.y(), part.width(), part.height()).toImage();
 }
 
@@ -63,7 +63,7 @@ void Operator::photograph(const QString &name, const QString &window)
 {
     const QWidget *widget = find(window);
     if (widget)
-        keep(name, {widget->mapToGlobal({}), widget->size()});
+        keep(name, {widget->mapToGlobal(QPoint()), widget->size()});
 }
 
 void Operator::keep(const QString &name, const QRect &part)
