@@ -78,8 +78,10 @@ int runStation(QApplication &application, const StartOptions &options)
                      [&boxCloser] { boxCloser.start(boxCloserMs); });
     const QString problem = options.projectFile.isEmpty() ? QString() : projectFileProblem(options.projectFile);
     SorvantoMain mainWindow(problem.isEmpty() ? options : StartOptions{false, {}});
-    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow,
-                     &SorvantoMain::endProgram);
+    const QMetaObject::Connection ending = QObject::connect(
+        &signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow, &SorvantoMain::endProgram);
+    // Some sound backends handle events while the window is destroyed; a request must not reach it then.
+    const auto noMoreRequests = qScopeGuard([&ending] { QObject::disconnect(ending); });
     if (signalsFromSystem.wasRequested())
         mainWindow.endProgram();
     if (mainWindow.isEnding())

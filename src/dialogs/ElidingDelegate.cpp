@@ -6,6 +6,12 @@
 #include <QHelpEvent>
 #include <QToolTip>
 
+QString ElidingDelegate::displayText(const QVariant &value, const QLocale &locale) const
+{
+    // A text that ends right before a tab stop would leave no gap.
+    return QStyledItemDelegate::displayText(value, locale).replace(QLatin1Char('\t'), QStringLiteral("  \t"));
+}
+
 QSize ElidingDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     return {0, QStyledItemDelegate::sizeHint(option, index).height()};

@@ -1,5 +1,6 @@
 #include "StationFixture.h"
 
+#include "app/AlarmSound.h"
 #include "app/SorvantoMain.h"
 #include "app/StartUp.h"
 #include "dialogs/ProjectMain.h"
@@ -231,6 +232,22 @@ private slots:
         qInstallMessageHandler(before);
         QCOMPARE(code, 0);
         QVERIFY(!watch.wasShown());
+    }
+
+    void aTerminationSignalWhileTheProgramEndsIsIgnored()
+    {
+        recordedProject();
+        bool raised = false;
+        const int code = runAndUse([&](SorvantoMain &station) {
+            connect(station.findChild<AlarmSound *>(), &QObject::destroyed, this, [&raised] {
+                raised = true;
+                ::raise(SIGTERM);
+                QCoreApplication::processEvents();
+            });
+            station.endProgram();
+        });
+        QCOMPARE(code, 0);
+        QVERIFY(raised);
     }
 
     void theEndOfTheSessionStopsTheRecording()

@@ -12,6 +12,7 @@ class tst_ElidingDelegate : public QObject
 
 private slots:
     void rowsAreNoWiderThanTheList();
+    void columnsKeepAGap();
     void toolTip_data();
     void toolTip();
 };
@@ -25,6 +26,13 @@ void tst_ElidingDelegate::rowsAreNoWiderThanTheList()
     list.resize(200, 100);
     list.show();
     QCOMPARE(list.visualItemRect(list.item(0)).width(), list.viewport()->width());
+}
+
+void tst_ElidingDelegate::columnsKeepAGap()
+{
+    const ElidingDelegate delegate;
+    QCOMPARE(delegate.displayText(QStringLiteral("Greenhouse 1\t[COM5]"), QLocale::c()),
+             QStringLiteral("Greenhouse 1  \t[COM5]"));
 }
 
 void tst_ElidingDelegate::toolTip_data()

@@ -22,12 +22,6 @@ constexpr double audibleLevel = 0.2;
 NullSinkServer *theSoundServer = nullptr;
 QString theHome;
 
-/// Pictures for the manual show a home that reads well.
-QString givenHome()
-{
-    return qEnvironmentVariable("SORVANTO_OPERATOR_HOME");
-}
-
 void emptyHome()
 {
     QDir(theHome + QLatin1String("/Documents")).removeRecursively();
@@ -111,7 +105,7 @@ void OperatorTest::cleanup()
 int runOperatorTest(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &createTest)
 {
     const QTemporaryDir folder;
-    moveIn(givenHome().isEmpty() ? folder.path() : givenHome());
+    moveIn(folder.path());
     NullSinkServer server;
     if (!server.start()) {
         qCritical("%s", qUtf8Printable(server.errorString()));
