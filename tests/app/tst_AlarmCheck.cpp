@@ -1,5 +1,6 @@
 #include "StationFixture.h"
 
+#include "app/AudioOutput.h"
 #include "app/SorvantoMain.h"
 #include "device/ConfiguredDevice.h"
 #include "support/NullSinkServer.h"
@@ -70,6 +71,7 @@ private slots:
         read("ATDC 9.00,45.10\r\n", true);
         QTRY_VERIFY_WITH_TIMEOUT(tenthsHeard(m_ear) > 0, patienceMs);
         m_station->slotCloseProject();
+        QCOMPARE(m_station->findChild<AudioOutput *>()->state(), QAudio::StoppedState);
         QTRY_VERIFY_WITH_TIMEOUT(m_ear.trailingSilenceSeconds() > 2, patienceMs);
     }
 

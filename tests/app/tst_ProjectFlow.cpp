@@ -297,20 +297,6 @@ private slots:
         QVERIFY(!fullScreen->isChecked());
     }
 
-    void buttonsDropTheirMenus()
-    {
-        SorvantoMain station;
-        station.show();
-        QTest::mouseClick(child<QWidget>(station, "command_project"), Qt::LeftButton);
-        QVERIFY(child<QMenu>(station, "menu_project")->isVisible());
-        child<QMenu>(station, "menu_project")->close();
-        QTest::mouseClick(child<QWidget>(station, "command_record"), Qt::LeftButton);
-        QVERIFY(child<QMenu>(station, "menu_record")->isVisible());
-        child<QMenu>(station, "menu_record")->close();
-        QTest::mouseClick(child<QWidget>(station, "command_screen"), Qt::LeftButton);
-        QVERIFY(child<QMenu>(station, "menu_view")->isVisible());
-    }
-
     void refreshAsksWithoutRecording()
     {
         m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()}, 600000);

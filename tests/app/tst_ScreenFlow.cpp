@@ -1,5 +1,6 @@
 #include "Operator.h"
 
+#include "app/AudioOutput.h"
 #include "device/DataInterval.h"
 #include "support/LogCapture.h"
 
@@ -42,6 +43,7 @@ private slots:
     void theDeviceSetIsEdited();
     void editingGivesTheManagerWhatTheProjectHas();
     void editingIsNoWayOutOfARecording();
+    void editingSilencesTheAlarm();
     void closingFromTheManager_data();
     void closingFromTheManager();
     void closingWhileRecordingLeavesNoActionOn();
@@ -226,6 +228,19 @@ void tst_ScreenFlow::editingGivesTheManagerWhatTheProjectHas()
     QCOMPARE(m_op->status("label_interval"), QStringLiteral("Interval : 5 min"));
     QVERIFY(!child<QPushButton>(*m_op->manager(), "btn_timeInterval")->isEnabled());
     QVERIFY(!m_op->actions().contains(QStringLiteral("Keep Socket Connection")));
+}
+
+void tst_ScreenFlow::editingSilencesTheAlarm()
+{
+    QVERIFY(m_op->openProject(1));
+    ConfiguredDevice *device = m_op->station->configuredDevices().first();
+    device->setAlarmRange(90, 91, 0, 0);
+    device->checkAlarmAll();
+    m_op->station->slotStdTimer();
+    const auto *sound = m_op->station->findChild<AudioOutput *>();
+    QTRY_COMPARE(sound->state(), QAudio::ActiveState);
+    m_op->edit();
+    QCOMPARE(sound->state(), QAudio::StoppedState);
 }
 
 void tst_ScreenFlow::editingIsNoWayOutOfARecording()

@@ -136,7 +136,12 @@ private slots:
         QCOMPARE(text, aboutText());
         QVERIFY(text.startsWith(QString::fromUtf8("<p><font size=5><b>SORVANTO\u00ae Lite </b></font></p>"
                                                   "<p><font size=3>V3.54</font></p>")));
-        QVERIFY(text.endsWith(QStringLiteral("src=:/img/sorvanto_lite.png></p>")));
+        QVERIFY(text.contains(QString::fromUtf8(
+            "<p><font size=3>Sorvanto Lite is data recording software for OSTRIVANE\u00ae ZP Series and "
+            "TQ480 Series. it supports up to 32 channels data recording,  data viewer and "
+            "data-reporter with easy way.</font></p><p><font size=3></font></p>")));
+        QVERIFY(text.endsWith(QStringLiteral("<p style='margin-right:100;'>"
+                                             "<img width=720 height=326 src=:/img/sorvanto_lite.png></p>")));
     }
 
 private:

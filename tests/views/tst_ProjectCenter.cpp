@@ -114,6 +114,19 @@ private slots:
         QCOMPARE(clicked.count(), 1);
     }
 
+    void recordButtonTellsWhatItIsFor()
+    {
+        const ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        const auto *button = center.findChild<QPushButton *>(QStringLiteral("btn_record"));
+        QCOMPARE(button->toolTip(), QStringLiteral("Record current data"));
+        QCOMPARE(button->text(), QString());
+        QCOMPARE(button->iconSize(), QSize(50, 50));
+        QVERIFY(!center.windowIcon().isNull());
+        QCOMPARE(center.styleSheet(),
+                 QStringLiteral("color: rgb(58, 58, 58);QToolTip { color: rgb(230,230,230); background-color: "
+                                "rgb(12, 12, 12); border: #996633; }"));
+    }
+
     void recordBarHasItsSizes()
     {
         ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
@@ -121,7 +134,8 @@ private slots:
         center.show();
         QCOMPARE(center.findChild<QWidget *>(QStringLiteral("bottom_frame"))->height(), 56);
         QCOMPARE(center.findChild<QWidget *>(QStringLiteral("widget_list"))->width(), 200);
-        QVERIFY(center.findChild<QWidget *>(QStringLiteral("widget_board"))->width() >= 810);
+        QVERIFY(center.findChild<QWidget *>(QStringLiteral("widget_board"))->minimumWidth() >= 810);
+        QVERIFY(center.findChild<QWidget *>(QStringLiteral("widget_board"))->minimumHeight() >= 404);
         QCOMPARE(label(center, "label_record_starttime")->size(), QSize(200, 56));
         QCOMPARE(label(center, "label_record_endtime")->size(), QSize(200, 56));
         QCOMPARE(label(center, "label_record_bytes")->size(), QSize(200, 56));

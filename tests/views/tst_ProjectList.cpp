@@ -163,6 +163,24 @@ private slots:
                  QStringLiteral("Heat && Cold"));
     }
 
+    void formIsAsDesigned()
+    {
+        const auto *button = m_list->findChild<QPushButton *>(QStringLiteral("button_project"));
+        QCOMPARE(button->toolTip(), QStringLiteral("show Dashboard"));
+        QCOMPARE(button->styleSheet(), QStringLiteral("color: rgb(230,230,230);"));
+        QCOMPARE(button->minimumHeight(), 41);
+        QCOMPARE(button->maximumHeight(), 41);
+        QCOMPARE(button->font().pointSize(), 11);
+        QCOMPARE(m_items->font().pointSize(), 9);
+        QCOMPARE(m_items->frameShape(), QFrame::NoFrame);
+        QCOMPARE(m_items->styleSheet(),
+                 QStringLiteral("background-color: transparent; color: rgb(230,230,230); selection-color: "
+                                "rgb(230,230,230); selection-background-color: rgb(130, 130, 130);"));
+        QCOMPARE(m_list->styleSheet(),
+                 QStringLiteral("color: rgb(230,230,230);\nQToolTip { color: rgb(230,230,230); background-color: "
+                                "rgb(12, 12, 12); border: #996633; }"));
+    }
+
     void projectButtonLeadsToTheDashboards()
     {
         auto *button = m_list->findChild<QPushButton *>(QStringLiteral("button_project"));
