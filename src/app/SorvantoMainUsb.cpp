@@ -46,10 +46,8 @@ void SorvantoMain::dropVanishedLoggers(const QList<UsbLogger> &found)
         if (present)
             continue;
         anyVanished = true;
-        if (ConfiguredDevice *device = usbDeviceOf(record->key)) {
+        if (ConfiguredDevice *device = usbDeviceOf(record->key))
             device->forgetPort();
-            device->deviceDisconnected();
-        }
     }
     if (anyVanished)
         closeSerialDevices();
@@ -90,7 +88,7 @@ void SorvantoMain::openOstrivaneDevices()
         if (!device)
             continue;
         if (device->isOpen())
-            device->closeDevice();
+            device->releasePort();
         present.append({device, record});
     }
     for (const auto &[device, record] : std::as_const(present))
@@ -113,7 +111,7 @@ void SorvantoMain::reopenClosedUsbDevices()
         return;
     for (const AvailDevice *record : std::as_const(m_serialDeviceList)) {
         ConfiguredDevice *device = usbDeviceOf(record->key);
-        if (device && !device->isOpen())
+        if (device && !device->isOpen() && !device->opensWithNextPoll())
             openUsbDevice(device, *record);
     }
 }

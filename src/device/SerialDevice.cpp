@@ -1,7 +1,11 @@
 #include "device/SerialDevice.h"
 
+#include "device/LoggerConversation.h"
 #include "device/Logging.h"
 #include "device/WireText.h"
+
+#include <QSignalBlocker>
+#include <utility>
 
 namespace {
 
@@ -24,6 +28,13 @@ int numberOf(QSerialPort::SerialPortError error)
     default:
         return static_cast<int>(error);
     }
+}
+
+/// What a logger that hangs has not taken would hold up the closing, what it still sends would answer the next poll.
+void clearQueues(QSerialPort &port)
+{
+    const QSignalBlocker quiet(port);
+    port.clear();
 }
 
 } // namespace
@@ -111,8 +122,15 @@ qint64 SerialDevice::writeCommand(const QByteArray &bytes)
         emit disconnected();
     } else {
         logDevice() << "SerialDevice::writeCommand : [" << m_portName << "] :" << bytes;
+        if (m_conversation)
+            m_conversation->linkSent(bytes);
     }
     return 0;
+}
+
+void SerialDevice::setConversation(LoggerConversation *conversation)
+{
+    m_conversation = conversation;
 }
 
 QString SerialDevice::deviceName()
@@ -147,7 +165,10 @@ void SerialDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_port)
         return;
-    QString text = wireText(m_port->readAll());
+    const QByteArray bytes = m_port->readAll();
+    if (m_conversation)
+        m_conversation->linkHeard(bytes);
+    QString text = wireText(bytes);
     if (!text.contains(QLatin1String("ATCD"))) {
         logDevice() << "[ERROR] SerialDevice::readData no 'ATCD' : [" << m_portName << "] :" << text;
         return;
@@ -206,10 +227,15 @@ void SerialDevice::reportError(QSerialPort::SerialPortError error)
 
 void SerialDevice::closePort()
 {
-    m_closePending = false;
+    const bool hasFailed = std::exchange(m_closePending, false);
     QSerialPort *port = m_port;
-    if (port && port->isOpen())
+    if (port && port->isOpen()) {
+        if (!hasFailed)
+            clearQueues(*port);
         port->close();
+    }
+    if (m_conversation)
+        m_conversation->linkClosed();
 }
 
 void SerialDevice::closeFailedPort()

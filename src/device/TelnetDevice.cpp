@@ -1,6 +1,7 @@
 #include "device/TelnetDevice.h"
 
 #include "device/DataInterval.h"
+#include "device/LoggerConversation.h"
 #include "device/Logging.h"
 #include "device/WireText.h"
 
@@ -54,7 +55,6 @@ void TelnetDevice::close()
         socket->close();
     }
     m_connected = false;
-    m_owesReply = false;
 }
 
 bool TelnetDevice::open()
@@ -79,7 +79,6 @@ bool TelnetDevice::startConnecting()
         logDevice() << "[ERROR] TelnetDevice::open : [" << m_address << "] is not an IP address";
         return false;
     }
-    m_owesReply = false;
     m_socket->connectToHost(target, m_port, QIODevice::ReadWrite);
     return m_socket && m_socket->isValid();
 }
@@ -118,7 +117,8 @@ qint64 TelnetDevice::writeCommand(const QByteArray &bytes)
     if (state != QAbstractSocket::ConnectedState)
         return 0;
     const qint64 written = m_socket->write(bytes);
-    m_owesReply = written > 0;
+    if (m_conversation && written > 0)
+        m_conversation->linkSent(bytes);
     if (written != bytes.size())
         logDevice() << "[ERROR] TelnetDevice::writeCommand : [" << m_address << "] buzzer flag :" << m_buzzerFlag
                     << " written : " << written;
@@ -157,9 +157,9 @@ quint16 TelnetDevice::port()
     return m_port;
 }
 
-bool TelnetDevice::owesReply() const
+void TelnetDevice::setConversation(LoggerConversation *conversation)
 {
-    return m_owesReply && socketState() == QAbstractSocket::ConnectedState;
+    m_conversation = conversation;
 }
 
 bool TelnetDevice::buzzerFlag() const
@@ -188,7 +188,8 @@ void TelnetDevice::readData()
     if (!m_socket)
         return;
     const QByteArray bytes = m_socket->readAll();
-    m_owesReply = m_owesReply && !bytes.endsWith('\n') && !bytes.endsWith('\r');
+    if (m_conversation)
+        m_conversation->linkHeard(bytes);
     QString text = wireText(bytes);
     if (!m_buzzerFlag) {
         if (closesAfterReply())
@@ -220,6 +221,10 @@ void TelnetDevice::telnetStateChanged(QAbstractSocket::SocketState state)
 {
     logDevice() << "TelnetDevice::telnetStateChanged : buzzer flag :" << m_buzzerFlag << " [" << m_address << "] : ["
                 << state << "]";
+    if (m_conversation && state == QAbstractSocket::ConnectingState)
+        m_conversation->linkOpening();
+    if (m_conversation && state == QAbstractSocket::UnconnectedState)
+        m_conversation->linkClosed();
 }
 
 void TelnetDevice::sockConnected()
