@@ -173,6 +173,31 @@ private slots:
         QVERIFY(dot.contains(picture->xCoordinate(time).value(), picture->yCoordinate(21.5).value() + 3));
     }
 
+    void inAGapItStandsAtASampleBesideIt_data()
+    {
+        QTest::addColumn<int>("mouse");
+        QTest::addColumn<int>("sample");
+        QTest::newRow("nearer to its beginning") << 400 << 100;
+        QTest::newRow("nearer to its end") << 450 << 160;
+    }
+
+    void inAGapItStandsAtASampleBesideIt()
+    {
+        QFETCH(int, mouse);
+        QFETCH(int, sample);
+        std::vector<double> times = sampleTimes();
+        std::vector<double> values(sampleCount, 20);
+        std::fill(values.begin() + 160, values.end(), 30);
+        times.erase(times.begin() + 101, times.begin() + 160);
+        values.erase(values.begin() + 101, values.begin() + 160);
+        const auto picture = chartOf(times, values);
+        picture->layers().front()->setLargestStep(1.5 * sampleDistance);
+        drawTrackCursor(*picture, mouse, span);
+        Expected expected(*picture, 1);
+        expected.withLegend(red, sample == 100 ? "20.00" : "30.00").withDate(sampleTimes()[size_t(sample)]).withSpan();
+        QCOMPARE(Expected::cut(picture->picture(1), captions), expected.captionRow());
+    }
+
     void theTimeStandsBelowTheAxis_data()
     {
         QTest::addColumn<int>("mouse");
