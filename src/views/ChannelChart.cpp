@@ -1,8 +1,9 @@
 #include "views/ChannelChart.h"
 
-#include "views/chart/Colour.h"
-#include "views/chart/NoValue.h"
-#include "views/chart/XYChart.h"
+#include "chart/Colour.h"
+#include "chart/NoValue.h"
+#include "chart/XYChart.h"
+#include "device/DataInterval.h"
 
 #include <QLinearGradient>
 #include <limits>
@@ -74,4 +75,9 @@ std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &
     picture->xAxis().setScale(newest - double(span), newest);
     picture->addLineLayer(copyOf(times)).addDataSet(copyOf(values), line.name, line.colour);
     return picture;
+}
+
+QString channelSpanText(qint32 intervalMs)
+{
+    return QStringLiteral("View Length : %1 samples   Interval : %2 ").arg(historyLength).arg(intervalText(intervalMs));
 }

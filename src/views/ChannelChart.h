@@ -23,3 +23,6 @@ struct ChannelLine
 /// plot.
 std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &times, const History &values,
                                              const ChannelLine &line, qint32 intervalMs);
+
+/// What the caption of such a chart says of the time shown.
+QString channelSpanText(qint32 intervalMs);

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "chart/NoValue.h"
+#include "chart/QChartViewer.h"
+#include "chart/XYChart.h"
 #include "support/ClockedDevice.h"
 #include "support/TemporaryInterval.h"
 #include "views/ChartView.h"
-#include "views/QChartViewer.h"
-#include "views/chart/NoValue.h"
-#include "views/chart/XYChart.h"
 
 #include <QLabel>
 #include <QTest>

@@ -153,6 +153,25 @@ private slots:
         QCOMPARE(picture->xCoordinate(newestTime).value(), 785);
     }
 
+    void theCaptionNamesTheInterval_data()
+    {
+        QTest::addColumn<int>("intervalMs");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("1 sec") << 1000 << "View Length : 240 samples   Interval : 1 sec ";
+        QTest::newRow("5 sec") << 5000 << "View Length : 240 samples   Interval : 5 sec ";
+        QTest::newRow("10 sec") << 10000 << "View Length : 240 samples   Interval : 10 sec ";
+        QTest::newRow("1 min") << 60000 << "View Length : 240 samples   Interval : 1 min ";
+        QTest::newRow("5 min") << 300000 << "View Length : 240 samples   Interval : 5 min ";
+        QTest::newRow("10 min") << 600000 << "View Length : 240 samples   Interval : 10 min ";
+        QTest::newRow("any other") << 2000 << "View Length : 240 samples   Interval :  ";
+    }
+
+    void theCaptionNamesTheInterval()
+    {
+        QFETCH(int, intervalMs);
+        QTEST(channelSpanText(intervalMs), "text");
+    }
+
     void impossibleIntervalsGiveAnEmptyPlot_data()
     {
         QTest::addColumn<int>("intervalMs");

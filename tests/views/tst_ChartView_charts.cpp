@@ -1,5 +1,5 @@
 #include "ChartViewFixture.h"
-#include "views/QChartViewerLabel.h"
+#include "chart/QChartViewerLabel.h"
 
 #include <QSignalSpy>
 

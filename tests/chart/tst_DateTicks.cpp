@@ -1,0 +1,143 @@
+#include "chart/DateTicks.h"
+
+#include <QDateTime>
+#include <QLocale>
+#include <QTest>
+
+using namespace chart;
+
+namespace {
+
+double at(const QString &local)
+{
+    return double(QDateTime::fromString(local, QStringLiteral("yyyy-MM-dd hh:mm:ss")).toSecsSinceEpoch());
+}
+
+QString texts(const std::vector<double> &ticks, const QString &format)
+{
+    QStringList result;
+    for (const double tick : ticks)
+        result << QLocale::c().toString(QDateTime::fromSecsSinceEpoch(qint64(tick)), format);
+    return result.join(' ');
+}
+
+} // namespace
+
+class tst_DateTicks : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void majorTicksAreRoundLocalTimes_data()
+    {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::addColumn<int>("length");
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<QString>("labels");
+
+        QTest::newRow("4 minutes") << "2023-11-14 22:09:20"
+                                   << "2023-11-14 22:13:20" << 524 << "hh:mm:ss"
+                                   << "22:10:00 22:11:00 22:12:00 22:13:00";
+        QTest::newRow("4 minutes, wide") << "2023-11-14 22:09:20"
+                                         << "2023-11-14 22:13:20" << 700 << "hh:mm:ss"
+                                         << "22:09:30 22:10:00 22:10:30 22:11:00 22:11:30 22:12:00 22:12:30 22:13:00";
+        QTest::newRow("40 minutes") << "2023-11-14 21:33:20"
+                                    << "2023-11-14 22:13:20" << 524 << "hh:mm"
+                                    << "21:40 21:50 22:00 22:10";
+        QTest::newRow("40 hours") << "2023-11-13 06:13:20"
+                                  << "2023-11-14 22:13:20" << 524 << "dd.hh"
+                                  << "13.12 13.18 14.00 14.06 14.12 14.18";
+        QTest::newRow("4 days: local midnight") << "2023-11-10 06:00:00"
+                                                << "2023-11-14 06:00:00" << 524 << "dd.hh"
+                                                << "11.00 12.00 13.00 14.00";
+        QTest::newRow("weeks begin on Mondays") << "2023-11-01 00:00:00"
+                                                << "2023-11-30 00:00:00" << 524 << "ddd.dd"
+                                                << "Mon.06 Mon.13 Mon.20 Mon.27";
+        QTest::newRow("months") << "2023-01-15 00:00:00"
+                                << "2023-07-15 00:00:00" << 524 << "MM-dd hh"
+                                << "02-01 00 03-01 00 04-01 00 05-01 00 06-01 00 07-01 00";
+        QTest::newRow("years") << "2001-06-01 00:00:00"
+                               << "2023-07-15 00:00:00" << 524 << "yyyy"
+                               << "2005 2010 2015 2020";
+        QTest::newRow("the clock goes forward") << "2023-03-25 22:00:00"
+                                                << "2023-03-26 08:00:00" << 524 << "hh"
+                                                << "22 00 04 06 08";
+        QTest::newRow("the clock goes back") << "2023-10-28 23:00:00"
+                                             << "2023-10-29 07:00:00" << 700 << "hh"
+                                             << "23 00 01 02 02 03 04 05 06 07";
+    }
+
+    void majorTicksAreRoundLocalTimes()
+    {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        QFETCH(int, length);
+        QFETCH(QString, format);
+        const DateTicks ticks = dateTicks({at(from), at(to)}, length, 75, 15);
+        QTEST(texts(ticks.major, format), "labels");
+    }
+
+    void ticksKeepTheirDistances_data()
+    {
+        QTest::addColumn<double>("span");
+        for (double span = 3; span < 4e9; span *= 1.7)
+            QTest::addRow("%.0f s", span) << span;
+    }
+
+    void ticksKeepTheirDistances()
+    {
+        QFETCH(double, span);
+        constexpr int length = 740;
+        const double from = at("2023-11-14 21:33:20") - span;
+        const DateTicks ticks = dateTicks({from, from + span}, length, 75, 15);
+        const double pixel = span / length;
+        std::vector<double> all = ticks.major;
+        all.insert(all.end(), ticks.minor.cbegin(), ticks.minor.cend());
+        std::sort(all.begin(), all.end());
+        // Where the clocks are changed, and at the ends of months, a tick may come up to a day early.
+        const double tolerance = span > 7 * 86400.0 ? 0.9 : 1;
+        for (size_t i = 1; i < all.size(); ++i)
+            QVERIFY(all[i] - all[i - 1] >= 15 * pixel * tolerance);
+        for (size_t i = 1; i < ticks.major.size(); ++i)
+            QVERIFY(ticks.major[i] - ticks.major[i - 1] >= 75 * pixel * tolerance);
+        QVERIFY(all.empty() || (all.front() >= from && all.back() <= from + span));
+    }
+
+    void minorTicksDivideTheMajorOnes()
+    {
+        const DateTicks ticks = dateTicks({at("2023-11-14 22:09:20"), at("2023-11-14 22:10:40")}, 200, 75, 15);
+        QCOMPARE(texts(ticks.major, "mm:ss"), QString("09:30 10:00 10:30"));
+        QCOMPARE(texts(ticks.minor, "mm:ss"), QString("09:20 09:40 09:50 10:10 10:20 10:40"));
+    }
+
+    void impossibleRangesHaveNoTicks_data()
+    {
+        QTest::addColumn<double>("from");
+        QTest::addColumn<double>("to");
+        QTest::addColumn<double>("length");
+        QTest::newRow("empty") << 100.0 << 100.0 << 500.0;
+        QTest::newRow("wrong way round") << 200.0 << 100.0 << 500.0;
+        QTest::newRow("beyond the calendar") << 1e12 << 2e12 << 500.0;
+        QTest::newRow("beyond all numbers") << -1.7e308 << 1.7e308 << 500.0;
+        QTest::newRow("no room") << 100.0 << 200.0 << 0.0;
+    }
+
+    void impossibleRangesHaveNoTicks()
+    {
+        QFETCH(double, from);
+        QFETCH(double, to);
+        QFETCH(double, length);
+        const DateTicks ticks = dateTicks({from, to}, length, 75, 15);
+        QVERIFY(ticks.major.empty());
+        QVERIFY(ticks.minor.empty());
+    }
+
+    void theWholeCalendarHasTicks()
+    {
+        QVERIFY(!dateTicks({-62135596800.0, 253402300799.0}, 740, 75, 15).major.empty());
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_DateTicks)
+#include "tst_DateTicks.moc"
