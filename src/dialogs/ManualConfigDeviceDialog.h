@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dialogs/ManualDeviceEntry.h"
+
 #include <QDeadlineTimer>
 #include <QDialog>
 #include <QList>
@@ -8,7 +10,6 @@
 class ConfiguredDevice;
 class QSpinBox;
 class QTimer;
-struct ManualDeviceEntry;
 
 namespace Ui {
 class ManualConfigDeviceDialog;
@@ -41,6 +42,8 @@ public slots:
 
 private:
     ManualDeviceEntry entered() const;
+    QList<QSpinBox *> octets() const;
+    QWidget *fieldOf(EntryRefusal::Field field) const;
     void startTest(const ManualDeviceEntry &entry);
     void checkAnswer();
     void endTest();
