@@ -292,14 +292,14 @@ private slots:
         chart->xAxis().setScale(1000, 1260);
         chart->xAxis().setLabelFormat(
             "'a label that is by far too long for a picture no wider than this one' hh:mm:ss");
-        QVERIFY(chart->xLabelPlaces().empty());
+        QVERIFY(chart->xLabels().empty());
         chart = emptyChart();
         chart->xAxis().setScale(960, 1200);
-        for (const QRectF &place : chart->xLabelPlaces()) {
-            QVERIFY(place.left() >= 0);
-            QVERIFY(place.right() <= 300);
+        for (const DateAxis::Label &shown : chart->xLabels()) {
+            QVERIFY(shown.place.left() >= 0);
+            QVERIFY(shown.place.right() <= 300);
         }
-        QVERIFY(!chart->xLabelPlaces().empty());
+        QVERIFY(!chart->xLabels().empty());
     }
 
     void coordinates()
