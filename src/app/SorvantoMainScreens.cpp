@@ -32,7 +32,7 @@ ProjectManager *SorvantoMain::showProjectManager()
 void SorvantoMain::refreshFoundDevices()
 {
     if (m_projectManager)
-        m_projectManager->setAvailDeviceList(m_availDeviceList);
+        m_projectManager->setAvailDeviceList(m_availDevices.all());
 }
 
 void SorvantoMain::showScreen(QWidget *screen)
