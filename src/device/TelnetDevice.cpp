@@ -8,18 +8,12 @@
 #include <QHostAddress>
 #include <QNetworkProxy>
 
-namespace {
-
-constexpr qint64 readBufferSize = 64 * 1024;
-
-} // namespace
-
 TelnetDevice::TelnetDevice(QObject *parent) : QObject(parent), m_socket(new QTcpSocket(this))
 {
     // Loggers stand in the local network; a proxy set for the desktop does not lead to them.
     m_socket->setProxy(QNetworkProxy::NoProxy);
-    // However much a logger sends, the others get their turn.
-    m_socket->setReadBufferSize(readBufferSize);
+    // However much a logger sends, the others get their turn; one byte more than it may send tells that it does.
+    m_socket->setReadBufferSize(replyBounds::bytesPerPoll + 1);
     m_socket->setSocketOption(QAbstractSocket::KeepAliveOption, 0);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
 
@@ -117,6 +111,8 @@ qint64 TelnetDevice::writeCommand(const QByteArray &bytes)
     if (state != QAbstractSocket::ConnectedState)
         return 0;
     const qint64 written = m_socket->write(bytes);
+    if (written > 0)
+        m_guard.pollSent();
     if (m_conversation && written > 0)
         m_conversation->linkSent(bytes);
     if (written != bytes.size())
@@ -188,6 +184,10 @@ void TelnetDevice::readData()
     if (!m_socket)
         return;
     const QByteArray bytes = m_socket->readAll();
+    if (!m_guard.admits(bytes)) {
+        cutOff();
+        return;
+    }
     if (m_conversation)
         m_conversation->linkHeard(bytes);
     QString text = wireText(bytes);
@@ -204,6 +204,14 @@ void TelnetDevice::readData()
     }
     logDevice() << "TelnetDevice::readData : buzzer flag :" << m_buzzerFlag << " [" << m_address << "] :" << text;
     emit readyRead(text);
+}
+
+/// The next poll connects anew.
+void TelnetDevice::cutOff()
+{
+    if (const QString complaint = m_guard.takeComplaint(); !complaint.isEmpty())
+        warnDevice() << "[ERROR] TelnetDevice::readData : [" << m_address << "] : [" << m_port << "] : " << complaint;
+    close();
 }
 
 bool TelnetDevice::closesAfterReply() const

@@ -2,6 +2,7 @@
 
 #include "device/AbstractDevice.h"
 #include "device/AvailDevice.h"
+#include "device/ReplyGuard.h"
 #include "device/SignalDepth.h"
 
 #include <QPointer>
@@ -11,7 +12,8 @@ class LoggerConversation;
 
 /// The link to a network logger over plain TCP; its address is an IP address text, host names are not looked up.
 /// It never reconnects by itself: the next write() or open() does. While the buzzer flag is set it carries the exchange
-/// of alarm settings instead of polls and passes replies on as they come.
+/// of alarm settings instead of polls and passes replies on as they come. A logger that exceeds replyBounds is cut off:
+/// what it sent is dropped and the connection closed.
 class TelnetDevice : public QObject, public AbstractDevice
 {
     Q_OBJECT
@@ -62,6 +64,7 @@ private:
     bool startConnecting();
     void sendPoll();
     void sendWhatIsDue();
+    void cutOff();
     bool closesAfterReply() const;
     QAbstractSocket::SocketState socketState() const;
 
@@ -73,5 +76,6 @@ private:
     bool m_buzzerFlag = false;
     bool m_keepConnection = false;
     LoggerConversation *m_conversation = nullptr;
+    ReplyGuard m_guard;
     SignalDepth m_depth;
 };
