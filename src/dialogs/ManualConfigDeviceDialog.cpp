@@ -23,7 +23,10 @@ void beginAnew(QWidget *field)
 } // namespace
 
 ManualConfigDeviceDialog::ManualConfigDeviceDialog(QWidget *parent)
-    : QDialog(parent), m_form(std::make_unique<Ui::ManualConfigDeviceDialog>()), m_testTimer(new QTimer(this))
+    : QDialog(parent),
+      m_form(std::make_unique<Ui::ManualConfigDeviceDialog>()),
+      m_lookTimer(new QTimer(this)),
+      m_limitTimer(new QTimer(this))
 {
     m_form->setupUi(this);
     m_form->label_top->setPixmap(sharpPixmap(QStringLiteral(":/img/SorvantoLogoLite.png")));
@@ -34,8 +37,13 @@ ManualConfigDeviceDialog::ManualConfigDeviceDialog(QWidget *parent)
     }
     m_steps.append(m_form->spinBox_port);
     m_form->lineEdit_devicename->setFocus();
-    m_testTimer->setInterval(lookMs);
-    connect(m_testTimer, &QTimer::timeout, this, &ManualConfigDeviceDialog::checkAnswer);
+    m_lookTimer->setInterval(lookMs);
+    connect(m_lookTimer, &QTimer::timeout, this, &ManualConfigDeviceDialog::checkAnswer);
+    m_limitTimer->setObjectName(QStringLiteral("answerLimit"));
+    m_limitTimer->setSingleShot(true);
+    m_limitTimer->setTimerType(Qt::PreciseTimer);
+    m_limitTimer->setInterval(answerLimitMs);
+    connect(m_limitTimer, &QTimer::timeout, this, &ManualConfigDeviceDialog::refuse);
     connect(m_form->pushButton_confirm, &QPushButton::clicked, this, &ManualConfigDeviceDialog::confirm);
 }
 
@@ -126,21 +134,20 @@ void ManualConfigDeviceDialog::startTest(const ManualDeviceEntry &entry)
     m_form->groupBox_network->setEnabled(false);
     m_form->pushButton_confirm->setEnabled(false);
     setCursor(Qt::BusyCursor);
-    m_deadline.setRemainingTime(answerLimitMs);
-    m_testTimer->start();
+    m_lookTimer->start();
+    m_limitTimer->start();
 }
 
 void ManualConfigDeviceDialog::checkAnswer()
 {
     if (m_device->isConnected())
         handOn();
-    else if (m_deadline.hasExpired())
-        refuse();
 }
 
 void ManualConfigDeviceDialog::endTest()
 {
-    m_testTimer->stop();
+    m_lookTimer->stop();
+    m_limitTimer->stop();
     m_form->groupBox_network->setEnabled(true);
     m_form->pushButton_confirm->setEnabled(true);
     unsetCursor();

@@ -2,7 +2,6 @@
 
 #include "dialogs/ManualDeviceEntry.h"
 
-#include <QDeadlineTimer>
 #include <QDialog>
 #include <QList>
 #include <memory>
@@ -53,6 +52,6 @@ private:
     std::unique_ptr<Ui::ManualConfigDeviceDialog> m_form;
     QList<QSpinBox *> m_steps;                  ///< the four octets, then the port
     std::unique_ptr<ConfiguredDevice> m_device; ///< under test
-    QTimer *m_testTimer = nullptr;
-    QDeadlineTimer m_deadline;
+    QTimer *m_lookTimer;
+    QTimer *m_limitTimer;
 };

@@ -7,7 +7,7 @@
 struct ManualDeviceEntry
 {
     QString name;
-    QString key; ///< the MAC address' digits in the case typed; fewer than twelve when typed in part
+    QString key;      ///< the MAC address' digits in the case typed; fewer than twelve when typed in part
     QString address;  ///< empty when one of its numbers is none
     quint16 port = 0; ///< 0 when it is no number
 };

@@ -456,8 +456,9 @@ void tst_NumberEditors::octetsAndPortRefuse_data()
     QTest::addColumn<bool>("pasted");
     QTest::addColumn<QString>("text");
 
-    const QStringList either{"",    " ",   "-",  "-1", "1,5",    QStringLiteral("\u0661"), QStringLiteral("\uFF11"),
-                             "1e2", "0x7", "1 ,", "1 2", "12abc", "1,234", "99999999999999999999"};
+    const QStringList either{
+        "",    " ",   "-",   "-1",    "1,5",   QStringLiteral("\u0661"), QStringLiteral("\uFF11"), "1e2",
+        "0x7", "1 ,", "1 2", "12abc", "1,234", "99999999999999999999"};
     const QStringList octets = either + QStringList{"256", "300", "1000"};
     const QStringList ports = either + QStringList{"100000", "4.001", "80.", QStringLiteral("4\u202F001")};
     int number = 0;
@@ -482,8 +483,8 @@ void tst_NumberEditors::octetsAndPortRefuse()
     enter(&manual.box(number), text, pasted);
     manual.confirm();
     QVERIFY(!manual.isTesting());
-    QCOMPARE(messagesOf(&manual.dialog), QStringList(number < 4 ? "INFORMATION: Enter the IP Address."
-                                                                : "INFORMATION: Enter the port number."));
+    QCOMPARE(messagesOf(&manual.dialog),
+             QStringList(number < 4 ? "INFORMATION: Enter the IP Address." : "INFORMATION: Enter the port number."));
     QCOMPARE(manual.box(number).text(), text);
     QCOMPARE(manual.dialog.focusWidget(), &manual.box(number));
 }
