@@ -56,8 +56,8 @@ bool ProjectFile::create(const QString &projectName, int intervalMs)
 
 bool ProjectFile::saveDevices(const QList<DeviceEntry> &devices)
 {
-    return rewriteExisting(m_path, {{key::backup, read(m_path, key::deviceList).toByteArray()},
-                                    {key::deviceList, encodeDeviceList(devices)}});
+    const QByteArray before = read(m_path, key::deviceList).toByteArray();
+    return rewriteExisting(m_path, {{key::backup, before}, {key::deviceList, encodeDeviceList(devices, before)}});
 }
 
 bool ProjectFile::saveLayout(int intervalMs, const QStringList &dashboardNames)
@@ -78,6 +78,11 @@ bool ProjectFile::setRecordStopTime(const QString &text)
 std::optional<QList<DeviceEntry>> ProjectFile::readDevices() const
 {
     return decodeDeviceList(read(m_path, key::deviceList).toByteArray());
+}
+
+QStringList ProjectFile::refusedDevices() const
+{
+    return ::refusedDevices(read(m_path, key::deviceList).toByteArray());
 }
 
 QString ProjectFile::projectName() const
