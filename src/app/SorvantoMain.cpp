@@ -17,7 +17,6 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDateTime>
-#include <QMessageBox>
 #include <QTimer>
 #include <QUdpSocket>
 #include <QUuid>
@@ -131,9 +130,7 @@ void SorvantoMain::setUpAlarmSound()
 {
     m_alarmSound = std::make_unique<AlarmSound>(this);
     connect(m_alarmSound.get(), &AlarmSound::stateChanged, this, &SorvantoMain::handleStateChanged);
-    connect(m_alarmSound.get(), &AlarmSound::setUpFailed, this, [this](const QString &title, const QString &text) {
-        QMessageBox::critical(this, title, text, QMessageBox::Ok);
-    });
+    connect(m_alarmSound.get(), &AlarmSound::setUpFailed, this, &SorvantoMain::showCriticalBox);
     m_alarmSound->setUp();
 }
 

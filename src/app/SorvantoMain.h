@@ -13,8 +13,8 @@
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
+#include <functional>
 #include <memory>
-#include <utility>
 
 class AlarmSound;
 class InsertSerialData;
@@ -159,8 +159,10 @@ private:
     void openSibling(const QString &program);
     void dropDown(QMenu *menu, const QWidget *button);
     void reportUnsavedSettings(bool saved);
-    /// While the station is built it waits for the window: before that nobody would have the time to read it.
     void showTimedMessage(const QString &title, const QString &text);
+    void showCriticalBox(const QString &title, const QString &text);
+    /// While the station is built it waits for the window: before that nobody would have the time to read it.
+    void tell(const std::function<void()> &show);
 
     StationState m_state;
     std::unique_ptr<Ui::SorvantoMain> m_form;
@@ -178,7 +180,7 @@ private:
     bool m_usbPresent = false;
     bool m_usbPresentBefore = false;
     bool m_bIsBuilt = false;
-    QList<std::pair<QString, QString>> m_messagesOfTheStart; ///< title and text
+    QList<std::function<void()>> m_toldWithTheWindow;
 
     MainMenus *m_menus = nullptr;
     QTimer *m_stdTimer = nullptr;
