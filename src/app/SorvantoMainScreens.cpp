@@ -39,6 +39,7 @@ void SorvantoMain::showScreen(QWidget *screen)
 {
     m_form->centralFrame->layout()->addWidget(screen);
     screen->show();
+    screen->setFocus();
 }
 
 /// Deleted later, because this may run inside one of the screen's signals; until then nothing of it is heard any more.

@@ -4,6 +4,7 @@
 #include "chart/Scale.h"
 
 #include <QRectF>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -12,7 +13,8 @@ class QPainter;
 
 namespace chart {
 
-/// Lines over common x values. Points are joined in the order they came, also where x goes back.
+/// Lines over common x values. Points are joined in the order they came, also where x goes back, unless they lie too
+/// far apart.
 class LineLayer
 {
 public:
@@ -23,6 +25,9 @@ public:
     const std::vector<std::unique_ptr<DataSet>> &dataSets() const;
     const std::vector<double> &xValues() const;
     void setLineWidth(double pixels);
+    /// Of two neighbours further apart in x, either way, the line does not pretend to know what was between. Without it
+    /// all are joined.
+    void setLargestStep(double x);
 
     /// The sample whose x is nearest among those within the range; of several the newest. -1: there is none.
     int nearestIndex(double x, const Range &within) const;
@@ -35,6 +40,7 @@ private:
     std::vector<double> m_xValues;
     std::vector<std::unique_ptr<DataSet>> m_dataSets;
     double m_lineWidth = 2;
+    double m_largestStep = std::numeric_limits<double>::infinity();
 };
 
 } // namespace chart

@@ -98,10 +98,13 @@ public:
     void add(double xValue, double value)
     {
         if (!m_column.holds(xValue)) {
+            if (std::abs(xValue - m_lastX) > m_field.largestStep)
+                breakLine();
             endColumn();
             m_column.start(columnAround(xValue));
         }
         m_column.add(xValue, value);
+        m_lastX = xValue;
     }
 
     void breakLine()
@@ -151,6 +154,7 @@ private:
     const LineField &m_field;
     LinePath m_path;
     Column m_column;
+    double m_lastX = 0;
     QPointF m_last;
     bool m_started = false;
     bool m_joined = false; ///< to a point at another place

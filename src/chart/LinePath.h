@@ -6,6 +6,7 @@
 #include <QPointF>
 #include <QRectF>
 #include <QVector>
+#include <limits>
 #include <vector>
 
 namespace chart {
@@ -22,12 +23,14 @@ struct LineField
 {
     Scale x;
     Scale y;
-    QRectF visible;    ///< what lies outside is left away
-    double column = 1; ///< width of the device's pixels
+    QRectF visible;                                               ///< what lies outside is left away
+    double column = 1;                                            ///< width of the device's pixels
+    double largestStep = std::numeric_limits<double>::infinity(); ///< in x; neighbours further apart are not joined
 };
 
 /// Joins the points in the order given. A missing value breaks the line, a missing x is passed over. However many
-/// points fall into one column of the device, a few segments show how far they reach.
+/// points fall into one column of the device, a few segments show how far they reach; what lies apart within one column
+/// is not told apart.
 LinePath linePath(const std::vector<double> &xs, const std::vector<double> &ys, const LineField &field);
 
 } // namespace chart

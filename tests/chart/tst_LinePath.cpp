@@ -44,6 +44,38 @@ private slots:
         QCOMPARE(path.segments, QVector<QLineF>({{10, 100, 20, 100}, {40, 50, 50, 50}}));
     }
 
+    void breaksWhereNeighboursLieTooFarApart()
+    {
+        LineField stepwise = field();
+        stepwise.largestStep = 15;
+        const LinePath path = linePath({10, 25, 41, 56, 36, 26}, {0, 0, 50, 50, 100, 100}, stepwise);
+        QCOMPARE(path.segments, QVector<QLineF>({{10, 100, 25, 100}, {41, 50, 56, 50}, {36, 0, 26, 0}}));
+        // From wherever the last point was, the missing ones apart.
+        QCOMPARE(linePath({10, noValue, 20, noValue, 36}, {0, 7, 0, 7, 0}, stepwise).segments,
+                 QVector<QLineF>({{10, 100, 20, 100}}));
+    }
+
+    void aPointFarFromItsNeighboursIsADot()
+    {
+        LineField stepwise = field();
+        stepwise.largestStep = 15;
+        const LinePath path = linePath({10, 20, 50, 80, 90}, {50, 50, 50, 50, 50}, stepwise);
+        QCOMPARE(path.dots, QVector<QPointF>({{50, 50}}));
+        QCOMPARE(path.segments.size(), 2);
+    }
+
+    void manyGapsInAColumnAreNotToldApart()
+    {
+        LineField stepwise = field();
+        stepwise.largestStep = 1e-6;
+        std::vector<double> xs;
+        constexpr int count = 100000;
+        for (int i = 0; i < count; ++i)
+            xs.push_back(100.0 * i / count);
+        const LinePath path = linePath(xs, std::vector<double>(count, 50), stepwise);
+        QVERIFY(path.segments.size() + path.dots.size() <= 400);
+    }
+
     void passesOverMissingTimes()
     {
         const LinePath path = linePath({10, noValue, 30}, {0, 70, 0}, field());
