@@ -8,7 +8,6 @@
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
-#include "project/ProjectLock.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ProjectClaim.h"
 #include "app/ProjectDevices.h"
 #include "app/ReachableLoggers.h"
 #include "app/StartOptions.h"
@@ -15,13 +16,13 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class AlarmSound;
 class InsertSerialData;
 class MainMenus;
 class PollPhase;
 class ProjectCenter;
-class ProjectLock;
 class ProjectMain;
 class ProjectManager;
 class QMenu;
@@ -122,6 +123,7 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
+    bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();
@@ -137,7 +139,7 @@ private:
     void mergeDiscovered(const DiscoveryReply &reply);
 
     // Project flow
-    std::unique_ptr<ProjectLock> lockProject(const QString &path);
+    std::optional<ProjectClaim> claimProject(const QString &path, const QString &recording);
     void freeUnconfirmedDevices();
     void openProjectView();
     void leaveProject();
@@ -170,7 +172,7 @@ private:
     bool m_bSettingsSaved = true;
     QString m_projectName;
     QString m_projectFile;
-    std::unique_ptr<ProjectLock> m_projectLock;
+    ProjectClaim m_claim;
     ProjectDevices m_devices;
     ReachableLoggers m_availDevices;
     QStringList m_dashboardNames;

@@ -58,7 +58,8 @@ void SorvantoMain::openSibling(const QString &program)
         return;
     }
     // The sibling shall see the range as far as it goes now.
-    if (m_projectCenter && !ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText()))
+    if (m_projectCenter && !isRecordingReadOnly() &&
+        !ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText()))
         reportUnsavedProject();
     const QString line = siblingCommandLine(program, m_projectFile);
     qCDebug(lcApp).noquote() << "cmd :" << line;
