@@ -149,9 +149,13 @@ private slots:
         open(1);
         m_station->slotStartRecord();
         const QString start = labelText(*m_station, "label_record_starttime");
+        // Only a timer that is started anew is back at its period.
+        auto *timer = child<QTimer>(*m_station, "writeDbTimer");
+        timer->start(600000);
         m_station->slotStartRecord();
         QVERIFY(m_station->isRecording());
-        QVERIFY(child<QTimer>(*m_station, "writeDbTimer")->isActive());
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 1500);
         QCOMPARE(labelText(*m_station, "label_record_starttime"), start);
     }
 
