@@ -50,7 +50,7 @@ bool ProjectFile::create(const QString &projectName, int intervalMs)
         values.append({name, QVariant()});
     values.append({key::projectName, projectName});
     values.append({key::dataInterval, intervalMs});
-    values.append({key::databaseName, projectName + QStringLiteral(".dat")});
+    values.append({key::databaseName, QFileInfo(newDatabasePath(projectName)).fileName()});
     return rewriteIniFile(m_path, values);
 }
 
@@ -100,6 +100,11 @@ int ProjectFile::dataInterval() const
 QStringList ProjectFile::dashboardNames() const
 {
     return read(m_path, key::dashboardNames).toStringList();
+}
+
+QString ProjectFile::newDatabasePath(const QString &projectName) const
+{
+    return QFileInfo(m_path).absolutePath() + QLatin1Char('/') + projectName + QStringLiteral(".dat");
 }
 
 QString ProjectFile::databasePath() const
