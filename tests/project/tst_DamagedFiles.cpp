@@ -4,7 +4,9 @@
 #include "project/IniLines.h"
 #include "project/ProjectFile.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -25,14 +27,17 @@ private:
     QByteArray contentOf(const QString &path) const;
     bool write(const QString &path, const QByteArray &content) const;
 
-    QTemporaryDir m_folder;
+    // In memory where there is such a disk: thousands of saves would wait for another one.
+    QTemporaryDir m_folder{QFileInfo(QStringLiteral("/dev/shm")).isWritable()
+                               ? QStringLiteral("/dev/shm/damaged-XXXXXX")
+                               : QDir::temp().filePath(QStringLiteral("damaged-XXXXXX"))};
     QString m_project;
     QString m_settings;
 };
 
 namespace {
 
-constexpr int filesOfEach = 1500;
+constexpr int filesOfEach = 2000;
 constexpr quint32 seed = 20240506;
 
 const QList<QByteArray> tokens{"\n",
