@@ -55,10 +55,8 @@ void ProjectDevices::load(const QList<DeviceEntry> &entries, bool keepConnection
         ConfiguredDevice *device = find(entry.serialNumber);
         qCDebug(lcApp).noquote() << (device ? "ConfiguredDevice :" : "new ConfiguredDevice :") << entry.serialNumber
                                  << entry.port;
-        if (!device) {
-            m_devices.emplace_back(new ConfiguredDevice(entry.serialNumber, entry.interfaceKind, m_parent));
-            device = m_devices.back().get();
-        }
+        if (!device)
+            device = own(new ConfiguredDevice(entry.serialNumber, entry.interfaceKind));
         configure(*device, entry, keepConnection);
     }
 }
@@ -67,13 +65,21 @@ void ProjectDevices::adopt(const QList<ConfiguredDevice *> &chosen)
 {
     std::vector<OwnedDevice> before = std::exchange(m_devices, {});
     for (ConfiguredDevice *device : chosen) {
-        const auto own = std::find_if(before.begin(), before.end(),
-                                      [device](const OwnedDevice &candidate) { return candidate.get() == device; });
-        if (own != before.end())
-            own->release();
-        device->setParent(m_parent);
-        m_devices.emplace_back(device);
+        const auto kept = std::find_if(before.begin(), before.end(),
+                                       [device](const OwnedDevice &candidate) { return candidate.get() == device; });
+        if (kept != before.end())
+            kept->release();
+        own(device);
     }
+}
+
+ConfiguredDevice *ProjectDevices::own(ConfiguredDevice *device)
+{
+    m_devices.emplace_back(device);
+    device->setParent(m_parent);
+    if (m_clock)
+        device->setClock(m_clock);
+    return device;
 }
 
 void ProjectDevices::clear()

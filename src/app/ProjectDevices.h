@@ -20,6 +20,9 @@ public:
     /// Devices become children of @p parent, which must outlive them.
     explicit ProjectDevices(QObject *parent) : m_parent(parent) {}
 
+    /// For devices that are loaded or adopted from then on; unset, it is their own.
+    void setClock(const ConfiguredDevice::Clock &clock) { m_clock = clock; }
+
     QList<ConfiguredDevice *> all() const;
     int size() const { return int(m_devices.size()); }
     /// Null when the project has no such device.
@@ -36,6 +39,9 @@ public:
     void clear();
 
 private:
+    ConfiguredDevice *own(ConfiguredDevice *device);
+
     QObject *const m_parent;
+    ConfiguredDevice::Clock m_clock;
     std::vector<OwnedDevice> m_devices;
 };

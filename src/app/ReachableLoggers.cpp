@@ -1,5 +1,9 @@
 #include "app/ReachableLoggers.h"
 
+#include "app/Logging.h"
+
+#include <QSet>
+
 #include <algorithm>
 
 QList<AvailDevice *> ReachableLoggers::all() const
@@ -42,7 +46,8 @@ QStringList ReachableLoggers::vanished(const QList<UsbLogger> &found) const
 bool ReachableLoggers::mergeUsb(const QList<UsbLogger> &found)
 {
     bool changed = false;
-    for (const UsbLogger &logger : found) {
+    const QList<UsbLogger> loggers = firstOfEachKey(found);
+    for (const UsbLogger &logger : loggers) {
         AvailDevice *record = find(logger.serialNumber);
         if (record && record->address == logger.portName)
             continue;
@@ -52,6 +57,27 @@ bool ReachableLoggers::mergeUsb(const QList<UsbLogger> &found)
         changed = true;
     }
     return changed;
+}
+
+/// A device with two ports, or two devices with the same mark: taken turn by turn, they would move at every scan.
+QList<UsbLogger> ReachableLoggers::firstOfEachKey(const QList<UsbLogger> &found)
+{
+    QList<UsbLogger> first;
+    QList<UsbLogger> doubles;
+    QSet<QString> keys;
+    for (const UsbLogger &logger : found) {
+        if (!keys.contains(logger.serialNumber)) {
+            keys.insert(logger.serialNumber);
+            first.append(logger);
+            continue;
+        }
+        doubles.append(logger);
+        if (!m_doubles.contains(logger))
+            qCDebug(lcApp).noquote().nospace() << "ReachableLoggers::mergeUsb : [ERROR] another logger of the key ["
+                                               << logger.serialNumber << "] at [" << logger.portName << "]";
+    }
+    m_doubles = doubles;
+    return first;
 }
 
 void ReachableLoggers::mergeNetwork(const DiscoveryReply &reply)

@@ -22,7 +22,8 @@ public:
 
     /// The keys of USB records that are not among the found: a logger is gone even when another came in its place.
     QStringList vanished(const QList<UsbLogger> &found) const;
-    /// Takes over what a scan has found. True when a logger is new or has moved to another port.
+    /// Takes over what a scan has found; of several with one key the first counts. True when a logger is new or has
+    /// moved to another port.
     bool mergeUsb(const QList<UsbLogger> &found);
     void mergeNetwork(const DiscoveryReply &reply);
 
@@ -30,8 +31,10 @@ public:
     void clear();
 
 private:
+    QList<UsbLogger> firstOfEachKey(const QList<UsbLogger> &found);
     AvailDevice &add(const QString &key, InterfaceKind kind);
 
     std::vector<std::unique_ptr<AvailDevice>> m_records;
     QHash<QString, AvailDevice *> m_index; // by key
+    QList<UsbLogger> m_doubles;            ///< of the newest scan: known, and logged
 };

@@ -3,6 +3,7 @@
 #include "app/AlarmSound.h"
 #include "app/Logging.h"
 #include "app/MainMenus.h"
+#include "app/PollPhase.h"
 #include "app/StartUp.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
@@ -120,6 +121,8 @@ void SorvantoMain::createTimers()
     // A reading's time is the poll's, so polls must neither drift nor come early; the clock keeps their pace.
     m_stdTimer->setTimerType(Qt::PreciseTimer);
     m_writeDeviceTimer->setTimerType(Qt::PreciseTimer);
+    m_pollPhase = new PollPhase(m_writeDeviceTimer, this);
+    connect(m_pollPhase, &PollPhase::pollDue, this, &SorvantoMain::writeDevice);
     m_stdTimer->start(stdTimerMs);
     m_checkTimer->start(checkTimerMs);
 }
@@ -145,6 +148,12 @@ void SorvantoMain::enter(StationState::Name state)
 {
     m_state.become(state);
     m_menus->setEnabledStates(actionStates(m_state, dataIntervalMs));
+}
+
+void SorvantoMain::setClock(const ConfiguredDevice::Clock &clock)
+{
+    m_pollPhase->setClock(clock);
+    m_devices.setClock(clock);
 }
 
 void SorvantoMain::writeDevice()

@@ -19,6 +19,7 @@
 class AlarmSound;
 class InsertSerialData;
 class MainMenus;
+class PollPhase;
 class ProjectCenter;
 class ProjectLock;
 class ProjectMain;
@@ -54,6 +55,9 @@ public:
 
     /// Asks the network's loggers to announce themselves; answers join availDevices().
     void broadcastDevice();
+
+    /// Replaces the source of the time of polls, for projects opened from then on.
+    void setClock(const ConfiguredDevice::Clock &clock);
 
     /// Stops a running recording so that everything read so far is in the file.
     void stopRunningRecording();
@@ -181,6 +185,7 @@ private:
     QTimer *m_checkTimer = nullptr;
     QTimer *m_writeDeviceTimer = nullptr;
     QTimer *m_writeDbTimer = nullptr;
+    PollPhase *m_pollPhase = nullptr;
     std::unique_ptr<InsertSerialData> m_insertSerialData;
     QPointer<QUdpSocket> m_sndUdpSocket;
     QPointer<QUdpSocket> m_rcvUdpSocket;

@@ -3,6 +3,7 @@
 #include "app/AlarmSound.h"
 #include "app/Logging.h"
 #include "app/MainMenus.h"
+#include "app/PollPhase.h"
 #include "device/DataInterval.h"
 #include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
@@ -156,8 +157,9 @@ void SorvantoMain::openProjectView()
 
     slotKeepAlive(m_settings.keepAlive);
     openUsbDevicesAnew();
+    // In this order: a second that begins meanwhile is polled once more rather than not at all.
+    m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
     writeDevice();
-    m_writeDeviceTimer->start(qMax(shortestPollMs, dataIntervalMs));
     if (m_settings.autoRecord)
         slotToggleRecord();
 }

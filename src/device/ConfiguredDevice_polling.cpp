@@ -111,8 +111,8 @@ void ConfiguredDevice::takeReading(const Reading &reading)
 {
     const double value1 = reading.channel1.value;
     const double value2 = reading.channel2.value;
-    m_ch1Value = reading.channel1.text;
-    m_ch2Value = reading.channel2.text;
+    m_ch1Value = reading.channel1.text();
+    m_ch2Value = reading.channel2.text();
     judgeAlarms(value1, value2);
     const qint64 seconds = m_pollMs / 1000;
     m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2);

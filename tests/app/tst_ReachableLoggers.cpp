@@ -1,5 +1,7 @@
 #include "app/ReachableLoggers.h"
 
+#include "support/LogCapture.h"
+
 #include <QTest>
 
 namespace {
@@ -49,6 +51,30 @@ private slots:
         QCOMPARE(records(), QStringList{"ZP1 ttyACM4 23 1"});
     }
 
+    void theFirstOfTwoWithOneKeyCounts()
+    {
+        const QList<UsbLogger> found{usb("ZP1", "ttyACM0"), usb("ZP1", "ttyACM1"), usb("ZP1", "ttyACM2")};
+        QVERIFY(m_loggers.mergeUsb(found));
+        QCOMPARE(records(), QStringList{"ZP1 ttyACM0 23 1"});
+        QVERIFY(!m_loggers.mergeUsb(found));
+        QCOMPARE(records(), QStringList{"ZP1 ttyACM0 23 1"});
+        QVERIFY(m_loggers.mergeUsb({usb("ZP1", "ttyACM1"), usb("ZP1", "ttyACM2")}));
+        QCOMPARE(records(), QStringList{"ZP1 ttyACM1 23 1"});
+    }
+
+    void eachOfTheOthersIsLoggedOnce()
+    {
+        const QString said = QStringLiteral("ReachableLoggers::mergeUsb : [ERROR] another logger of the key [ZP1] at ");
+        const QList<UsbLogger> found{usb("ZP1", "ttyACM0"), usb("ZP1", "ttyACM1"), usb("ZP1", "ttyACM2")};
+        const LogCapture log;
+        m_loggers.mergeUsb(found);
+        m_loggers.mergeUsb(found);
+        QCOMPARE(log.lines(), (QStringList{said + "[ttyACM1]", said + "[ttyACM2]"}));
+        m_loggers.mergeUsb({usb("ZP1", "ttyACM0")});
+        m_loggers.mergeUsb({usb("ZP1", "ttyACM0"), usb("ZP1", "ttyACM2")});
+        QCOMPARE(log.count(said), 3);
+    }
+
     void onlyUsbLoggersVanishFromAScan()
     {
         m_loggers.mergeUsb({usb("ZP1", "ttyACM0"), usb("ZP2", "ttyACM1")});
@@ -77,7 +103,7 @@ private slots:
         QVERIFY(!m_loggers.find("020000000001"));
     }
 
-    void init() { m_loggers.clear(); }
+    void init() { m_loggers = ReachableLoggers(); }
 
 private:
     QStringList records() const

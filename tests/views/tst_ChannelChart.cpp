@@ -25,7 +25,7 @@ QColor fieldAt(double y)
 
 bool isEmptyPlot(const chart::XYChart &picture)
 {
-    return picture.layers().empty() && picture.xLabelPlaces().empty() && !picture.nearestXValue(100);
+    return picture.layers().empty() && picture.xLabels().empty() && !picture.nearestXValue(100);
 }
 
 } // namespace
