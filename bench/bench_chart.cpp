@@ -1,10 +1,10 @@
 // The live chart of a channel beside QCustomPlot drawing the same picture: rebuilt with a new reading, and touched by a
 // move of the mouse alone. Then one chart of as much as a month of readings.
 
+#include "chart/TrackCursor.h"
+#include "chart/XYChart.h"
 #include "device/DataInterval.h"
 #include "views/ChannelChart.h"
-#include "views/TrackCursor.h"
-#include "views/chart/XYChart.h"
 
 #include <QApplication>
 #include <QPixmap>
@@ -78,7 +78,7 @@ void moveMouse(benchmark::State &state)
     int x = 0;
     for (auto _ : state) {
         x = (x + 7) % picture.width();
-        drawTrackCursor(*chart, x, interval);
+        chart::drawTrackCursor(*chart, x, channelSpanText(interval));
         benchmark::DoNotOptimize(QPixmap::fromImage(chart->picture(1)));
     }
 }

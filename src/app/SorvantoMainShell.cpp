@@ -5,7 +5,6 @@
 #include "app/Logging.h"
 #include "app/MainMenus.h"
 #include "app/SiblingProgram.h"
-#include "device/ConfiguredDevice.h"
 #include "dialogs/TransientMessage.h"
 #include "project/ProjectFile.h"
 #include "ui_SorvantoMain.h"
@@ -15,7 +14,6 @@
 #include <QFile>
 #include <QMenu>
 #include <QMessageBox>
-#include <algorithm>
 #include <utility>
 
 void SorvantoMain::dropDown(QMenu *menu, const QWidget *button)
@@ -112,12 +110,7 @@ void SorvantoMain::reportUnsavedSettings(bool saved)
 
 void SorvantoMain::checkAlarmSound()
 {
-    const bool alarm =
-        m_bIsProjectOpen &&
-        std::any_of(m_configuredDevices.cbegin(), m_configuredDevices.cend(), [](const ConfiguredDevice *device) {
-            return device->alarmOnChannel1() || device->alarmOnChannel2();
-        });
-    m_alarmSound->setAlarm(alarm);
+    m_alarmSound->setAlarm(isProjectOpen() && m_devices.anyAlarm());
 }
 
 void SorvantoMain::handleStateChanged(QAudio::State state)

@@ -5,32 +5,10 @@
 #include "device/DataInterval.h"
 #include "device/Logging.h"
 #include "device/ReplyParser.h"
-#include "store/InsertSerialData.h"
 
 #include <QPointer>
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-
 namespace {
-
-/// Limits are kept as floats: a value that rounds to its limit is still within range.
-bool isOutside(double value, float min, float max)
-{
-    if (isNoValue(value) || min == max)
-        return false;
-    if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max()))
-        return true;
-    const float rounded = static_cast<float>(value);
-    return min > rounded || rounded > max;
-}
-
-void shiftIn(History &history, double newest)
-{
-    std::copy(history.begin() + 1, history.end(), history.begin());
-    history.back() = newest;
-}
 
 double shownValue(const QString &text)
 {
@@ -87,7 +65,7 @@ bool ConfiguredDevice::sendPoll()
 
 bool ConfiguredDevice::restsFromPolling() const
 {
-    return m_interfaceKind == NoInterface || m_exchange != Exchange::Idle;
+    return m_interfaceKind == NoInterface || m_exchange.isRunning();
 }
 
 void ConfiguredDevice::countMissedReply()
@@ -111,7 +89,7 @@ void ConfiguredDevice::countMissedReply()
 
 void ConfiguredDevice::readData(const QString &text)
 {
-    if (m_interfaceKind == NetworkInterface && m_exchange != Exchange::Idle && !m_owedReplyTimer.isActive()) {
+    if (m_interfaceKind == NetworkInterface && m_exchange.isRunning() && !m_owedReplyTimer.isActive()) {
         takeExchangeReply(QString(text).remove(QLatin1Char('\n')));
         return;
     }
@@ -133,65 +111,34 @@ void ConfiguredDevice::takeReading(const Reading &reading)
 {
     const double value1 = reading.channel1.value;
     const double value2 = reading.channel2.value;
-    m_ch1Value = reading.channel1.text;
-    m_ch2Value = reading.channel2.text;
+    m_ch1Value = reading.channel1.text();
+    m_ch2Value = reading.channel2.text();
     judgeAlarms(value1, value2);
     const qint64 seconds = m_pollMs / 1000;
-    addToHistory(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2);
+    m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2);
 
     const QPointer<ConfiguredDevice> self(this);
-    pushReading();
+    m_views.showReading(m_history, m_ch1Value, m_ch2Value);
     if (!self)
         return;
     if (m_recording && !m_displayPollOutstanding)
-        record(value1, value2);
+        m_series.add(m_pollMs, value1, value2);
     m_displayPollOutstanding = false;
 }
 
 void ConfiguredDevice::judgeAlarms(double value1, double value2)
 {
-    m_alarm1 = isOutside(value1, m_alarmRange.min1, m_alarmRange.max1);
-    if (m_alarm1)
+    m_alarms.judge(m_settings.alarm.range, value1, value2);
+    if (m_alarms.isOnChannel1())
         logDevice() << "- ConfiguredDevice::setCheckAlarmSet1() : " << m_serialNumber;
-    m_alarm2 = isOutside(value2, m_alarmRange.min2, m_alarmRange.max2);
-    if (m_alarm2)
+    if (m_alarms.isOnChannel2())
         logDevice() << "- ConfiguredDevice::setCheckAlarmSet2() : " << m_serialNumber;
-}
-
-void ConfiguredDevice::addToHistory(double time, double value1, double value2)
-{
-    if (m_times.back() == time) {
-        m_history1.back() = value1;
-        m_history2.back() = value2;
-        return;
-    }
-    shiftIn(m_times, time);
-    shiftIn(m_history1, value1);
-    shiftIn(m_history2, value2);
-}
-
-void ConfiguredDevice::pushReading()
-{
-    const QPointer<ConfiguredDevice> self(this);
-    if (m_chartView)
-        m_chartView->updateData(m_times, m_history1, m_history2, m_ch1Value, m_ch2Value);
-    if (self && m_tile1)
-        m_tile1->setValue(m_ch1Value);
-    if (self && m_tile2)
-        m_tile2->setValue(m_ch2Value);
-}
-
-void ConfiguredDevice::record(double value1, double value2)
-{
-    InsertSerialData::enqueue({m_serialNumber, value1, value2, static_cast<quint32>(m_pollMs / 1000)});
-    m_lastRecordedTime = m_pollTime;
 }
 
 void ConfiguredDevice::insertNoValue()
 {
     logDevice() << "- ConfiguredDevice::insertNoValue() : " << m_serialNumber;
-    const qint64 gapTime = m_lastRecordedTime.addMSecs(1000).toSecsSinceEpoch();
-    InsertSerialData::enqueue({m_serialNumber, noValue, noValue, static_cast<quint32>(gapTime)});
+    m_series.close();
 }
 
 void ConfiguredDevice::checkAlarmAll()
@@ -205,15 +152,7 @@ void ConfiguredDevice::checkAlarmAll()
 void ConfiguredDevice::deviceConnected()
 {
     m_connected = true;
-    const QPointer<ConfiguredDevice> self(this);
-    if (m_listItem)
-        m_listItem->setConnectionState(true);
-    if (self && m_chartView)
-        m_chartView->setConnected(m_serialNumber);
-    if (self && m_tile1)
-        m_tile1->setConnected(m_serialNumber);
-    if (self && m_tile2)
-        m_tile2->setConnected(m_serialNumber);
+    m_views.showConnected(m_serialNumber);
 }
 
 void ConfiguredDevice::deviceDisconnected()
@@ -221,19 +160,10 @@ void ConfiguredDevice::deviceDisconnected()
     m_connected = false;
     m_ch1Value.clear();
     m_ch2Value.clear();
-    m_alarm1 = false;
-    m_alarm2 = false;
-    m_exchange = Exchange::Idle;
+    m_alarms.clear();
+    m_exchange.stop();
     m_owedReplyTimer.stop();
-    const QPointer<ConfiguredDevice> self(this);
-    if (m_listItem)
-        m_listItem->setConnectionState(false);
-    if (self && m_chartView)
-        m_chartView->setDisconnected(m_serialNumber);
-    if (self && m_tile1)
-        m_tile1->setDisconnected(m_serialNumber);
-    if (self && m_tile2)
-        m_tile2->setDisconnected(m_serialNumber);
+    m_views.showDisconnected(m_serialNumber);
 }
 
 bool ConfiguredDevice::isConnected() const
@@ -253,17 +183,17 @@ QString ConfiguredDevice::ch2Value() const
 
 bool ConfiguredDevice::alarmOnChannel1() const
 {
-    return m_alarm1;
+    return m_alarms.isOnChannel1();
 }
 
 bool ConfiguredDevice::alarmOnChannel2() const
 {
-    return m_alarm2;
+    return m_alarms.isOnChannel2();
 }
 
 void ConfiguredDevice::history(History &times, History &channel1, History &channel2) const
 {
-    times = m_times;
-    channel1 = m_history1;
-    channel2 = m_history2;
+    times = m_history.times();
+    channel1 = m_history.channel1();
+    channel2 = m_history.channel2();
 }

@@ -35,6 +35,8 @@ SerialDevice::SerialDevice(QObject *parent) : QObject(parent), m_port(new QSeria
     m_port->setParity(QSerialPort::NoParity);
     m_port->setDataBits(QSerialPort::Data8);
     m_port->setStopBits(QSerialPort::OneStop);
+    // One byte more than a logger may send tells that it does.
+    m_port->setReadBufferSize(replyBounds::bytesPerPoll + 1);
 
     QObject::connect(m_port, &QSerialPort::readyRead, this, &SerialDevice::readData);
     QObject::connect(m_port, &QSerialPort::errorOccurred, this, &SerialDevice::serialError);
@@ -110,6 +112,7 @@ qint64 SerialDevice::writeCommand(const QByteArray &bytes)
         logDevice() << "[ERROR] SerialDevice::writeCommand : [" << m_portName << "] :" << bytes;
         emit disconnected();
     } else {
+        m_guard.pollSent();
         logDevice() << "SerialDevice::writeCommand : [" << m_portName << "] :" << bytes;
     }
     return 0;
@@ -147,7 +150,12 @@ void SerialDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_port)
         return;
-    QString text = wireText(m_port->readAll());
+    const QByteArray bytes = m_port->readAll();
+    if (!m_guard.admits(bytes)) {
+        cutOff();
+        return;
+    }
+    QString text = wireText(bytes);
     if (!text.contains(QLatin1String("ATCD"))) {
         logDevice() << "[ERROR] SerialDevice::readData no 'ATCD' : [" << m_portName << "] :" << text;
         return;
@@ -156,6 +164,16 @@ void SerialDevice::readData()
     text.remove(QLatin1String("ATCD"));
     logDevice() << "SerialDevice::readData : [" << m_portName << "] :" << text;
     emit readyRead(text);
+}
+
+/// What still waits in the system answers no poll to come.
+void SerialDevice::cutOff()
+{
+    if (const QString complaint = m_guard.takeComplaint(); !complaint.isEmpty())
+        warnDevice() << "[ERROR] SerialDevice::readData : [" << m_portName << "] : " << complaint;
+    m_port->clear(QSerialPort::Input);
+    close();
+    emit disconnected();
 }
 
 void SerialDevice::serialDeleted()

@@ -7,18 +7,12 @@
 #include <QHostAddress>
 #include <QNetworkProxy>
 
-namespace {
-
-constexpr qint64 readBufferSize = 64 * 1024;
-
-} // namespace
-
 TelnetDevice::TelnetDevice(QObject *parent) : QObject(parent), m_socket(new QTcpSocket(this))
 {
     // Loggers stand in the local network; a proxy set for the desktop does not lead to them.
     m_socket->setProxy(QNetworkProxy::NoProxy);
-    // However much a logger sends, the others get their turn.
-    m_socket->setReadBufferSize(readBufferSize);
+    // However much a logger sends, the others get their turn; one byte more than it may send tells that it does.
+    m_socket->setReadBufferSize(replyBounds::bytesPerPoll + 1);
     m_socket->setSocketOption(QAbstractSocket::KeepAliveOption, 0);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
 
@@ -119,6 +113,8 @@ qint64 TelnetDevice::writeCommand(const QByteArray &bytes)
         return 0;
     const qint64 written = m_socket->write(bytes);
     m_owesReply = written > 0;
+    if (written > 0)
+        m_guard.pollSent();
     if (written != bytes.size())
         logDevice() << "[ERROR] TelnetDevice::writeCommand : [" << m_address << "] buzzer flag :" << m_buzzerFlag
                     << " written : " << written;
@@ -188,6 +184,10 @@ void TelnetDevice::readData()
     if (!m_socket)
         return;
     const QByteArray bytes = m_socket->readAll();
+    if (!m_guard.admits(bytes)) {
+        cutOff();
+        return;
+    }
     m_owesReply = m_owesReply && !bytes.endsWith('\n') && !bytes.endsWith('\r');
     QString text = wireText(bytes);
     if (!m_buzzerFlag) {
@@ -203,6 +203,14 @@ void TelnetDevice::readData()
     }
     logDevice() << "TelnetDevice::readData : buzzer flag :" << m_buzzerFlag << " [" << m_address << "] :" << text;
     emit readyRead(text);
+}
+
+/// The next poll connects anew.
+void TelnetDevice::cutOff()
+{
+    if (const QString complaint = m_guard.takeComplaint(); !complaint.isEmpty())
+        warnDevice() << "[ERROR] TelnetDevice::readData : [" << m_address << "] : [" << m_port << "] : " << complaint;
+    close();
 }
 
 bool TelnetDevice::closesAfterReply() const

@@ -2,6 +2,7 @@
 
 #include "device/AbstractDevice.h"
 #include "device/AvailDevice.h"
+#include "device/ReplyGuard.h"
 #include "device/SignalDepth.h"
 
 #include <QPointer>
@@ -9,7 +10,8 @@
 
 /// The link to a network logger over plain TCP; its address is an IP address text, host names are not looked up.
 /// It never reconnects by itself: the next write() or open() does. While the buzzer flag is set it carries the exchange
-/// of alarm settings instead of polls and passes replies on as they come.
+/// of alarm settings instead of polls and passes replies on as they come. A logger that exceeds replyBounds is cut off:
+/// what it sent is dropped and the connection closed.
 class TelnetDevice : public QObject, public AbstractDevice
 {
     Q_OBJECT
@@ -61,6 +63,7 @@ private:
     bool startConnecting();
     void sendPoll();
     void sendWhatIsDue();
+    void cutOff();
     bool closesAfterReply() const;
     QAbstractSocket::SocketState socketState() const;
 
@@ -72,5 +75,6 @@ private:
     bool m_owesReply = false;
     bool m_buzzerFlag = false;
     bool m_keepConnection = false;
+    ReplyGuard m_guard;
     SignalDepth m_depth;
 };

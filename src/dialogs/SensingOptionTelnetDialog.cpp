@@ -3,6 +3,8 @@
 #include "dialogs/TransientMessage.h"
 #include "ui_SensingOptionTelnetDialog.h"
 
+#include <QTimer>
+
 namespace {
 
 constexpr int timeLimitMs = 2000;
@@ -10,13 +12,16 @@ constexpr int timeLimitMs = 2000;
 } // namespace
 
 SensingOptionTelnetDialog::SensingOptionTelnetDialog(ConfiguredDevice *device, QWidget *parent)
-    : SensingOptionDialog(device, parent), m_ui(std::make_unique<Ui::SensingOptionTelnetDialog>())
+    : SensingOptionDialog(device, parent),
+      m_ui(std::make_unique<Ui::SensingOptionTelnetDialog>()),
+      m_timeLimit(new QTimer(this))
 {
     m_ui->setupUi(this);
     showDevice(fieldsOf(*m_ui, m_ui->label_macaddr));
     showRule();
-    m_timeLimit.setSingleShot(true);
-    connect(&m_timeLimit, &QTimer::timeout, this, &SensingOptionTelnetDialog::syncTimeout);
+    m_timeLimit->setObjectName(QStringLiteral("timeLimit"));
+    m_timeLimit->setSingleShot(true);
+    connect(m_timeLimit, &QTimer::timeout, this, &SensingOptionTelnetDialog::syncTimeout);
     connect(device, &ConfiguredDevice::buzzerSyncSuccess, this, &SensingOptionTelnetDialog::syncSuccess);
     connect(device, &ConfiguredDevice::buzzerSyncError, this, &SensingOptionTelnetDialog::syncError);
     connect(this, &QDialog::finished, this, [this] { m_isClosed = true; });
@@ -46,7 +51,7 @@ void SensingOptionTelnetDialog::confirm()
 {
     if (!device() || !applyNamesAndUnits(device()->port()))
         return;
-    m_timeLimit.stop();
+    m_timeLimit->stop();
     const QPointer<SensingOptionTelnetDialog> self(this);
     emit sensingConfirm();
     if (!self || !device())
@@ -80,7 +85,7 @@ void SensingOptionTelnetDialog::startExchange()
 {
     device()->startSyncTelnet();
     m_exchange = device()->exchangeNumber();
-    m_timeLimit.start(timeLimitMs);
+    m_timeLimit->start(timeLimitMs);
 }
 
 bool SensingOptionTelnetDialog::isExchanging() const
@@ -100,7 +105,7 @@ void SensingOptionTelnetDialog::syncSuccess()
     if (!isExchanging())
         return;
     m_exchange.reset();
-    m_timeLimit.stop();
+    m_timeLimit->stop();
     device()->applyPendingSettings();
     const QPointer<SensingOptionTelnetDialog> self(this);
     emit sensingConfirm();

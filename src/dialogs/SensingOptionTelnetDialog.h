@@ -2,9 +2,10 @@
 
 #include "dialogs/SensingOptionDialog.h"
 
-#include <QTimer>
 #include <memory>
 #include <optional>
+
+class QTimer;
 
 namespace Ui {
 class SensingOptionTelnetDialog;
@@ -42,7 +43,7 @@ private:
 
     std::unique_ptr<Ui::SensingOptionTelnetDialog> m_ui;
     int m_ruleShown = -1;
-    QTimer m_timeLimit;
+    QTimer *m_timeLimit;
     /// The device's number of the exchange whose end this dialog awaits.
     std::optional<int> m_exchange;
     bool m_isClosed = false;

@@ -1,8 +1,9 @@
 #include "views/ChannelChart.h"
 
-#include "views/chart/Colour.h"
-#include "views/chart/NoValue.h"
-#include "views/chart/XYChart.h"
+#include "chart/Colour.h"
+#include "chart/NoValue.h"
+#include "chart/XYChart.h"
+#include "device/DataInterval.h"
 
 #include <QLinearGradient>
 #include <limits>
@@ -25,6 +26,10 @@ const QPoint plotCorner(45, 25);
 constexpr QSize besidePlot(60, 55);
 constexpr int belowGradient = 15;
 
+constexpr int msPerSecond = 1000;
+// One may come late; where one is missing, the next is two intervals away.
+constexpr double largestStepInIntervals = 1.5;
+
 chart::PlotArea plotArea(const QSize &label)
 {
     QLinearGradient gradient(0, plotCorner.y(), 0, label.height() - belowGradient);
@@ -42,7 +47,6 @@ chart::PlotArea plotArea(const QSize &label)
 /// The time of a full history in seconds; 0 when the interval is none or the product leaves 32 bits.
 qint64 spanSeconds(qint32 intervalMs)
 {
-    constexpr qint64 msPerSecond = 1000;
     const qint64 spanMs = qint64(intervalMs) * historyLength;
     return spanMs > 0 && spanMs <= std::numeric_limits<qint32>::max() ? spanMs / msPerSecond : 0;
 }
@@ -72,6 +76,13 @@ std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &
     if (!chart::isValue(newest) || span == 0)
         return picture;
     picture->xAxis().setScale(newest - double(span), newest);
-    picture->addLineLayer(copyOf(times)).addDataSet(copyOf(values), line.name, line.colour);
+    chart::LineLayer &layer = picture->addLineLayer(copyOf(times));
+    layer.setLargestStep(largestStepInIntervals * intervalMs / msPerSecond);
+    layer.addDataSet(copyOf(values), line.name, line.colour);
     return picture;
+}
+
+QString channelSpanText(qint32 intervalMs)
+{
+    return QStringLiteral("View Length : %1 samples   Interval : %2 ").arg(historyLength).arg(intervalText(intervalMs));
 }

@@ -19,7 +19,10 @@ struct ChannelLine
 };
 
 /// The chart of one channel's history for a label of that size: as many data intervals as the history has samples,
-/// ending with the newest one. Without a newest time, without room, or for an interval that is none, it is an empty
-/// plot.
+/// ending with the newest one. Neighbours more than one and a half intervals apart are not joined: between them is time
+/// without readings. Without a newest time, without room, or for an interval that is none, it is an empty plot.
 std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &times, const History &values,
                                              const ChannelLine &line, qint32 intervalMs);
+
+/// What the caption of such a chart says of the time shown.
+QString channelSpanText(qint32 intervalMs);

@@ -1,15 +1,15 @@
 #include "views/ChartView.h"
 
+#include "chart/NoValue.h"
+#include "chart/QChartViewer.h"
+#include "chart/TrackCursor.h"
+#include "chart/XYChart.h"
 #include "device/ChannelUnit.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/SharpPixmap.h"
 #include "ui_ChartView.h"
-#include "views/QChartViewer.h"
-#include "views/TrackCursor.h"
-#include "views/chart/NoValue.h"
-#include "views/chart/XYChart.h"
 
 namespace {
 
@@ -293,7 +293,8 @@ void ChartView::draw(Channel &channel)
 {
     auto picture = channelChart(channel.chartLabel->size(), m_times, channel.values, channel.line, dataIntervalMs);
     const bool tracked = channel.viewer->isMouseOnPlotArea();
-    drawTrackCursor(*picture, tracked ? channel.viewer->plotAreaMouseX() : picture->plotArea().right(), dataIntervalMs);
+    chart::drawTrackCursor(*picture, tracked ? channel.viewer->plotAreaMouseX() : picture->plotArea().right(),
+                           channelSpanText(dataIntervalMs));
     // The viewer has the new chart before the old one goes.
     channel.viewer->setChart(picture.get());
     channel.picture = std::move(picture);
@@ -301,6 +302,6 @@ void ChartView::draw(Channel &channel)
 
 void ChartView::moveCursor(Channel &channel)
 {
-    drawTrackCursor(*channel.picture, channel.viewer->plotAreaMouseX(), dataIntervalMs);
+    chart::drawTrackCursor(*channel.picture, channel.viewer->plotAreaMouseX(), channelSpanText(dataIntervalMs));
     channel.viewer->updateDisplay();
 }

@@ -22,6 +22,14 @@ const QString overLimitColour = QStringLiteral("color:rgb(230,80,80);background-
 constexpr qint64 databaseSizeLimit = 3LL * 1024 * 1024 * 1024;
 constexpr double bytesPerMegabyte = 1048576.0;
 
+/// So that nothing beside it moves when it appears.
+void keepPlace(QWidget *widget)
+{
+    QSizePolicy policy = widget->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget->setSizePolicy(policy);
+}
+
 QString now()
 {
     return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
@@ -47,7 +55,9 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
     m_boardLayout->setSpacing(0);
     m_boardLayout->addWidget(m_dashboards);
     new ContentMinimum(m_form->widget_board);
+    keepPlace(m_form->label_record_error);
     m_form->label_record_error->hide();
+    setFocusProxy(m_projectList);
 
     connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
     connect(m_projectList, &ProjectList::dashboardClicked, this, &ProjectCenter::slotDashboardClicked);
@@ -208,6 +218,9 @@ void ProjectCenter::slotSensingConfirm()
         m_currentDevice->checkAlarmAll();
     m_projectList->refresh();
     m_chartView->refreshHeader();
+    // An exchange may end when its dialog was closed long ago.
+    if (m_dashboardsShowing)
+        m_dashboards->refreshTiles();
     emit updateProjectFile();
 }
 

@@ -33,6 +33,7 @@ private slots:
     }
 
     void beginsWithTheStartScreen();
+    void keyboardFollowsTheScreens();
     void aNewProjectLeadsToTheManager();
     void aNewProjectIsConfirmed();
     void aConfirmedProjectIsLoadedAgain();
@@ -60,6 +61,16 @@ void tst_ScreenFlow::beginsWithTheStartScreen()
     QVERIFY(m_op->startScreen()->isVisible());
     QCOMPARE(m_op->startScreen()->parentWidget()->objectName(), QStringLiteral("centralFrame"));
     QCOMPARE(m_op->actions(), actionsWithoutAProject);
+}
+
+void tst_ScreenFlow::keyboardFollowsTheScreens()
+{
+    QCOMPARE(m_op->station->focusWidget(), child<QWidget>(*m_op->startScreen(), "btn_create"));
+    m_op->createProject();
+    QCOMPARE(m_op->station->focusWidget(), child<QWidget>(*m_op->manager(), "availlable_list"));
+    m_op->addByHand();
+    m_op->confirm();
+    QCOMPARE(m_op->station->focusWidget(), child<QWidget>(*m_op->project(), "list_project"));
 }
 
 void tst_ScreenFlow::aNewProjectLeadsToTheManager()

@@ -1,13 +1,13 @@
 #include "StationFixture.h"
 
 #include "app/SorvantoMain.h"
+#include "chart/QChartViewer.h"
+#include "chart/XYChart.h"
 #include "device/ConfiguredDevice.h"
 #include "loggersim/NetworkLogger.h"
 #include "views/ChartView.h"
 #include "views/DashBoardDeviceItem.h"
-#include "views/QChartViewer.h"
 #include "views/StateBackground.h"
-#include "views/chart/XYChart.h"
 
 #include <QFrame>
 #include <QListWidget>

@@ -66,7 +66,7 @@ QStringList LoggerProcess::readingsOf(const QString &key) const
     const QList<QByteArray> lines = file.readAll().split('\n');
     for (const QByteArray &line : lines) {
         if (line.startsWith(key.toLatin1() + '\t'))
-            readings += QString::fromLatin1(line.mid(key.size() + 1));
+            readings += QString::fromLatin1(line.split('\t').at(1));
     }
     return readings;
 }

@@ -16,6 +16,7 @@ private slots:
     void otherSeedOtherReadings();
     void staysNearItsClimate();
     void movesSlowly();
+    void repeatedReadings();
     void heldReading();
     void shiftedReadings();
     void textHasTwoDecimals_data();
@@ -83,6 +84,24 @@ void tst_Curve::movesSlowly()
         QVERIFY(qAbs(reading.temperature - before.temperature) <= 20);
         before = reading;
     }
+}
+
+void tst_Curve::repeatedReadings()
+{
+    Curve moving(climateOf(0), 1);
+    Curve steady(climateOf(0), 1);
+    steady.repeat(180);
+    for (int i = 0; i < 10; ++i) {
+        const Reading expected = moving.next();
+        for (int times = 0; times < 180; ++times)
+            QCOMPARE(steady.next(), expected);
+    }
+    // Whoever shifts the readings sees it at once.
+    steady.next();
+    moving.next();
+    steady.shift({1000, 0});
+    moving.shift({1000, 0});
+    QCOMPARE(steady.next(), moving.next());
 }
 
 void tst_Curve::heldReading()

@@ -1,6 +1,7 @@
 #include "project/AppSettings.h"
 #include "project/ProjectFile.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QLocalSocket>
 #include <QProcess>
@@ -222,14 +223,18 @@ void tst_LoggersimProgram::everyReadingIsWrittenDown()
     QTcpSocket station;
     station.connectToHost(second.captured(1), static_cast<quint16>(second.captured(2).toUInt()));
     QTRY_COMPARE(station.state(), QAbstractSocket::ConnectedState);
-    QByteArray expected;
     for (int i = 0; i < 3; ++i) {
+        const qint64 before = QDateTime::currentMSecsSinceEpoch();
         station.write("ATDC\r\n");
         QByteArray received;
         QTRY_VERIFY((received += station.readAll()).endsWith('\n'));
-        expected += "020001000002\t" + received.trimmed().mid(5) + '\n';
+        const qint64 after = QDateTime::currentMSecsSinceEpoch();
         // While it runs, not at the end only.
-        QTRY_COMPARE(contentOf(path("served")), expected);
+        QTRY_COMPARE(contentOf(path("served")).count('\n'), i + 1);
+        const QList<QByteArray> fields = contentOf(path("served")).split('\n').at(i).split('\t');
+        QCOMPARE(fields.mid(0, 2), QList<QByteArray>({"020001000002", received.trimmed().mid(5)}));
+        const qint64 polled = fields.value(2).toLongLong();
+        QVERIFY2(polled >= before && polled <= after, fields.value(2));
     }
 }
 

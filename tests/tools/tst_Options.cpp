@@ -29,7 +29,8 @@ private:
 void tst_Options::everything()
 {
     const CommandLine line = read(
-        "--network 6 --usb 2 --seed 7 --addresses 127.0.2.1 --port 23 --discovery any --discovery-port 50001 "
+        "--network 6 --usb 2 --seed 7 --steady 180 --addresses 127.0.2.1 --port 23 --discovery any --discovery-port "
+        "50001 "
         "--fault 1=silent --fault 00001001=replug:300 --control c --interactive --report r --served l --project p.tpc "
         "--interval 5000 --settings s --keep-alive -- prog -x --usb 3");
     QVERIFY2(line.options, qPrintable(line.error));
@@ -37,6 +38,7 @@ void tst_Options::everything()
     QCOMPARE(options.network, 6);
     QCOMPARE(options.usb, 2);
     QCOMPARE(options.seed, quint16(7));
+    QCOMPARE(options.steady, 180);
     QCOMPARE(options.address, QHostAddress("127.0.2.1"));
     QCOMPARE(options.port, quint16(23));
     QCOMPARE(*options.discoveryAddress, QHostAddress(QHostAddress::AnyIPv4));
@@ -62,6 +64,7 @@ void tst_Options::usual()
     QCOMPARE(options.usb, 0);
     QCOMPARE(options.addressOf(0), QHostAddress("127.0.1.1"));
     QCOMPARE(options.portOf(0), quint16(0));
+    QCOMPARE(options.steady, 1);
     QVERIFY(!options.discoveryAddress);
     QCOMPARE(options.discoveryPort, quint16(50000));
     QCOMPARE(options.intervalMs, 1000);

@@ -1,4 +1,5 @@
 #include "ChannelCharts.h"
+#include "device/DataInterval.h"
 
 #include <QDateTime>
 #include <QTest>
@@ -24,7 +25,7 @@ QColor fieldAt(double y)
 
 bool isEmptyPlot(const chart::XYChart &picture)
 {
-    return picture.layers().empty() && picture.xLabelPlaces().empty() && !picture.nearestXValue(100);
+    return picture.layers().empty() && picture.xLabels().empty() && !picture.nearestXValue(100);
 }
 
 } // namespace
@@ -153,6 +154,25 @@ private slots:
         QCOMPARE(picture->xCoordinate(newestTime).value(), 785);
     }
 
+    void theCaptionNamesTheInterval_data()
+    {
+        QTest::addColumn<int>("intervalMs");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("1 sec") << 1000 << "View Length : 240 samples   Interval : 1 sec ";
+        QTest::newRow("5 sec") << 5000 << "View Length : 240 samples   Interval : 5 sec ";
+        QTest::newRow("10 sec") << 10000 << "View Length : 240 samples   Interval : 10 sec ";
+        QTest::newRow("1 min") << 60000 << "View Length : 240 samples   Interval : 1 min ";
+        QTest::newRow("5 min") << 300000 << "View Length : 240 samples   Interval : 5 min ";
+        QTest::newRow("10 min") << 600000 << "View Length : 240 samples   Interval : 10 min ";
+        QTest::newRow("any other") << 2000 << "View Length : 240 samples   Interval :  ";
+    }
+
+    void theCaptionNamesTheInterval()
+    {
+        QFETCH(int, intervalMs);
+        QTEST(channelSpanText(intervalMs), "text");
+    }
+
     void impossibleIntervalsGiveAnEmptyPlot_data()
     {
         QTest::addColumn<int>("intervalMs");
@@ -226,6 +246,41 @@ private slots:
         QCOMPARE(extentOf(image, QRect(from + 3, 25, to - from - 6, 125), channel1.colour), QRect());
         QVERIFY(!extentOf(image, QRect(from - 3, 25, 3, 125), channel1.colour).isNull());
         QVERIFY(!extentOf(image, QRect(to + 1, 25, 3, 125), channel1.colour).isNull());
+    }
+
+    void timeWithoutReadingsIsAGap_data()
+    {
+        QTest::addColumn<int>("intervalMs");
+        QTest::addColumn<double>("distance"); // of the neighbours, in intervals
+        QTest::addColumn<bool>("gap");
+        for (const int ms : selectableIntervals()) {
+            QTest::addRow("%d ms, none missed", ms) << ms << 1.0 << false;
+            QTest::addRow("%d ms, a late one", ms) << ms << 1.5 << false;
+            QTest::addRow("%d ms, later still", ms) << ms << 1.51 << true;
+            QTest::addRow("%d ms, one missed", ms) << ms << 2.0 << true;
+            QTest::addRow("%d ms, a long outage", ms) << ms << 60.0 << true;
+        }
+    }
+
+    void timeWithoutReadingsIsAGap()
+    {
+        QFETCH(int, intervalMs);
+        QFETCH(double, distance);
+        QFETCH(bool, gap);
+        constexpr size_t firstAfter = 140;
+        History times = timesEvery(intervalMs / 1000);
+        for (size_t i = 0; i < firstAfter; ++i)
+            times[i] -= (distance - 1) * intervalMs / 1000;
+        const auto picture = channelChart(chartLabel, times, allOf(20), channel1, intervalMs);
+        const QImage image = picture->picture(1);
+        const int y = picture->yCoordinate(20).value();
+        const int from = picture->xCoordinate(times[firstAfter - 1]).value();
+        const int to = picture->xCoordinate(times[firstAfter]).value();
+        QCOMPARE(image.pixelColor((from + to) / 2, y) != channel1.colour, gap);
+        QCOMPARE(image.pixelColor(from - 1, y), channel1.colour);
+        QCOMPARE(image.pixelColor(to + 2, y), channel1.colour);
+        // All samples are still there to be read.
+        QCOMPARE(picture->layers().front()->xValues(), std::vector<double>(times.cbegin(), times.cend()));
     }
 
     void samplesOfAClockThatWentBackAreDrawn()

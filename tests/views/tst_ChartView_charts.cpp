@@ -1,5 +1,5 @@
 #include "ChartViewFixture.h"
-#include "views/QChartViewerLabel.h"
+#include "chart/QChartViewerLabel.h"
 
 #include <QSignalSpy>
 
@@ -61,6 +61,28 @@ private slots:
         dataIntervalMs = 1000;
         view().updateChart();
         QCOMPARE(span(), 240.0);
+    }
+
+    void anOutageIsAGap()
+    {
+        m_fixture->attach();
+        for (const int msLater : {10000, 10000, 10000, 600000, 10000, 10000})
+            m_fixture->reply("21.50,45.10", msLater);
+        m_fixture->show(QSize(810, 404));
+        for (const int channel : {0, 1}) {
+            chart::XYChart &picture = *m_fixture->viewer(channel)->chart();
+            const chart::LineLayer &line = *picture.layers().front();
+            const double newest = line.xValues().back();
+            const QColor colour = line.dataSets().front()->colour;
+            const int y = picture.yCoordinate(line.dataSets().front()->values.back()).value();
+            const auto isDrawnAt = [&](double secondsAgo) {
+                return picture.finishedPicture(1).pixelColor(picture.xCoordinate(newest - secondsAgo).value(), y) ==
+                       colour;
+            };
+            QVERIFY(isDrawnAt(10));
+            QVERIFY(!isDrawnAt(320));
+            QVERIFY(isDrawnAt(630));
+        }
     }
 
     // The cursor

@@ -62,7 +62,8 @@ void Conversation::slotAdvance()
         }
         const QByteArray piece = reply.pieces.takeFirst();
         if (reply.pieces.isEmpty()) {
-            m_marks.append(Mark{m_given + piece.size(), reply.isReading, reply.values, reply.closeAfter});
+            m_marks.append(
+                Mark{m_given + piece.size(), reply.isReading, reply.values, reply.polledMs, reply.closeAfter});
             m_replies.removeFirst();
         } else {
             reply.delayMs = reply.pauseMs;
@@ -84,7 +85,7 @@ void Conversation::slotBytesWritten(qint64 count)
     while (!m_marks.isEmpty() && m_marks.first().end <= m_written) {
         const Mark mark = m_marks.takeFirst();
         if (mark.isReading)
-            m_logger->countServed(mark.values);
+            m_logger->countServed(mark.values, mark.polledMs);
         if (mark.closeAfter)
             emit finished();
     }

@@ -32,6 +32,7 @@ private:
         qint64 end = 0; ///< bytes written once the reply is out
         bool isReading = false;
         QByteArray values;
+        qint64 polledMs = 0;
         bool closeAfter = false;
     };
 

@@ -52,6 +52,11 @@ Reading Curve::next()
 {
     if (m_held)
         return *m_held;
+    if (m_timesLeft > 0) {
+        --m_timesLeft;
+        return m_last;
+    }
+    m_timesLeft = m_times - 1;
     ++m_count;
     const double temperature = m_climate.temperature + m_climate.temperatureSwing * 0.8 * wave(0, 900) +
                                m_climate.temperatureSwing * 0.15 * wave(1, 130);
@@ -69,6 +74,12 @@ Reading Curve::next()
     return reading;
 }
 
+void Curve::repeat(int times)
+{
+    m_times = times;
+    m_timesLeft = 0;
+}
+
 void Curve::hold(const Reading &reading)
 {
     m_held = reading;
@@ -77,12 +88,14 @@ void Curve::hold(const Reading &reading)
 void Curve::shift(const Reading &offset)
 {
     m_held.reset();
+    m_timesLeft = 0;
     m_offset = offset;
 }
 
 void Curve::resume()
 {
     m_held.reset();
+    m_timesLeft = 0;
     m_offset = {};
 }
 

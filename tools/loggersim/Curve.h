@@ -32,7 +32,7 @@ struct Reading
 bool operator==(const Reading &a, const Reading &b);
 
 /// Slow waves with a little noise around a climate. The readings depend on the climate, on a seed and their number
-/// only, and no two successive ones are equal in any channel unless they are held.
+/// only, and no two successive ones are equal in any channel unless they are held or repeated.
 class Curve
 {
 public:
@@ -40,6 +40,8 @@ public:
 
     Reading next();
 
+    /// Every new reading comes @p times in a row, as from a logger whose surroundings hardly change.
+    void repeat(int times);
     /// Every further reading is this one.
     void hold(const Reading &reading);
     /// Shifts every further reading.
@@ -55,6 +57,8 @@ private:
     std::minstd_rand m_random;
     double m_phase;
     int m_count = 0;
+    int m_times = 1;
+    int m_timesLeft = 0; ///< how often the last reading is still to come
     Reading m_last;
     Reading m_offset;
     std::optional<Reading> m_held;

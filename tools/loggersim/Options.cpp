@@ -13,6 +13,7 @@ namespace {
 
 constexpr int networkMax = 10000;
 constexpr int usbMax = 256;
+constexpr int steadyMax = 24 * 3600;
 constexpr int dayMs = 24 * 3600 * 1000;
 
 /// The options of the simulator and their values; the first value that is none ends the reading.
@@ -59,13 +60,16 @@ OptionReader::OptionReader()
     declare("discovery-port", "PORT", "UDP port of the search (50000).");
     declare("usb", "N", "Number of USB loggers (0). PROGRAM sees them as /dev/ttyACM0 and so on.");
     declare("seed", "N", "Other keys and other readings, 0 to 65535 (1).");
+    declare("steady", "N", "Each reading comes N times in a row, from every logger (1).");
     declare("fault", "LOGGER=FAULT[:ARGUMENT]",
             "Lets a logger, by key or number from 1 (network loggers first), do "
             "something wrong from the start. May be given more than once.");
     declare("control", "PATH", "Takes control lines on a local socket at this path.");
     declare("interactive", nullptr, "Takes control lines on the standard input.");
     declare("report", "FILE", "Writes, at the end, one line a logger: key, kind, readings served, separated by tabs.");
-    declare("served", "FILE", "Writes every reading as it is served, one a line: key and values, separated by a tab.");
+    declare("served", "FILE",
+            "Writes every reading as it is served, one a line: key, values and the time of its poll in Unix "
+            "milliseconds, separated by tabs.");
     declare("project", "FILE", "Writes a station project (.tpc) that fits the loggers, at most 64.");
     declare("interval", "MS", "Data interval of that project in milliseconds (1000).");
     declare("settings", "DIR",
@@ -200,6 +204,7 @@ CommandLine OptionReader::read(const QStringList &arguments)
     readNetwork(options);
     options.usb = number("usb", 0, usbMax, 0);
     options.seed = static_cast<quint16>(number("seed", 0, 65535, 1));
+    options.steady = number("steady", 1, steadyMax, 1);
     readFaults(options);
     readFiles(options);
     options.program = m_parser.positionalArguments();

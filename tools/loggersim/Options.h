@@ -14,6 +14,7 @@ struct Options
     int network = 0;
     int usb = 0;
     quint16 seed = 1;
+    int steady = 1; ///< how often each reading comes in a row
 
     QHostAddress address; ///< of the first network logger
     bool ownAddresses = true;

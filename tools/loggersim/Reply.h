@@ -15,6 +15,7 @@ struct Reply
     int pauseMs = 0;         ///< between any two pieces
     bool isReading = false;  ///< a well-formed reading, which counts as served
     QByteArray values;       ///< of a reading, as they are sent: "21.50,----"
+    qint64 polledMs = 0;     ///< when the command was read, in Unix milliseconds
     bool closeAfter = false; ///< the connection is closed once it has been written
 };
 

@@ -13,8 +13,9 @@ bool ServedLog::open(const QString &path)
 void ServedLog::follow(const SimLogger *logger)
 {
     const QByteArray key = logger->key().toLatin1();
-    connect(logger, &SimLogger::readingServed, this,
-            [this, key](const QByteArray &values) { m_file.write(key + '\t' + values + '\n'); });
+    connect(logger, &SimLogger::readingServed, this, [this, key](const QByteArray &values, qint64 polledMs) {
+        m_file.write(key + '\t' + values + '\t' + QByteArray::number(polledMs) + '\n');
+    });
 }
 
 } // namespace loggersim

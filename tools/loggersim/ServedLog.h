@@ -7,7 +7,8 @@ namespace loggersim {
 
 class SimLogger;
 
-/// Writes down every reading that is served, as it happens, one a line: key and values, separated by a tab.
+/// Writes down every reading that is served, as it happens, one a line: key, values and the time of its poll in
+/// Unix milliseconds, separated by tabs.
 class ServedLog : public QObject
 {
     Q_OBJECT

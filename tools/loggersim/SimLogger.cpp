@@ -1,5 +1,7 @@
 #include "loggersim/SimLogger.h"
 
+#include <QDateTime>
+
 namespace loggersim {
 
 SimLogger::SimLogger(InterfaceKind kind, const QString &key, const Climate &climate, quint32 seed, QObject *parent)
@@ -18,10 +20,10 @@ void SimLogger::setFault(const Fault &fault)
     emit faultChanged();
 }
 
-void SimLogger::countServed(const QByteArray &values)
+void SimLogger::countServed(const QByteArray &values, qint64 polledMs)
 {
     ++m_served;
-    emit readingServed(values);
+    emit readingServed(values, polledMs);
 }
 
 std::optional<Reply> SimLogger::answer(const QByteArray &command)
@@ -40,6 +42,7 @@ std::optional<Reply> SimLogger::answer(const QByteArray &command)
         return std::nullopt;
     if (suffersFrom(FaultKind::Slow))
         reply.delayMs = m_fault.number;
+    reply.polledMs = QDateTime::currentMSecsSinceEpoch();
     reply.closeAfter = suffersFrom(FaultKind::CloseAfter);
     return reply;
 }

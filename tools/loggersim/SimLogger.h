@@ -43,8 +43,9 @@ public:
     /// A reading that nobody asked for, as one line of a reply.
     QByteArray unaskedReading();
 
-    /// To be called once a well-formed reading with these values has wholly been written to the station.
-    void countServed(const QByteArray &values);
+    /// To be called once a well-formed reading with these values has wholly been written to the station; @p polledMs as
+    /// in Reply.
+    void countServed(const QByteArray &values, qint64 polledMs);
     quint64 served() const { return m_served; }
     /// Commands received, polls and others, answered or not.
     quint64 commands() const { return m_commands; }
@@ -56,8 +57,8 @@ signals:
     void faultChanged();
     /// Any command, answered or not, as soon as it has been read.
     void commandReceived();
-    /// A station has got this reading: "21.50,45.10", "----" for a missing value.
-    void readingServed(const QByteArray &values);
+    /// A station has got this reading: "21.50,45.10", "----" for a missing value. It asked for it at @p polledMs.
+    void readingServed(const QByteArray &values, qint64 polledMs);
 
 private:
     Reply alarmReply(const QByteArray &command);

@@ -47,6 +47,8 @@ bool Simulator::addLoggers(QString *error)
         if (!m_fleet.addUsbLogger(error))
             return false;
     }
+    for (SimLogger *logger : m_fleet.loggers())
+        logger->curve().repeat(m_options.steady);
     return !m_options.discoveryAddress ||
            m_fleet.startDiscovery(*m_options.discoveryAddress, m_options.discoveryPort, error);
 }

@@ -1,0 +1,7 @@
+#include "chart/QChartViewerLabel.h"
+
+void QChartViewerLabel::resizeEvent(QResizeEvent *event)
+{
+    QLabel::resizeEvent(event);
+    emit refreshChart();
+}

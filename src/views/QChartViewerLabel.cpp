@@ -1,7 +1,0 @@
-#include "views/QChartViewerLabel.h"
-
-void QChartViewerLabel::resizeEvent(QResizeEvent *event)
-{
-    QLabel::resizeEvent(event);
-    emit refreshChart();
-}
