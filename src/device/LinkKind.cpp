@@ -9,9 +9,11 @@
 namespace {
 
 template <typename Link>
-std::unique_ptr<AbstractDevice> make()
+std::unique_ptr<AbstractDevice> make(LoggerConversation *conversation)
 {
-    return std::make_unique<Link>();
+    auto link = std::make_unique<Link>();
+    link->setConversation(conversation);
+    return link;
 }
 
 const std::array<LinkKind, 3> &linkKinds()

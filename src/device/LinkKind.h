@@ -4,6 +4,7 @@
 #include <memory>
 
 class AbstractDevice;
+class LoggerConversation;
 
 /// How a device is reached; the numbers are those of project files and links.
 enum InterfaceKind { NoInterface = 0, UsbInterface = 1, NetworkInterface = 2 };
@@ -13,8 +14,9 @@ enum InterfaceKind { NoInterface = 0, UsbInterface = 1, NetworkInterface = 2 };
 struct LinkKind
 {
     InterfaceKind number = NoInterface;
-    QString word;                                            ///< in project files
-    std::unique_ptr<AbstractDevice> (*makeLink)() = nullptr; ///< never null within the table
+    QString word; ///< in project files
+    /// Never null within the table; the link tells the conversation, which it does not own, what it sends and hears.
+    std::unique_ptr<AbstractDevice> (*makeLink)(LoggerConversation *conversation) = nullptr;
     bool isPolled = false;
     /// Found by looking at what is plugged in; the name of its port may be another logger's after the next look.
     bool isPluggedIn = false;

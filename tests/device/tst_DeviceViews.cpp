@@ -11,7 +11,10 @@ class tst_DeviceViews : public QObject
 
 private slots:
     void pushesIntoItsViews();
+    void newestReadingOfAReplyIsShown();
     void disconnectEmptiesEverything();
+    void closingTheLinkEmptiesEverything_data();
+    void closingTheLinkEmptiesEverything();
     void listEntryStartsDisconnected();
     void detachedViewsHearNothing();
     void mayBeDeletedByAView_data();
@@ -29,14 +32,30 @@ void tst_DeviceViews::pushesIntoItsViews()
     bench.device.setTiles(&tile1, &tile2);
     bench.device.setChartView(&chart);
     bench.device.setListItem(&entry);
-    bench.reply("1,----\n3,4\n");
-    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 1.00", "value 3.00"}));
-    QCOMPARE(tile2.calls, QStringList({"connected A1", "value ----", "value 4.00"}));
-    QCOMPARE(chart.calls, QStringList({"connected A1", "data 1.00 ----", "data 3.00 4.00"}));
-    QCOMPARE(entry.states, QList<bool>({false, true}));
+    bench.reply("1,----\n");
+    bench.reply("3,4\n");
+    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 1.00", "connected A1", "value 3.00"}));
+    QCOMPARE(tile2.calls, QStringList({"connected A1", "value ----", "connected A1", "value 4.00"}));
+    QCOMPARE(chart.calls, QStringList({"connected A1", "data 1.00 ----", "connected A1", "data 3.00 4.00"}));
+    QCOMPARE(entry.states, QList<bool>({false, true, true}));
     QCOMPARE(chart.times.back(), 1700000000.0);
     QCOMPARE(chart.channel1.back(), 3.0);
     QCOMPARE(chart.channel2.back(), 4.0);
+}
+
+/// A hundred numbers of 309 digits each would take as long to format as the station may think about all its loggers.
+void tst_DeviceViews::newestReadingOfAReplyIsShown()
+{
+    ClockedDevice bench;
+    FakeTile tile1;
+    FakeTile tile2;
+    FakeChart chart;
+    bench.device.setTiles(&tile1, &tile2);
+    bench.device.setChartView(&chart);
+    bench.reply(QString("1e308,1e308\n").repeated(100) + "3,4\nno reading\n");
+    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 3.00"}));
+    QCOMPARE(tile2.calls, QStringList({"connected A1", "value 4.00"}));
+    QCOMPARE(chart.calls, QStringList({"connected A1", "data 3.00 4.00"}));
 }
 
 void tst_DeviceViews::disconnectEmptiesEverything()
@@ -65,6 +84,37 @@ void tst_DeviceViews::disconnectEmptiesEverything()
     History channel2{};
     bench.device.history(times, channel1, channel2);
     QCOMPARE(channel1.back(), 99.0); // the history stays
+}
+
+void tst_DeviceViews::closingTheLinkEmptiesEverything_data()
+{
+    QTest::addColumn<bool>("forgetting");
+    QTest::newRow("closed") << false;
+    QTest::newRow("port forgotten") << true;
+}
+
+void tst_DeviceViews::closingTheLinkEmptiesEverything()
+{
+    QFETCH(bool, forgetting);
+    ClockedDevice bench;
+    bench.device.setAlarmRange(10, 30, 10, 30);
+    bench.reply("99,99");
+    FakeTile tile;
+    FakeChart chart;
+    FakeListEntry entry;
+    bench.device.setTiles(&tile, nullptr);
+    bench.device.setChartView(&chart);
+    bench.device.setListItem(&entry);
+    forgetting ? bench.device.forgetPort() : bench.device.closeDevice();
+    QVERIFY(!bench.device.isConnected());
+    QVERIFY(!bench.device.alarmOnChannel1() && !bench.device.alarmOnChannel2());
+    QCOMPARE(bench.device.ch1Value(), QString());
+    QCOMPARE(bench.device.ch2Value(), QString());
+    QCOMPARE(tile.calls, QStringList("disconnected A1"));
+    QCOMPARE(chart.calls, QStringList("disconnected A1"));
+    QCOMPARE(entry.states, QList<bool>({false, false}));
+    bench.device.closeDevice();
+    QCOMPARE(tile.calls.size(), 1);
 }
 
 void tst_DeviceViews::listEntryStartsDisconnected()

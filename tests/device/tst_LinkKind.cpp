@@ -37,8 +37,8 @@ void tst_LinkKind::words()
 void tst_LinkKind::linksAreOfTheirKind()
 {
     for (const InterfaceKind number : {UsbInterface, NetworkInterface})
-        QCOMPARE(linkKind(number).makeLink()->deviceType(), int(number));
-    QCOMPARE(linkKind(NoInterface).makeLink()->deviceType(), int(NetworkInterface));
+        QCOMPARE(linkKind(number).makeLink(nullptr)->deviceType(), int(number));
+    QCOMPARE(linkKind(NoInterface).makeLink(nullptr)->deviceType(), int(NetworkInterface));
 }
 
 void tst_LinkKind::whatIsNoKindIsNotPolled()
