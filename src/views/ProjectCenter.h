@@ -10,7 +10,7 @@
 class ChartView;
 class ConfiguredDevice;
 class DashboardTab;
-class NetworkSettingDialog;
+class QDialog;
 class ProjectList;
 class SensingOptionDialog;
 class QVBoxLayout;
@@ -68,7 +68,6 @@ private slots:
     void slotNetworkSetting();
 
 private:
-    SensingOptionDialog *makeOptionDialog(ConfiguredDevice *device);
     void deleteClosedOptionDialogs();
     void showOnBoard(QWidget *shown, QWidget *hidden);
 
@@ -81,5 +80,5 @@ private:
     QVBoxLayout *m_boardLayout;
     QPointer<ConfiguredDevice> m_currentDevice; ///< whose chart was opened last
     bool m_dashboardsShowing = true;
-    QPointer<NetworkSettingDialog> m_networkDialog;
+    QPointer<QDialog> m_networkDialog;
 };
