@@ -46,7 +46,7 @@ bool ProjectFile::create(const QString &projectName, int intervalMs)
     IniText text;
     text.setValue(key::projectName, IniValue::fromText(projectName));
     text.setValue(key::dataInterval, IniValue::fromNumber(intervalMs));
-    text.setValue(key::databaseName, IniValue::fromText(projectName + QStringLiteral(".dat")));
+    text.setValue(key::databaseName, IniValue::fromText(QFileInfo(newDatabasePath(projectName)).fileName()));
     return replaceFile(m_path, text.toBytes());
 }
 
@@ -92,6 +92,11 @@ int ProjectFile::dataInterval() const
 QStringList ProjectFile::dashboardNames() const
 {
     return read(m_path, key::dashboardNames).toTexts();
+}
+
+QString ProjectFile::newDatabasePath(const QString &projectName) const
+{
+    return QFileInfo(m_path).absolutePath() + QLatin1Char('/') + projectName + QStringLiteral(".dat");
 }
 
 QString ProjectFile::databasePath() const

@@ -32,6 +32,8 @@ public:
     /// Milliseconds as stored; 0 when missing, negative or beyond an int.
     int dataInterval() const;
     QStringList dashboardNames() const;
+    /// The recording that create() gives to a project of that name.
+    QString newDatabasePath(const QString &projectName) const;
     /// The recording's path: the project's folder, "/" and the stored database name.
     QString databasePath() const;
 

@@ -120,6 +120,7 @@ private slots:
     void strangeDatagramsAddNoRecord_data();
     void strangeDatagramsAddNoRecord();
     void withoutANetworkCardTheOperatorIsTold();
+    void aNetworkThatRefusesTheSearchIsTold();
 
     void aSecondSearchReplacesTheFirst();
     void closingTheProjectEndsTheSearch();
@@ -300,6 +301,18 @@ void tst_NetworkDiscovery::withoutANetworkCardTheOperatorIsTold()
     QVERIFY(search());
     m_answerer->answer(discoveryReply(firstMac, QStringLiteral("10.77.0.2")));
     QTRY_COMPARE(m_station->availDevices().size(), 1);
+}
+
+void tst_NetworkDiscovery::aNetworkThatRefusesTheSearchIsTold()
+{
+    const auto restore = qScopeGuard([] { layOut(QStringLiteral("10.77.0.1/24"), theLoggersAddresses()); });
+    // An address without a network around it: nothing leads to the .255.
+    QVERIFY(giveAddresses(QStringLiteral("station"), {QStringLiteral("10.77.0.1/32")}));
+    const LogCapture log;
+    m_station->broadcastDevice();
+    QCOMPARE(shownMessages(), QStringList{QStringLiteral("UDP Send Socket Down.\nPlease retry.")});
+    QCOMPARE(log.count(QStringLiteral("[ERROR] SorvantoMain::broadcastDevice : m_sndUdpSocket->isValid() : false")), 1);
+    QVERIFY(!receiver());
 }
 
 void tst_NetworkDiscovery::aSecondSearchReplacesTheFirst()
