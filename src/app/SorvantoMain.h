@@ -147,6 +147,7 @@ private:
     void showProjectName();
     void showInterval();
     void reportUnsavedProject();
+    void reportRefusedDevices(const QStringList &sentences);
 
     // Screens
     void showStartScreen();

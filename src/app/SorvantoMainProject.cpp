@@ -12,6 +12,7 @@
 
 #include <QAction>
 #include <QFileInfo>
+#include <QTextDocument>
 #include <QTimer>
 
 namespace {
@@ -88,6 +89,7 @@ void SorvantoMain::projectLoaded(const QString &path)
     showInterval();
     enter(StationState::Open);
     openProjectView();
+    reportRefusedDevices(file.refusedDevices());
 }
 
 void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames)
@@ -204,6 +206,19 @@ void SorvantoMain::slotUpdateProjectFile()
 void SorvantoMain::reportUnsavedProject()
 {
     showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the project file."));
+}
+
+/// All of them in the log, one in the window: a file may hold any number.
+void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
+{
+    if (sentences.isEmpty())
+        return;
+    for (const QString &sentence : sentences)
+        qCWarning(lcApp) << "[ERROR] SorvantoMain::projectLoaded :" << sentence;
+    const auto others = sentences.size() - 1;
+    const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
+    // A message takes for markup what looks like it.
+    showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(sentences.first() + more));
 }
 
 void SorvantoMain::showProjectName()

@@ -52,8 +52,9 @@ bool ProjectFile::create(const QString &projectName, int intervalMs)
 
 bool ProjectFile::saveDevices(const QList<DeviceEntry> &devices)
 {
-    return rewriteExisting(m_path, {{key::backup, IniValue::fromBytes(read(m_path, key::deviceList).toBytes())},
-                                    {key::deviceList, IniValue::fromBytes(encodeDeviceList(devices))}});
+    const QByteArray before = read(m_path, key::deviceList).toBytes();
+    return rewriteExisting(m_path, {{key::backup, IniValue::fromBytes(before)},
+                                    {key::deviceList, IniValue::fromBytes(encodeDeviceList(devices, before))}});
 }
 
 bool ProjectFile::saveLayout(int intervalMs, const QStringList &dashboardNames)
@@ -75,6 +76,11 @@ bool ProjectFile::setRecordStopTime(const QString &text)
 std::optional<QList<DeviceEntry>> ProjectFile::readDevices() const
 {
     return decodeDeviceList(read(m_path, key::deviceList).toBytes());
+}
+
+QStringList ProjectFile::refusedDevices() const
+{
+    return ::refusedDevices(read(m_path, key::deviceList).toBytes());
 }
 
 QString ProjectFile::projectName() const

@@ -27,6 +27,9 @@ public:
 
     /// Nothing when the list is missing or cannot be parsed; an empty list is a project without devices.
     std::optional<QList<DeviceEntry>> readDevices() const;
+    /// A sentence for each device that readDevices() leaves out because its number cannot be a key; it stays in the
+    /// file.
+    QStringList refusedDevices() const;
     /// The stored name, or an empty text.
     QString projectName() const;
     /// Milliseconds as stored; 0 when missing, negative or beyond an int.

@@ -266,7 +266,8 @@ void tst_ProjectFile::hostileValuesDoNoHarm()
 {
     writeContent("[General]\nprojectName=a, b\nDataInterval=soon\ndatabaseName=@Rect(1 2 3 4)\n"
                  "dashboardNames=@Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xff)\n"
-                 "DeviceList=\"{\\\"devices\\\": [{\\\"DeviceType\\\": \\\"SERIAL\\\",\\\"ch1_min\\\": \\\"nan\\\","
+                 "DeviceList=\"{\\\"devices\\\": [{\\\"DeviceNumber\\\": \\\"7\\\",\\\"DeviceType\\\": "
+                 "\\\"SERIAL\\\",\\\"ch1_min\\\": \\\"nan\\\","
                  "\\\"DevicePort\\\": \\\"99999\\\",\\\"DashboardNumber\\\": \\\"2\\\"}]}\"\n");
     const ProjectFile project(m_path);
     QCOMPARE(project.dataInterval(), 0);
