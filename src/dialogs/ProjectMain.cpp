@@ -189,7 +189,7 @@ void ProjectMain::writeEmptyProject(const QString &path, Existing existing)
         const bool mayReplace = existing == Existing::Replace;
         if (!file.open(mayReplace ? QIODevice::WriteOnly : QIODevice::WriteOnly | QIODevice::NewOnly)) {
             // Another program may have made it since it was looked for.
-            if (!mayReplace && file.exists())
+            if (!mayReplace && (file.exists() || QFileInfo(path).isSymLink()))
                 askForReplacement(path);
             else
                 showError(QStringLiteral("Unable to open the project file."));
