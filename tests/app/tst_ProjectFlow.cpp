@@ -93,6 +93,23 @@ private slots:
         QVERIFY(recentList().isEmpty());
     }
 
+    /// It would put a table into any database that a crafted project names.
+    void aRecordingElsewhereIsNeverOpened()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        const QString path = m_fixture->projectPath(QStringLiteral("Kitchen"));
+        const QString other = QFileInfo(path).absolutePath() + QStringLiteral("/sub/other.db");
+        QVERIFY(QDir().mkpath(QFileInfo(other).absolutePath()));
+        QVERIFY(rewriteIniFile(path, {{QStringLiteral("databaseName"), IniValue::fromText("sub/other.db")}}));
+        SorvantoMain station;
+        station.projectLoaded(path);
+        QVERIFY(!station.isProjectOpen());
+        QCOMPARE(shownMessages(), QStringList("The project is not opened: the name of its recording, \"sub/other.db\", "
+                                              "is a path."));
+        QVERIFY(!QFile::exists(other));
+        QVERIFY(recentList().isEmpty());
+    }
+
     /// Rows stored under another name than the device's would be lost to everybody.
     void aDeviceThatCannotBeRecordedIsLeftOutAndKept()
     {
@@ -420,4 +437,5 @@ private:
 };
 
 STATION_TEST_MAIN(tst_ProjectFlow)
+#include "project/IniFile.h"
 #include "tst_ProjectFlow.moc"
