@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
+#include "project/IniFile.h"
 #include "support/ScriptedLogger.h"
 
 #include <QDir>
@@ -437,5 +438,4 @@ private:
 };
 
 STATION_TEST_MAIN(tst_ProjectFlow)
-#include "project/IniFile.h"
 #include "tst_ProjectFlow.moc"
