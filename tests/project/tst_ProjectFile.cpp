@@ -361,6 +361,10 @@ void tst_ProjectFile::whatOpensCanBeSaved_data()
     QTest::newRow("a line [") << QByteArray("[\n[General]\n" + list);
     QTest::newRow("a line [ at the end") << QByteArray(list + "[");
     QTest::newRow("a line =") << QByteArray("[General]\n=\n" + list);
+    QTest::newRow("a key behind a line [") << QByteArray(list + "[\nx=1\n");
+    QTest::newRow("a value without a key") << QByteArray("[General]\n=x\n" + list);
+    QTest::newRow("a section without a name") << QByteArray(list + "[]\nx=1\n");
+    QTest::newRow("keys of blanks and slashes") << QByteArray("\\=1\n//x=2\n%20=3\n" + list);
     QTest::newRow("words") << QByteArray("[General]\nA note\n" + list);
     QTest::newRow("a quotation without end") << QByteArray(list + "x=\"");
     QTest::newRow("an escape without end") << QByteArray(list + "x=\\");
