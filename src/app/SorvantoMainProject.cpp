@@ -68,6 +68,12 @@ void SorvantoMain::projectLoaded(const QString &path)
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("There is no device information!"));
         return;
     }
+    const QString refusal = ProjectFile(path).refusal();
+    if (!refusal.isEmpty()) {
+        // A message takes for markup what looks like it.
+        showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(refusal));
+        return;
+    }
     const auto claim = claimProject(path, ProjectFile(path).databasePath());
     if (!claim)
         return;
