@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "dialogs/NetworkSettingDialog.h"
+#include "dialogs/PlainToolTip.h"
 #include "dialogs/SensingOptionTelnetDialog.h"
 #include "dialogs/SensingOptionUsbDialog.h"
 #include "ui_ProjectCenter.h"
@@ -114,9 +115,16 @@ void ProjectCenter::setDatabaseSize(qint64 bytes)
         QStringLiteral("Database ") + QString::number(double(bytes) / bytesPerMegabyte, 'f', 2) + QStringLiteral("MB"));
 }
 
+void ProjectCenter::setRecordingRefused(const QString &reason)
+{
+    m_form->btn_record->setEnabled(false);
+    m_form->btn_record->setToolTip(plainToolTip(reason));
+}
+
 void ProjectCenter::setWriteTrouble(const QString &reason)
 {
     m_form->label_record_error->setText(reason);
+    m_form->label_record_error->setToolTip(plainToolTip(reason)); // a long one is cut at the bar's edge
     m_form->label_record_error->setVisible(!reason.isEmpty());
 }
 
