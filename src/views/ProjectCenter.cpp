@@ -119,6 +119,12 @@ void ProjectCenter::setDatabaseSize(qint64 bytes)
         QStringLiteral("Database ") + QString::number(double(bytes) / bytesPerMegabyte, 'f', 2) + QStringLiteral("MB"));
 }
 
+void ProjectCenter::setRecordingRefused(const QString &reason)
+{
+    m_form->btn_record->setEnabled(false);
+    m_form->btn_record->setToolTip(plainToolTip(reason));
+}
+
 void ProjectCenter::setWriteTrouble(const QString &reason)
 {
     m_form->label_record_error->setText(reason);
