@@ -111,6 +111,26 @@ private slots:
         QTRY_COMPARE(m_fixture->readingCount(m_name), 8);
     }
 
+    void aRefreshInVainCostsNoReading()
+    {
+        open(1);
+        m_station->slotStartRecord();
+        pollUntilPending(1);
+        m_fixture->logger(0).stopListening();
+        m_fixture->logger(0).dropConnections();
+        QTRY_COMPARE(m_fixture->logger(0).openConnections(), 0);
+        m_station->slotRefreshDevice();
+        QVERIFY(m_fixture->logger(0).listenAgain());
+        QTRY_VERIFY(!m_station->configuredDevices().first()->isOpen());
+        const int served = m_fixture->served();
+        const auto isServed = [&] {
+            m_station->writeDevice();
+            return QTest::qWaitFor([&] { return m_fixture->served() > served; }, 200);
+        };
+        QVERIFY(QTest::qWaitFor(isServed));
+        QTRY_COMPARE(InsertSerialData::pendingCount(), 2);
+    }
+
     void stoppingWritesEverything()
     {
         open(2);
