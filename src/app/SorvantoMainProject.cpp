@@ -159,6 +159,7 @@ void SorvantoMain::openProjectView()
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_devices.all());
     showScreen(m_projectCenter);
+    m_projectCenter->takeFocus();
 
     slotKeepAlive(m_settings.keepAlive);
     openUsbDevicesAnew();

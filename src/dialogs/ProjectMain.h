@@ -24,6 +24,9 @@ public:
                 QWidget *parent = nullptr);
     ~ProjectMain() override;
 
+    /// Puts the keyboard on the latest project, or where there is none on the button that creates one.
+    void takeFocus();
+
 signals:
     /// A new, empty project file exists at @p path.
     void projectCreated(const QString &path);

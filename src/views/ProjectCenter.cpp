@@ -57,7 +57,6 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
     new ContentMinimum(m_form->widget_board);
     keepPlace(m_form->label_record_error);
     m_form->label_record_error->hide();
-    setFocusProxy(m_projectList);
 
     connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
     connect(m_projectList, &ProjectList::dashboardClicked, this, &ProjectCenter::slotDashboardClicked);
@@ -69,6 +68,11 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
 }
 
 ProjectCenter::~ProjectCenter() = default;
+
+void ProjectCenter::takeFocus()
+{
+    m_projectList->takeFocus();
+}
 
 void ProjectCenter::setDashboardNames(const QStringList &names)
 {

@@ -29,6 +29,8 @@ public:
     explicit ProjectCenter(const QString &projectFile, QWidget *parent = nullptr);
     ~ProjectCenter() override;
 
+    /// Puts the keyboard into the list of devices.
+    void takeFocus();
     void setDashboardNames(const QStringList &names);
     /// To be called once. Devices are not owned; they must be detached from their views before this panel goes away.
     void setDevices(const QList<ConfiguredDevice *> &devices);
