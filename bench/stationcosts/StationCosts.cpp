@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QTextStream>
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -55,16 +56,27 @@ bool StationCosts::setUp()
 bool StationCosts::addLoggers()
 {
     const quint32 firstAddress = QHostAddress(QStringLiteral("127.0.1.1")).toIPv4Address();
-    for (int i = 0; i < m_options.loggers; ++i) {
+    for (int i = 0; i < m_options.loggers + m_options.hostileLoggers; ++i) {
         auto *logger = m_fleet.addNetworkLogger(QHostAddress(firstAddress + quint32(i)), 0, &m_error);
         if (!logger)
             return false;
+        if (i >= m_options.loggers)
+            continue;
+        m_served.push_back(std::make_unique<ServedReadings>(logger));
         QObject::connect(logger, &loggersim::SimLogger::commandReceived, logger, [this] {
             if (m_isMeasuring)
                 m_pollTimes.add(monotonicNs());
         });
     }
     return true;
+}
+
+bool StationCosts::spoilLoggers()
+{
+    const QList<loggersim::SimLogger *> hostile = m_fleet.loggers().mid(m_options.loggers);
+    return std::all_of(hostile.cbegin(), hostile.cend(), [this](const loggersim::SimLogger *logger) {
+        return m_fleet.setFault(logger->key(), m_options.fault, &m_error);
+    });
 }
 
 bool StationCosts::prepareProject(const QString &name)
@@ -100,12 +112,8 @@ bool StationCosts::measureRecording()
 {
     for (const QString &suffix : {QStringLiteral(".dat"), QStringLiteral(".dat.pending")})
         QFile::remove(file(recordedProject + suffix));
-    if (!prepareProject(recordedProject))
+    if (!prepareProject(recordedProject) || !spoilLoggers())
         return false;
-    const QList<loggersim::SimLogger *> loggers = m_fleet.loggers();
-    for (loggersim::SimLogger *logger : loggers)
-        m_served.push_back(std::make_unique<ServedReadings>(logger));
-
     const QString figures = file(QStringLiteral("figures.ini"));
     QFile::remove(figures);
     const QString rules = m_options.withDiagnostics ? QString() : QStringLiteral("sorvanto.*=false");

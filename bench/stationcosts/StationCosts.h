@@ -20,6 +20,8 @@ class StationRun;
 struct CostOptions
 {
     int loggers = 64;
+    int hostileLoggers = 0; ///< beside those
+    QString fault;          ///< of the hostile loggers
     int seconds = 60;
     int openings = 5;            ///< of each recording; 0: the large one is not needed
     int largeGiB = 3;            ///< size of the large recording
@@ -55,6 +57,7 @@ private:
 
     bool setUp();
     bool addLoggers();
+    bool spoilLoggers();
     bool prepareProject(const QString &name);
     void setFaults(const QString &fault);
 

@@ -36,6 +36,10 @@ std::optional<CostOptions> readOptions(QCommandLineParser &parser, const QCoreAp
     parser.addOptions({
         {QStringLiteral("loggers"), QStringLiteral("Number of network loggers (64)."), QStringLiteral("N"),
          QStringLiteral("64")},
+        {QStringLiteral("hostile"), QStringLiteral("Number of further loggers with a fault (0)."), QStringLiteral("N"),
+         QStringLiteral("0")},
+        {QStringLiteral("fault"), QStringLiteral("Their fault, as loggersim --help lists it (largenumbers)."),
+         QStringLiteral("FAULT"), QStringLiteral("largenumbers")},
         {QStringLiteral("seconds"), QStringLiteral("Length of the measurement (60)."), QStringLiteral("S"),
          QStringLiteral("60")},
         {QStringLiteral("openings"), QStringLiteral("How often each recording is opened (5). 0 saves the large one."),
@@ -48,13 +52,16 @@ std::optional<CostOptions> readOptions(QCommandLineParser &parser, const QCoreAp
     });
     parser.process(application);
     const auto loggers = number(parser, QStringLiteral("loggers"), 1, loggersMax);
+    const auto hostile = number(parser, QStringLiteral("hostile"), 0, loggersMax);
     const auto seconds = number(parser, QStringLiteral("seconds"), 4, daySeconds);
     const auto openings = number(parser, QStringLiteral("openings"), 0, 100);
     const auto large = number(parser, QStringLiteral("large"), 1, 100);
-    if (!loggers || !seconds || !openings || !large)
+    if (!loggers || !hostile || !seconds || !openings || !large)
         return std::nullopt;
     CostOptions options;
     options.loggers = *loggers;
+    options.hostileLoggers = *hostile;
+    options.fault = parser.value(QStringLiteral("fault"));
     options.seconds = *seconds;
     options.openings = *openings;
     options.largeGiB = *large;

@@ -7,15 +7,15 @@ constexpr int longestKeepAliveIntervalMs = 60000;
 
 } // namespace
 
-ActionStates actionStates(const ControllerState &state)
+ActionStates actionStates(const StationState &state, int intervalMs)
 {
     ActionStates actions;
-    actions.addDelete = state.projectOpen && !state.recording;
-    actions.close = (state.projectCreated || state.projectOpen) && !state.recording;
-    actions.keepAlive = !state.projectCreated || state.intervalMs <= longestKeepAliveIntervalMs;
-    actions.refreshDevices = state.projectOpen;
-    actions.exit = !state.recording;
-    actions.siblings = state.projectOpen;
-    actions.expansionMode = state.projectOpen;
+    actions.addDelete = state.name() == StationState::Open;
+    actions.close = state.hasProject() && !state.isRecording();
+    actions.keepAlive = !state.hasProject() || intervalMs <= longestKeepAliveIntervalMs;
+    actions.refreshDevices = state.isProjectOpen();
+    actions.exit = !state.isRecording();
+    actions.siblings = state.isProjectOpen();
+    actions.expansionMode = state.isProjectOpen();
     return actions;
 }

@@ -1,13 +1,6 @@
 #pragma once
 
-/// What decides which actions an operator may use.
-struct ControllerState
-{
-    bool projectCreated = false; ///< a project has a name; its devices may still be chosen
-    bool projectOpen = false;
-    bool recording = false;
-    int intervalMs = 0;
-};
+#include "app/StationState.h"
 
 /// Which menu entries are enabled.
 struct ActionStates
@@ -21,4 +14,4 @@ struct ActionStates
     bool expansionMode = false;
 };
 
-ActionStates actionStates(const ControllerState &state);
+ActionStates actionStates(const StationState &state, int intervalMs);

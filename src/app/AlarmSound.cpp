@@ -12,10 +12,9 @@ AlarmSound::AlarmSound(QObject *parent, const QString &soundFile) : QObject(pare
 
 AlarmSound::~AlarmSound()
 {
-    // The output reads from the file, which goes first. An owner on its own way out must not hear of it.
+    // An owner on its own way out must not hear of it.
     if (m_audioOutput)
         m_audioOutput->disconnect(this);
-    delete m_audioOutput;
 }
 
 bool AlarmSound::setUp()
@@ -43,9 +42,9 @@ void AlarmSound::stop()
 
 bool AlarmSound::openOutput()
 {
-    m_audioOutput = openAudioOutput(this);
+    m_audioOutput.reset(openAudioOutput(this));
     if (m_audioOutput) {
-        connect(m_audioOutput, &AudioOutput::stateChanged, this, &AlarmSound::stateChanged);
+        connect(m_audioOutput.get(), &AudioOutput::stateChanged, this, &AlarmSound::stateChanged);
         return true;
     }
     qCWarning(lcSound).noquote() << "Raw audio format not supported by backend, cannot play audio.";

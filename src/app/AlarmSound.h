@@ -5,6 +5,7 @@
 #include <QAudio>
 #include <QFile>
 #include <QObject>
+#include <memory>
 
 /// The alarm that sounds, over and over, for as long as any channel is out of its range.
 /// Without a sound device everything but setUp() does nothing.
@@ -36,6 +37,6 @@ private:
     bool openOutput();
     bool openFile();
 
-    AudioOutput *m_audioOutput = nullptr;
     QFile m_audioFile;
+    std::unique_ptr<AudioOutput> m_audioOutput; // reads from the file, so it goes first
 };

@@ -3,11 +3,11 @@
 #include "app/AlarmSound.h"
 #include "app/Logging.h"
 #include "app/MainMenus.h"
+#include "app/PollPhase.h"
 #include "app/StartUp.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
-#include "project/ProjectLock.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"
@@ -16,11 +16,9 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDateTime>
-#include <QMessageBox>
 #include <QTimer>
 #include <QUdpSocket>
 #include <QUuid>
-#include <algorithm>
 #include <utility>
 
 namespace {
@@ -33,6 +31,7 @@ constexpr int checkTimerMs = 1500;
 SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     : QWidget(parent),
       m_form(std::make_unique<Ui::SorvantoMain>()),
+      m_devices(this),
       m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
 {
     buildForm();
@@ -62,7 +61,7 @@ SorvantoMain::~SorvantoMain()
     closeOstrivaneDevices();
     // Some sound backends run the event loop while their output is destroyed, and the sockets report that they are
     // gone; that must not wait for the children's turn, when this window is no longer whole.
-    delete std::exchange(m_alarmSound, nullptr);
+    m_alarmSound.reset();
     qDeleteAll(findChildren<QUdpSocket *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
@@ -102,7 +101,7 @@ void SorvantoMain::connectMenus()
     connect(m_menus->dailyReport, &QAction::triggered, this, &SorvantoMain::slotReportDaily);
     connect(m_menus->fullScreen, &QAction::triggered, this, &SorvantoMain::slotViewFull);
     connect(m_menus->expansionMode, &QAction::triggered, this, &SorvantoMain::slotShowHideItem);
-    refreshActions();
+    enter(StationState::StartScreen);
 }
 
 void SorvantoMain::createTimers()
@@ -120,17 +119,17 @@ void SorvantoMain::createTimers()
     // A reading's time is the poll's, so polls must neither drift nor come early; the clock keeps their pace.
     m_stdTimer->setTimerType(Qt::PreciseTimer);
     m_writeDeviceTimer->setTimerType(Qt::PreciseTimer);
+    m_pollPhase = new PollPhase(m_writeDeviceTimer, this);
+    connect(m_pollPhase, &PollPhase::pollDue, this, &SorvantoMain::writeDevice);
     m_stdTimer->start(stdTimerMs);
     m_checkTimer->start(checkTimerMs);
 }
 
 void SorvantoMain::setUpAlarmSound()
 {
-    m_alarmSound = new AlarmSound(this);
-    connect(m_alarmSound, &AlarmSound::stateChanged, this, &SorvantoMain::handleStateChanged);
-    connect(m_alarmSound, &AlarmSound::setUpFailed, this, [this](const QString &title, const QString &text) {
-        QMessageBox::critical(this, title, text, QMessageBox::Ok);
-    });
+    m_alarmSound = std::make_unique<AlarmSound>(this);
+    connect(m_alarmSound.get(), &AlarmSound::stateChanged, this, &SorvantoMain::handleStateChanged);
+    connect(m_alarmSound.get(), &AlarmSound::setUpFailed, this, &SorvantoMain::showCriticalBox);
     m_alarmSound->setUp();
 }
 
@@ -140,62 +139,25 @@ void SorvantoMain::stopTimers()
         timer->stop();
 }
 
-bool SorvantoMain::isEnding() const
+/// Every change of state goes through here: which actions are on follows from it.
+void SorvantoMain::enter(StationState::Name state)
 {
-    return m_bIsEnding;
+    m_state.become(state);
+    m_menus->setEnabledStates(actionStates(m_state, dataIntervalMs));
 }
 
-bool SorvantoMain::isProjectOpen() const
+void SorvantoMain::setClock(const ConfiguredDevice::Clock &clock)
 {
-    return m_bIsProjectOpen;
-}
-
-bool SorvantoMain::isRecording() const
-{
-    return m_bIsRecordStart;
-}
-
-QList<AvailDevice *> SorvantoMain::availDevices() const
-{
-    return m_availDeviceList;
-}
-
-QList<ConfiguredDevice *> SorvantoMain::configuredDevices() const
-{
-    return m_configuredDevices;
-}
-
-ConfiguredDevice *SorvantoMain::deviceOf(const QString &key) const
-{
-    const auto found = std::find_if(m_configuredDevices.cbegin(), m_configuredDevices.cend(),
-                                    [&key](const ConfiguredDevice *device) { return device->serialNumber() == key; });
-    return found == m_configuredDevices.cend() ? nullptr : *found;
-}
-
-AvailDevice *SorvantoMain::availDeviceOf(const QString &key) const
-{
-    return m_availDeviceIndex.value(key);
-}
-
-AvailDevice *SorvantoMain::addAvailDevice(const QString &key, InterfaceKind kind)
-{
-    auto *record = new AvailDevice{key, {}, defaultDevicePort, kind};
-    m_availDeviceList.append(record);
-    m_availDeviceIndex.insert(key, record);
-    return record;
-}
-
-void SorvantoMain::refreshActions()
-{
-    m_menus->setEnabledStates(
-        actionStates({!m_projectFile.isEmpty(), m_bIsProjectOpen, m_bIsRecordStart, dataIntervalMs}));
+    m_pollPhase->setClock(clock);
+    m_devices.setClock(clock);
 }
 
 void SorvantoMain::writeDevice()
 {
-    if (!m_bIsProjectOpen)
+    if (!isProjectOpen())
         return;
-    for (ConfiguredDevice *device : m_configuredDevices)
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (ConfiguredDevice *device : devices)
         device->pollForRecord();
 }
 
@@ -211,11 +173,12 @@ void SorvantoMain::slotStdTimer()
 
 void SorvantoMain::slotRefreshDevice()
 {
-    if (!m_bIsProjectOpen)
+    if (!isProjectOpen())
         return;
     // A poll opens a closed port by the name it last had, which must be the present one.
     checkConnection();
-    for (ConfiguredDevice *device : m_configuredDevices)
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (ConfiguredDevice *device : devices)
         device->pollForDisplay();
 }
 
@@ -230,29 +193,30 @@ void SorvantoMain::slotKeepAlive(bool on)
 {
     m_settings.keepAlive = on;
     reportUnsavedSettings(m_settings.saveAutoFlags());
-    if (!m_bIsProjectOpen)
+    if (!isProjectOpen())
         return;
-    for (ConfiguredDevice *device : m_configuredDevices)
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (ConfiguredDevice *device : devices)
         device->setKeepConnection(on);
 }
 
 void SorvantoMain::stopRunningRecording()
 {
-    if (m_bIsRecordStart)
+    if (isRecording())
         slotStopRecord();
 }
 
 void SorvantoMain::endProgram()
 {
-    m_bIsEnding = true;
     stopRunningRecording();
+    enter(StationState::Ending);
     close();
     QCoreApplication::exit(0);
 }
 
 void SorvantoMain::closeEvent(QCloseEvent *event)
 {
-    if (m_bIsRecordStart) {
+    if (isRecording()) {
         event->ignore();
         return;
     }

@@ -1,33 +1,33 @@
 #pragma once
 
+#include "app/ProjectClaim.h"
+#include "app/ProjectDevices.h"
+#include "app/ReachableLoggers.h"
 #include "app/StartOptions.h"
-#include "device/AvailDevice.h"
-#include "device/ConfiguredDevice.h"
-#include "device/UsbLoggers.h"
+#include "app/StationState.h"
 #include "project/AppSettings.h"
 
 #include <QAudio>
-#include <QHash>
 #include <QHostAddress>
 #include <QList>
 #include <QPixmap>
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
+#include <functional>
 #include <memory>
-#include <utility>
+#include <optional>
 
 class AlarmSound;
 class InsertSerialData;
 class MainMenus;
+class PollPhase;
 class ProjectCenter;
-class ProjectLock;
 class ProjectMain;
 class ProjectManager;
 class QMenu;
 class QTimer;
 class QUdpSocket;
-struct DeviceEntry;
-struct DiscoveryReply;
 
 namespace Ui {
 class SorvantoMain;
@@ -47,15 +47,18 @@ public:
 
     /// Whether the program is to end: the recording could not be created, or endProgram() was called. An event loop
     /// that is not running yet must not be started any more.
-    bool isEnding() const;
-    bool isProjectOpen() const;
-    bool isRecording() const;
+    bool isEnding() const { return m_state.isEnding(); }
+    bool isProjectOpen() const { return m_state.isProjectOpen(); }
+    bool isRecording() const { return m_state.isRecording(); }
     /// Every logger in reach; the records belong to the controller and change with every scan.
-    QList<AvailDevice *> availDevices() const;
-    QList<ConfiguredDevice *> configuredDevices() const;
+    QList<AvailDevice *> availDevices() const { return m_availDevices.all(); }
+    QList<ConfiguredDevice *> configuredDevices() const { return m_devices.all(); }
 
     /// Asks the network's loggers to announce themselves; answers join availDevices().
     void broadcastDevice();
+
+    /// Replaces the source of the time of polls, for projects opened from then on.
+    void setClock(const ConfiguredDevice::Clock &clock);
 
     /// Stops a running recording so that everything read so far is in the file.
     void stopRunningRecording();
@@ -107,15 +110,10 @@ private:
     void stopTimers();
     void setUpAlarmSound();
     void checkAlarmSound();
-    ConfiguredDevice *deviceOf(const QString &key) const;
-    AvailDevice *availDeviceOf(const QString &key) const;
-    AvailDevice *addAvailDevice(const QString &key, InterfaceKind kind);
-    void refreshActions();
+    void enter(StationState::Name state);
 
     // USB loggers
-    ConfiguredDevice *usbDeviceOf(const QString &key) const;
     void dropVanishedLoggers(const QList<UsbLogger> &found);
-    void mergeUsbLoggers(const QList<UsbLogger> &found);
     void openOstrivaneDevices();
     void openUsbDevicesAnew();
     void openUsbDevice(ConfiguredDevice *device, const AvailDevice &record);
@@ -125,6 +123,7 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
+    bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();
@@ -140,17 +139,15 @@ private:
     void mergeDiscovered(const DiscoveryReply &reply);
 
     // Project flow
-    std::unique_ptr<ProjectLock> lockProject(const QString &path);
-    void adoptDevices(const QList<DeviceEntry> &entries);
-    void adoptConfirmed(const QList<ConfiguredDevice *> &devices);
-    QList<ConfiguredDevice *> unconfirmedDevices();
-    void freeDevices(const QList<ConfiguredDevice *> &devices);
+    std::optional<ProjectClaim> claimProject(const QString &path, const QString &recording);
+    void freeUnconfirmedDevices();
     void openProjectView();
     void leaveProject();
     void closeProject();
     void showProjectName();
     void showInterval();
     void reportUnsavedProject();
+    void reportRefusedDevices(const QStringList &sentences);
 
     // Screens
     void showStartScreen();
@@ -165,40 +162,39 @@ private:
     void openSibling(const QString &program);
     void dropDown(QMenu *menu, const QWidget *button);
     void reportUnsavedSettings(bool saved);
-    /// While the station is built it waits for the window: before that nobody would have the time to read it.
     void showTimedMessage(const QString &title, const QString &text);
+    void showCriticalBox(const QString &title, const QString &text);
+    /// While the station is built it waits for the window: before that nobody would have the time to read it.
+    void tell(const std::function<void()> &show);
 
+    StationState m_state;
     std::unique_ptr<Ui::SorvantoMain> m_form;
     AppSettings m_settings;
     bool m_bSettingsSaved = true;
     QString m_projectName;
-    QString m_projectFile; ///< empty while no project is open or being created
-    std::unique_ptr<ProjectLock> m_projectLock;
-    QList<ConfiguredDevice *> m_configuredDevices;
-    QList<AvailDevice *> m_availDeviceList;
-    QHash<QString, AvailDevice *> m_availDeviceIndex; // of m_availDeviceList, by key
-    QList<AvailDevice *> m_serialDeviceList;          // the USB records of m_availDeviceList
+    QString m_projectFile;
+    ProjectClaim m_claim;
+    ProjectDevices m_devices;
+    ReachableLoggers m_availDevices;
     QStringList m_dashboardNames;
     QString m_databasePath;
     QString m_dbConnectionName;
 
-    bool m_bIsProjectOpen = false;
-    bool m_bIsRecordStart = false;
     bool m_usbPresent = false;
     bool m_usbPresentBefore = false;
-    bool m_bIsEnding = false;
     bool m_bIsBuilt = false;
-    QList<std::pair<QString, QString>> m_messagesOfTheStart; ///< title and text
+    QList<std::function<void()>> m_toldWithTheWindow;
 
     MainMenus *m_menus = nullptr;
     QTimer *m_stdTimer = nullptr;
     QTimer *m_checkTimer = nullptr;
     QTimer *m_writeDeviceTimer = nullptr;
     QTimer *m_writeDbTimer = nullptr;
-    InsertSerialData *m_insertSerialData = nullptr;
-    QUdpSocket *m_sndUdpSocket = nullptr;
-    QUdpSocket *m_rcvUdpSocket = nullptr;
-    AlarmSound *m_alarmSound = nullptr;
+    PollPhase *m_pollPhase = nullptr;
+    std::unique_ptr<InsertSerialData> m_insertSerialData;
+    QPointer<QUdpSocket> m_sndUdpSocket;
+    QPointer<QUdpSocket> m_rcvUdpSocket;
+    std::unique_ptr<AlarmSound> m_alarmSound;
     // The screen in the centre; the others are null.
     ProjectMain *m_projectMain = nullptr;
     ProjectManager *m_projectManager = nullptr;

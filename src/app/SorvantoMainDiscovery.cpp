@@ -44,18 +44,19 @@ void SorvantoMain::broadcastDevice()
     m_sndUdpSocket->disconnectFromHost();
 }
 
-/// The send socket is bound before it is connected: only so can the receive socket share its port afterwards.
+/// The send socket is bound before it is connected: only so can the receive socket share its port afterwards. One that
+/// was bound stays valid where no network leads to the broadcast address; connected it is not.
 bool SorvantoMain::prepareSendSocket(const QHostAddress &local)
 {
     m_sndUdpSocket->bind(local, 0, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
     m_sndUdpSocket->connectToHost(broadcastAddressOf(local), discoveryPort, QIODevice::ReadWrite);
-    return m_sndUdpSocket->isValid();
+    return m_sndUdpSocket->isValid() && m_sndUdpSocket->state() == QAbstractSocket::ConnectedState;
 }
 
 /// Deleted later, because this may run inside a signal of the receive socket.
 void SorvantoMain::closeDiscoverySockets()
 {
-    for (QUdpSocket **member : {&m_rcvUdpSocket, &m_sndUdpSocket}) {
+    for (QPointer<QUdpSocket> *member : {&m_rcvUdpSocket, &m_sndUdpSocket}) {
         QUdpSocket *socket = std::exchange(*member, nullptr);
         if (!socket)
             continue;
@@ -68,15 +69,11 @@ void SorvantoMain::closeDiscoverySockets()
 void SorvantoMain::slotSndUdpSocketDeleted()
 {
     qCDebug(lcApp) << "SorvantoMain::slotSndUdpSocketDeleted";
-    if (sender() == m_sndUdpSocket)
-        m_sndUdpSocket = nullptr;
 }
 
 void SorvantoMain::slotRcvUdpSocketDeleted()
 {
     qCDebug(lcApp) << "SorvantoMain::slotRcvUdpSocketDeleted";
-    if (sender() == m_rcvUdpSocket)
-        m_rcvUdpSocket = nullptr;
 }
 
 void SorvantoMain::readPendingDatagrams()
@@ -97,21 +94,15 @@ void SorvantoMain::readPendingDatagrams()
     // What is left is read at the next turn; a list made anew at each of them would be of no use to anybody.
     if (!m_rcvUdpSocket || !m_rcvUdpSocket->hasPendingDatagrams())
         refreshFoundDevices();
-    qCDebug(lcApp).nospace() << "SorvantoMain::readPendingDatagrams m_availDeviceList size :["
-                             << m_availDeviceList.size() << "]";
+    qCDebug(lcApp).nospace() << "SorvantoMain::readPendingDatagrams m_availDeviceList size :[" << m_availDevices.size()
+                             << "]";
 }
 
 void SorvantoMain::mergeDiscovered(const DiscoveryReply &reply)
 {
-    const auto port = static_cast<quint16>(reply.announcedPort);
     qCDebug(lcApp).noquote() << "ipaddr :" << reply.ipAddress;
     qCDebug(lcApp).noquote() << "macaddr :" << reply.macAddress;
     qCDebug(lcApp) << "usedhcp :" << reply.usesDhcp;
     qCDebug(lcApp) << "portnumber :" << reply.announcedPort;
-
-    AvailDevice *record = availDeviceOf(reply.macAddress);
-    if (!record)
-        record = addAvailDevice(reply.macAddress, NetworkInterface);
-    record->address = reply.ipAddress;
-    record->port = port;
+    m_availDevices.mergeNetwork(reply);
 }

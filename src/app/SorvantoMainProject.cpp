@@ -3,16 +3,16 @@
 #include "app/AlarmSound.h"
 #include "app/Logging.h"
 #include "app/MainMenus.h"
-#include "device/ConfiguredDevice.h"
+#include "app/PollPhase.h"
 #include "device/DataInterval.h"
 #include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
-#include "project/ProjectLock.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
 #include <QAction>
 #include <QFileInfo>
+#include <QTextDocument>
 #include <QTimer>
 
 namespace {
@@ -29,36 +29,34 @@ QString shortened(const QString &folder)
 
 } // namespace
 
-/// The lock on a project that is about to be opened; null, with a message, while another station has it.
-std::unique_ptr<ProjectLock> SorvantoMain::lockProject(const QString &path)
+/// What keeps a project that is about to be opened to this station; nothing, with a message, while another has it.
+std::optional<ProjectClaim> SorvantoMain::claimProject(const QString &path, const QString &recording)
 {
-    if (m_projectLock && m_projectLock->isOn(path))
-        return std::move(m_projectLock);
-    auto lock = std::make_unique<ProjectLock>(path);
-    if (lock->acquire())
-        return lock;
-    showTimedMessage(QStringLiteral("ERROR"), lock->refusal());
-    return nullptr;
+    ProjectClaim claim;
+    if (claim.acquire(path, recording, m_claim))
+        return claim;
+    showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
+    return std::nullopt;
 }
 
 void SorvantoMain::projectCreated(const QString &path)
 {
-    std::unique_ptr<ProjectLock> lock = lockProject(path);
-    if (!lock)
-        return;
     const QString name = QFileInfo(path).baseName();
+    const auto claim = claimProject(path, ProjectFile(path).newDatabasePath(name));
+    if (!claim)
+        return;
     if (!ProjectFile(path).create(name, dataIntervalMs)) {
         reportUnsavedProject();
         return;
     }
     leaveProject();
-    m_projectLock = std::move(lock);
+    m_claim = *claim;
     m_projectFile = path;
     m_projectName = name;
     m_databasePath = ProjectFile(path).databasePath();
     showProjectName();
-    showProjectManager()->setAvailDeviceList(m_availDeviceList);
-    refreshActions();
+    showProjectManager()->setAvailDeviceList(m_availDevices.all());
+    enter(StationState::Creating);
     checkConnection();
     broadcastDevice();
 }
@@ -70,12 +68,12 @@ void SorvantoMain::projectLoaded(const QString &path)
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("There is no device information!"));
         return;
     }
-    std::unique_ptr<ProjectLock> lock = lockProject(path);
-    if (!lock)
+    const auto claim = claimProject(path, ProjectFile(path).databasePath());
+    if (!claim)
         return;
     leaveProject();
-    m_projectLock = std::move(lock);
-    adoptDevices(*entries);
+    m_claim = *claim;
+    m_devices.load(*entries, m_menus->keepAlive->isChecked());
 
     const ProjectFile file(path);
     m_projectFile = path;
@@ -89,14 +87,15 @@ void SorvantoMain::projectLoaded(const QString &path)
 
     showProjectName();
     showInterval();
-    m_bIsProjectOpen = true;
-    refreshActions();
+    enter(StationState::Open);
     openProjectView();
+    reportRefusedDevices(file.refusedDevices());
 }
 
 void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames)
 {
-    adoptConfirmed(devices);
+    freeUnconfirmedDevices();
+    m_devices.adopt(devices);
     m_dashboardNames = dashboardNames;
     closeDiscoverySockets();
     discardScreens();
@@ -105,74 +104,42 @@ void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, 
         reportUnsavedProject();
     showInterval();
     reportUnsavedSettings(m_settings.addRecentProject(m_projectName, m_projectFile));
-    m_bIsProjectOpen = true;
-    refreshActions();
+    enter(StationState::Open);
     openProjectView();
 }
 
-void SorvantoMain::adoptConfirmed(const QList<ConfiguredDevice *> &devices)
+/// Devices that were added by hand but are in no confirmed list.
+void SorvantoMain::freeUnconfirmedDevices()
 {
-    QList<ConfiguredDevice *> leaving = unconfirmedDevices();
-    for (ConfiguredDevice *device : std::as_const(m_configuredDevices)) {
-        if (!devices.contains(device))
-            leaving.append(device);
-    }
-    freeDevices(leaving);
-    m_configuredDevices = devices;
+    if (!m_projectManager)
+        return;
+    const QList<ConfiguredDevice *> devices = m_projectManager->takeUnconfirmedDevices();
     for (ConfiguredDevice *device : devices)
-        device->setParent(this);
-}
-
-QList<ConfiguredDevice *> SorvantoMain::unconfirmedDevices()
-{
-    return m_projectManager ? m_projectManager->takeUnconfirmedDevices() : QList<ConfiguredDevice *>();
-}
-
-void SorvantoMain::freeDevices(const QList<ConfiguredDevice *> &devices)
-{
-    for (ConfiguredDevice *device : devices) {
-        device->detachViews();
-        device->closeDevice();
-        delete device;
-    }
+        OwnedDevice{device}.reset();
 }
 
 void SorvantoMain::slotAddDeviceProject()
 {
-    if (!m_bIsProjectOpen || m_bIsRecordStart)
+    if (m_state.name() != StationState::Open)
         return;
     m_writeDeviceTimer->stop();
     m_alarmSound->stop();
-    m_bIsProjectOpen = false;
+    enter(StationState::Editing);
     deleteInsertSerialData();
-    for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (ConfiguredDevice *device : devices)
         device->detachViews();
     discardScreens();
-    refreshActions();
 
     ProjectManager *manager = showProjectManager();
     manager->setIntervalDisabled(true);
-    manager->setConfiguredDeviceList(m_configuredDevices);
-    manager->setAvailDeviceList(m_availDeviceList);
+    manager->setConfiguredDeviceList(devices);
+    manager->setAvailDeviceList(m_availDevices.all());
     manager->setDashboardNames(m_dashboardNames);
-    for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+    for (ConfiguredDevice *device : devices)
         device->closeDevice();
     checkConnection();
     broadcastDevice();
-}
-
-void SorvantoMain::adoptDevices(const QList<DeviceEntry> &entries)
-{
-    for (const DeviceEntry &entry : entries) {
-        ConfiguredDevice *device = deviceOf(entry.serialNumber);
-        qCDebug(lcApp).noquote() << (device ? "ConfiguredDevice :" : "new ConfiguredDevice :") << entry.serialNumber
-                                 << entry.port;
-        if (!device) {
-            device = new ConfiguredDevice(entry.serialNumber, entry.interfaceKind, this);
-            m_configuredDevices.append(device);
-        }
-        configure(*device, entry, m_menus->keepAlive->isChecked());
-    }
 }
 
 void SorvantoMain::openProjectView()
@@ -184,14 +151,15 @@ void SorvantoMain::openProjectView()
     if (!createInsertSerialData(m_databasePath))
         return;
     m_projectCenter->setDashboardNames(m_dashboardNames);
-    m_projectCenter->setDevices(m_configuredDevices);
+    m_projectCenter->setDevices(m_devices.all());
     showScreen(m_projectCenter);
 
     slotKeepAlive(m_settings.keepAlive);
     openUsbDevicesAnew();
+    // In this order: a second that begins meanwhile is polled once more rather than not at all.
+    m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
     writeDevice();
-    m_writeDeviceTimer->start(qMax(shortestPollMs, dataIntervalMs));
-    if (m_settings.autoRecord)
+    if (m_settings.autoRecord && !isRecordingReadOnly())
         slotToggleRecord();
 }
 
@@ -205,7 +173,7 @@ void SorvantoMain::slotCloseProject()
 /// Makes room for another project; the screen that follows is the caller's.
 void SorvantoMain::leaveProject()
 {
-    if (!m_projectFile.isEmpty())
+    if (m_state.hasProject())
         closeProject();
     discardScreens();
 }
@@ -216,33 +184,41 @@ void SorvantoMain::closeProject()
     closeDiscoverySockets();
     m_writeDeviceTimer->stop();
     m_alarmSound->stop();
-    m_bIsProjectOpen = false;
     m_form->label_projectname->clear();
     m_form->label_interval->clear();
-    if (m_bIsRecordStart)
-        slotStopRecord();
+    stopRunningRecording();
     deleteInsertSerialData();
-    freeDevices(unconfirmedDevices());
-    freeDevices(std::exchange(m_configuredDevices, {}));
+    freeUnconfirmedDevices();
+    m_devices.clear();
     m_projectFile.clear();
-    m_projectLock.reset();
+    m_claim = {};
     m_databasePath.clear();
     dataIntervalMs = defaultDataIntervalMs;
-    refreshActions();
+    enter(StationState::StartScreen);
 }
 
 void SorvantoMain::slotUpdateProjectFile()
 {
-    QList<DeviceEntry> entries;
-    for (const ConfiguredDevice *device : std::as_const(m_configuredDevices))
-        entries.append(entryOf(*device));
-    if (!ProjectFile(m_projectFile).saveDevices(entries))
+    if (!ProjectFile(m_projectFile).saveDevices(m_devices.entries()))
         reportUnsavedProject();
 }
 
 void SorvantoMain::reportUnsavedProject()
 {
     showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the project file."));
+}
+
+/// All of them in the log, one in the window: a file may hold any number.
+void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
+{
+    if (sentences.isEmpty())
+        return;
+    for (const QString &sentence : sentences)
+        qCWarning(lcApp) << "[ERROR] SorvantoMain::projectLoaded :" << sentence;
+    const auto others = sentences.size() - 1;
+    const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
+    // A message takes for markup what looks like it.
+    showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(sentences.first() + more));
 }
 
 void SorvantoMain::showProjectName()

@@ -20,6 +20,9 @@ constexpr int writeDbTimerMs = 1500;
 constexpr int batchOfOneDevice = 8;
 constexpr int batchOfSeveralDevices = 16;
 
+const QString readOnlyReason =
+    QStringLiteral("The recording is write-protected. It can be looked at, but nothing can be recorded.");
+
 QString localTimeText(quint32 unixSeconds)
 {
     if (unixSeconds == 0)
@@ -31,13 +34,12 @@ QString localTimeText(quint32 unixSeconds)
 
 bool SorvantoMain::createInsertSerialData(const QString &path)
 {
-    m_insertSerialData = new InsertSerialData(path, m_dbConnectionName, this);
-    connect(m_insertSerialData, &InsertSerialData::writingFailed, this, &SorvantoMain::slotWritingFailed);
-    connect(m_insertSerialData, &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
+    m_insertSerialData = std::make_unique<InsertSerialData>(path, m_dbConnectionName, this);
+    connect(m_insertSerialData.get(), &InsertSerialData::writingFailed, this, &SorvantoMain::slotWritingFailed);
+    connect(m_insertSerialData.get(), &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
     if (!m_insertSerialData->createConnection()) {
-        delete m_insertSerialData;
-        m_insertSerialData = nullptr;
-        m_bIsEnding = true;
+        m_insertSerialData.reset();
+        enter(StationState::Ending);
         QMessageBox::critical(nullptr, QStringLiteral("ERROR"), QStringLiteral("Create database error!\nExit program."),
                               QMessageBox::Ok);
         close();
@@ -46,9 +48,18 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
     writeRowsLeftOver();
+    if (isRecordingReadOnly()) {
+        m_projectCenter->setRecordingRefused(readOnlyReason);
+        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
+    }
     m_projectCenter->setRecordRange(localTimeText(m_insertSerialData->startDateTime()),
                                     localTimeText(m_insertSerialData->endDateTime()));
     return true;
+}
+
+bool SorvantoMain::isRecordingReadOnly() const
+{
+    return m_insertSerialData && m_insertSerialData->isReadOnly();
 }
 
 void SorvantoMain::deleteInsertSerialData()
@@ -56,13 +67,12 @@ void SorvantoMain::deleteInsertSerialData()
     if (!m_insertSerialData)
         return;
     qCDebug(lcApp) << "SorvantoMain::deleteInsertSerialData()";
-    delete m_insertSerialData;
-    m_insertSerialData = nullptr;
+    m_insertSerialData.reset();
 }
 
 void SorvantoMain::slotToggleRecord()
 {
-    if (m_bIsRecordStart)
+    if (isRecording())
         slotStopRecord();
     else
         slotStartRecord();
@@ -70,10 +80,13 @@ void SorvantoMain::slotToggleRecord()
 
 void SorvantoMain::toggleRecordState(bool on)
 {
-    m_bIsRecordStart = on;
+    if (on)
+        enter(StationState::Recording);
+    else if (isRecording())
+        enter(StationState::Open);
     qCDebug(lcApp) << "SorvantoMain::toggleRecordState : m_bIsRecordStart :" << on;
-    refreshActions();
-    for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (ConfiguredDevice *device : devices)
         device->setRecording(on);
 }
 
@@ -84,6 +97,10 @@ void SorvantoMain::slotStartRecord()
     if (!m_insertSerialData || !m_insertSerialData->isOpen()) {
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Database does not exist."));
         qCDebug(lcApp) << "SorvantoMain::slotStartRecord : [ERROR] Database does not exist";
+        return;
+    }
+    if (isRecordingReadOnly()) {
+        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
         return;
     }
     toggleRecordState(true);
@@ -106,7 +123,8 @@ void SorvantoMain::slotStopRecord()
     quint32 end = 0;
     if (m_insertSerialData && m_insertSerialData->isOpen()) {
         m_insertSerialData->insertNow();
-        for (ConfiguredDevice *device : std::as_const(m_configuredDevices))
+        const QList<ConfiguredDevice *> devices = m_devices.all();
+        for (ConfiguredDevice *device : devices)
             device->insertNoValue();
         m_insertSerialData->insertNow();
         start = m_insertSerialData->startDateTime();
@@ -142,7 +160,7 @@ void SorvantoMain::showRecordRange(quint32 start, quint32 end)
 /// station records they go with the next batch.
 void SorvantoMain::writeRowsLeftOver()
 {
-    if (m_bIsRecordStart || !m_insertSerialData || InsertSerialData::pendingCount() == 0)
+    if (isRecording() || !m_insertSerialData || InsertSerialData::pendingCount() == 0)
         return;
     m_insertSerialData->insertNow();
     if (InsertSerialData::pendingCount() > 0)
@@ -157,7 +175,7 @@ void SorvantoMain::writeDb()
 {
     if (!m_insertSerialData || !m_insertSerialData->isOpen())
         return;
-    const int batch = m_configuredDevices.size() < 2 ? batchOfOneDevice : batchOfSeveralDevices;
+    const int batch = m_devices.size() < 2 ? batchOfOneDevice : batchOfSeveralDevices;
     if (InsertSerialData::pendingCount() >= batch)
         m_insertSerialData->insertNow();
 }
@@ -169,7 +187,7 @@ void SorvantoMain::updateRecordRange(const QString &now)
         if (database.exists())
             m_projectCenter->setDatabaseSize(database.size());
     }
-    if (m_bIsRecordStart)
+    if (isRecording())
         m_projectCenter->setEndTimeText(now);
 }
 

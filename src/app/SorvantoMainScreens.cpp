@@ -32,13 +32,14 @@ ProjectManager *SorvantoMain::showProjectManager()
 void SorvantoMain::refreshFoundDevices()
 {
     if (m_projectManager)
-        m_projectManager->setAvailDeviceList(m_availDeviceList);
+        m_projectManager->setAvailDeviceList(m_availDevices.all());
 }
 
 void SorvantoMain::showScreen(QWidget *screen)
 {
     m_form->centralFrame->layout()->addWidget(screen);
     screen->show();
+    screen->setFocus();
 }
 
 /// Deleted later, because this may run inside one of the screen's signals; until then nothing of it is heard any more.

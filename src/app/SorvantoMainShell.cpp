@@ -5,7 +5,6 @@
 #include "app/Logging.h"
 #include "app/MainMenus.h"
 #include "app/SiblingProgram.h"
-#include "device/ConfiguredDevice.h"
 #include "dialogs/TransientMessage.h"
 #include "project/ProjectFile.h"
 #include "ui_SorvantoMain.h"
@@ -15,7 +14,6 @@
 #include <QFile>
 #include <QMenu>
 #include <QMessageBox>
-#include <algorithm>
 #include <utility>
 
 void SorvantoMain::dropDown(QMenu *menu, const QWidget *button)
@@ -60,7 +58,8 @@ void SorvantoMain::openSibling(const QString &program)
         return;
     }
     // The sibling shall see the range as far as it goes now.
-    if (m_projectCenter && !ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText()))
+    if (m_projectCenter && !isRecordingReadOnly() &&
+        !ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText()))
         reportUnsavedProject();
     const QString line = siblingCommandLine(program, m_projectFile);
     qCDebug(lcApp).noquote() << "cmd :" << line;
@@ -112,12 +111,7 @@ void SorvantoMain::reportUnsavedSettings(bool saved)
 
 void SorvantoMain::checkAlarmSound()
 {
-    const bool alarm =
-        m_bIsProjectOpen &&
-        std::any_of(m_configuredDevices.cbegin(), m_configuredDevices.cend(), [](const ConfiguredDevice *device) {
-            return device->alarmOnChannel1() || device->alarmOnChannel2();
-        });
-    m_alarmSound->setAlarm(alarm);
+    m_alarmSound->setAlarm(isProjectOpen() && m_devices.anyAlarm());
 }
 
 void SorvantoMain::handleStateChanged(QAudio::State state)
@@ -127,15 +121,31 @@ void SorvantoMain::handleStateChanged(QAudio::State state)
 
 void SorvantoMain::showTimedMessage(const QString &title, const QString &text)
 {
+    tell([this, title, text] { showTransientMessage(title, text, this); });
+}
+
+/// Whoever has to answer may not be there for days: nothing but the window waits for the answer.
+void SorvantoMain::showCriticalBox(const QString &title, const QString &text)
+{
+    tell([this, title, text] {
+        auto *box = new QMessageBox(QMessageBox::Critical, title, text, QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setWindowModality(Qt::ApplicationModal);
+        box->show();
+    });
+}
+
+void SorvantoMain::tell(const std::function<void()> &show)
+{
     if (m_bIsBuilt)
-        showTransientMessage(title, text, this);
+        show();
     else
-        m_messagesOfTheStart.append({title, text});
+        m_toldWithTheWindow.append(show);
 }
 
 void SorvantoMain::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    for (const auto &[title, text] : std::exchange(m_messagesOfTheStart, {}))
-        showTimedMessage(title, text);
+    for (const auto &show : std::exchange(m_toldWithTheWindow, {}))
+        show();
 }

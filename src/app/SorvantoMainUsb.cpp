@@ -1,16 +1,14 @@
 #include "app/SorvantoMain.h"
 
 #include "app/Logging.h"
-#include "device/ConfiguredDevice.h"
-
-#include <algorithm>
 
 void SorvantoMain::checkConnection()
 {
     const QList<UsbLogger> found = findUsbLoggers();
     m_usbPresent = !found.isEmpty();
     dropVanishedLoggers(found);
-    mergeUsbLoggers(found);
+    if (m_availDevices.mergeUsb(found))
+        m_usbPresentBefore = false;
 
     if (m_usbPresent != m_usbPresentBefore) {
         if (m_usbPresent)
@@ -27,7 +25,8 @@ void SorvantoMain::checkConnection()
 /// A port that was stored, or seen by an earlier scan, may be another logger's by now: only this scan hands out ports.
 void SorvantoMain::openUsbDevicesAnew()
 {
-    for (ConfiguredDevice *device : std::as_const(m_configuredDevices)) {
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (ConfiguredDevice *device : devices) {
         if (device->interfaceKind() == UsbInterface)
             device->forgetPort();
     }
@@ -35,62 +34,30 @@ void SorvantoMain::openUsbDevicesAnew()
     checkConnection();
 }
 
-/// Loggers are told apart by their serial number: one that is missing is gone even when another came in its place.
 void SorvantoMain::dropVanishedLoggers(const QList<UsbLogger> &found)
 {
-    bool anyVanished = false;
-    for (const AvailDevice *record : std::as_const(m_serialDeviceList)) {
-        const bool present = std::any_of(found.cbegin(), found.cend(), [record](const UsbLogger &logger) {
-            return logger.serialNumber == record->key;
-        });
-        if (present)
-            continue;
-        anyVanished = true;
-        if (ConfiguredDevice *device = usbDeviceOf(record->key)) {
+    const QStringList vanished = m_availDevices.vanished(found);
+    for (const QString &key : vanished) {
+        if (ConfiguredDevice *device = m_devices.findUsb(key))
             device->forgetPort();
-            device->deviceDisconnected();
-        }
     }
-    if (anyVanished)
+    if (!vanished.isEmpty())
         closeSerialDevices();
-}
-
-/// A network device may carry the same key as a USB logger; the watch has no say in it.
-ConfiguredDevice *SorvantoMain::usbDeviceOf(const QString &key) const
-{
-    ConfiguredDevice *device = deviceOf(key);
-    return device && device->interfaceKind() == UsbInterface ? device : nullptr;
-}
-
-void SorvantoMain::mergeUsbLoggers(const QList<UsbLogger> &found)
-{
-    for (const UsbLogger &logger : found) {
-        if (AvailDevice *record = availDeviceOf(logger.serialNumber)) {
-            if (record->address != logger.portName) {
-                record->address = logger.portName;
-                m_usbPresentBefore = false;
-            }
-            continue;
-        }
-        AvailDevice *record = addAvailDevice(logger.serialNumber, UsbInterface);
-        record->address = logger.portName;
-        m_serialDeviceList.append(record);
-        m_usbPresentBefore = false;
-    }
 }
 
 /// Every port is let go before the first is opened: loggers may have changed places.
 void SorvantoMain::openOstrivaneDevices()
 {
-    if (!m_bIsProjectOpen)
+    if (!isProjectOpen())
         return;
     QList<std::pair<ConfiguredDevice *, const AvailDevice *>> present;
-    for (const AvailDevice *record : std::as_const(m_serialDeviceList)) {
-        ConfiguredDevice *device = usbDeviceOf(record->key);
+    const QList<AvailDevice *> records = m_availDevices.usb();
+    for (const AvailDevice *record : records) {
+        ConfiguredDevice *device = m_devices.findUsb(record->key);
         if (!device)
             continue;
         if (device->isOpen())
-            device->closeDevice();
+            device->releasePort();
         present.append({device, record});
     }
     for (const auto &[device, record] : std::as_const(present))
@@ -109,36 +76,26 @@ void SorvantoMain::openUsbDevice(ConfiguredDevice *device, const AvailDevice &re
 /// A quick replug that fell between two scans, or a port that refused its first opening.
 void SorvantoMain::reopenClosedUsbDevices()
 {
-    if (!m_bIsProjectOpen)
+    if (!isProjectOpen())
         return;
-    for (const AvailDevice *record : std::as_const(m_serialDeviceList)) {
-        ConfiguredDevice *device = usbDeviceOf(record->key);
-        if (device && !device->isOpen())
+    const QList<AvailDevice *> records = m_availDevices.usb();
+    for (const AvailDevice *record : records) {
+        ConfiguredDevice *device = m_devices.findUsb(record->key);
+        if (device && !device->isOpen() && !device->opensWithNextPoll())
             openUsbDevice(device, *record);
     }
 }
 
 void SorvantoMain::closeSerialDevices()
 {
-    for (AvailDevice *record : std::as_const(m_serialDeviceList)) {
+    const QList<AvailDevice *> leaving = m_availDevices.usb();
+    for (const AvailDevice *record : leaving)
         qCDebug(lcApp).noquote().nospace()
             << "closeSerialDevices:[" << record->address << "],serial no:[" << record->key << "]";
-        if (!m_availDeviceList.removeOne(record))
-            qCDebug(lcApp).noquote() << "closeSerialDevices() m_availDeviceList.removeOne false :";
-        m_availDeviceIndex.remove(record->key);
-        delete record;
-    }
-    m_serialDeviceList.clear();
+    m_availDevices.removeUsb();
 }
 
 void SorvantoMain::closeOstrivaneDevices()
 {
-    for (AvailDevice *record : std::as_const(m_availDeviceList)) {
-        if (record->kind == UsbInterface && !m_serialDeviceList.removeOne(record))
-            qCDebug(lcApp).noquote() << "closeOstrivaneDevices() m_serialDeviceList.removeOne false :";
-        delete record;
-    }
-    m_availDeviceList.clear();
-    m_availDeviceIndex.clear();
-    m_serialDeviceList.clear();
+    m_availDevices.clear();
 }

@@ -54,6 +54,18 @@ public:
 
     int offset(double seconds) const { return m_constant ? *m_constant : ask(seconds); }
 
+    /// The first second with another offset than @p before has; @p after has one.
+    static double change(double before, double after)
+    {
+        const int offset = ask(before);
+        before = std::floor(before);
+        while (after - before > 1) {
+            const double middle = std::floor((before + after) / 2);
+            (ask(middle) == offset ? before : after) = middle;
+        }
+        return after;
+    }
+
 private:
     static int ask(double seconds)
     {
@@ -68,22 +80,32 @@ double roundUp(double seconds, qint64 step, const LocalTime &local)
 {
     // The first of January 1970 was a Thursday; weeks begin on Mondays.
     const double origin = step % week == 0 ? 4.0 * day : 0;
-    const auto aligned = [&](double from, double offset) {
-        return std::ceil((from + offset - origin) / double(step)) * double(step) + origin - offset;
-    };
+    for (;;) {
+        const int offset = local.offset(seconds);
+        const double aligned = std::ceil((seconds + offset - origin) / double(step)) * double(step) + origin - offset;
+        if (local.offset(aligned) == offset)
+            return aligned;
+        // From the change of the clocks on other moments are round.
+        seconds = LocalTime::change(seconds, aligned);
+    }
+}
+
+/// Whether the local clock, set back since, showed the same less than a step before.
+bool isRepeated(double seconds, qint64 step, const LocalTime &local)
+{
     const int offset = local.offset(seconds);
-    const double candidate = aligned(seconds, offset);
-    // The clocks may have been changed in between.
-    const int offsetThere = local.offset(candidate);
-    return offsetThere == offset ? candidate : aligned(candidate, offsetThere);
+    const int back = local.offset(seconds - double(step)) - offset;
+    return back > 0 && back < step && local.offset(seconds - back) == offset + back;
 }
 
 std::vector<double> everySeconds(const Range &range, qint64 step)
 {
-    const LocalTime local(range);
+    const LocalTime local({range.low - double(step), range.high});
     std::vector<double> ticks;
-    for (double at = roundUp(range.low, step, local); at <= range.high; at = roundUp(at + 1, step, local))
-        ticks.push_back(at);
+    for (double at = roundUp(range.low, step, local); at <= range.high; at = roundUp(at + 1, step, local)) {
+        if (!isRepeated(at, step, local))
+            ticks.push_back(at);
+    }
     return ticks;
 }
 

@@ -12,7 +12,8 @@ class QPainter;
 
 namespace chart {
 
-/// Lines over common x values. Points are joined in the order they came, also where x goes back.
+/// Lines over common x values. Points are joined in the order they came, also where x goes back, unless they lie too
+/// far apart.
 class LineLayer
 {
 public:
@@ -23,6 +24,11 @@ public:
     const std::vector<std::unique_ptr<DataSet>> &dataSets() const;
     const std::vector<double> &xValues() const;
     void setLineWidth(double pixels);
+    /// How far in x, either way, a point may lie from the one before to be joined to it: one number for each point,
+    /// those that are missing at the end are infinite. Of what lies between two points further apart nothing is known.
+    void setLargestSteps(std::vector<double> steps);
+    /// The same for every point.
+    void setLargestStep(double x);
 
     /// The sample whose x is nearest among those within the range; of several the newest. -1: there is none.
     int nearestIndex(double x, const Range &within) const;
@@ -35,6 +41,7 @@ private:
     std::vector<double> m_xValues;
     std::vector<std::unique_ptr<DataSet>> m_dataSets;
     double m_lineWidth = 2;
+    std::vector<double> m_largestSteps; ///< empty: all are joined
 };
 
 } // namespace chart

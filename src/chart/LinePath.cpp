@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace chart {
@@ -95,13 +96,16 @@ class Builder
 public:
     explicit Builder(const LineField &field) : m_field(field) {}
 
-    void add(double xValue, double value)
+    void add(double xValue, double value, double largestStep)
     {
         if (!m_column.holds(xValue)) {
+            if (std::abs(xValue - m_lastX) > largestStep)
+                breakLine();
             endColumn();
             m_column.start(columnAround(xValue));
         }
         m_column.add(xValue, value);
+        m_lastX = xValue;
     }
 
     void breakLine()
@@ -151,6 +155,7 @@ private:
     const LineField &m_field;
     LinePath m_path;
     Column m_column;
+    double m_lastX = 0;
     QPointF m_last;
     bool m_started = false;
     bool m_joined = false; ///< to a point at another place
@@ -162,11 +167,14 @@ LinePath linePath(const std::vector<double> &xs, const std::vector<double> &ys, 
 {
     Builder builder(field);
     const size_t count = std::min(xs.size(), ys.size());
+    const auto largestStep = [&](size_t i) {
+        return field.largestSteps ? field.largestSteps->at(i) : std::numeric_limits<double>::infinity();
+    };
     for (size_t i = 0; i < count; ++i) {
         if (!isValue(xs[i]))
             continue;
         if (isValue(ys[i]))
-            builder.add(xs[i], ys[i]);
+            builder.add(xs[i], ys[i], largestStep(i));
         else
             builder.breakLine();
     }

@@ -24,10 +24,13 @@ struct LineField
     Scale y;
     QRectF visible;    ///< what lies outside is left away
     double column = 1; ///< width of the device's pixels
+    /// In x, of each point from the one before; null: all are joined.
+    const std::vector<double> *largestSteps = nullptr;
 };
 
 /// Joins the points in the order given. A missing value breaks the line, a missing x is passed over. However many
-/// points fall into one column of the device, a few segments show how far they reach.
+/// points fall into one column of the device, a few segments show how far they reach; what lies apart within one column
+/// is not told apart.
 LinePath linePath(const std::vector<double> &xs, const std::vector<double> &ys, const LineField &field);
 
 } // namespace chart

@@ -84,6 +84,14 @@ void QChartViewer::updateDisplay()
     setPixmap(QPixmap::fromImage(m_chart->picture(devicePixelRatioF())));
 }
 
+void QChartViewer::paintEvent(QPaintEvent *event)
+{
+    // Whatever changed the density, the window or its screen, has all of the window painted.
+    if (m_chart && pixmap(Qt::ReturnByValue).devicePixelRatio() != devicePixelRatioF())
+        updateDisplay();
+    QLabel::paintEvent(event);
+}
+
 void QChartViewer::removeDynamicLayer(const QString &eventName)
 {
     const auto is = [&eventName](const char *name) {

@@ -33,7 +33,8 @@ public:
     /// Emits viewPortChanged() and shows the chart, at once or, shortly after the last time, when the update interval
     /// is over. Ignored inside viewPortChanged().
     virtual void updateViewPort(bool chartNeeded, bool imageMapNeeded);
-    /// Shows the chart as it is now, its dynamic layer included.
+    /// Shows the chart as it is now, its dynamic layer included, sharp on the screen that the viewer is on. On a screen
+    /// of another density that happens by itself.
     virtual void updateDisplay();
     /// Clears the dynamic layer "now", or at the next "mouseleaveplotarea" or "mouseleavechart", in any case of
     /// letters.
@@ -75,6 +76,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     /// When the dynamic layer is to go.

@@ -18,6 +18,7 @@ constexpr quint32 textColour = 0xffffff;
 
 constexpr int textPoints = 8;
 constexpr int timeDistance = 6;
+constexpr int blankAboveLetters = 2;
 constexpr int dotRadius = 4;
 constexpr int valueDistance = 5;
 constexpr int captionDistance = 3;
@@ -80,16 +81,21 @@ private:
         const int width = int(text.size().width());
         const int left = std::max(0, std::min(m_x - width / 2, m_chart.size().width() - width));
         const QPointF corner(left, m_plot.bottom() + timeDistance);
-        hideAxisLabels({corner, text.size()});
+        clearAxisLabels({corner, text.size()});
         m_layer.addText(text, corner, Qt::AlignLeft | Qt::AlignTop);
     }
 
-    /// Of a label half covered, the rest would be left to puzzle over.
-    void hideAxisLabels(const QRectF &cover)
+    /// They step below it. Where there is no room they go: of a label half covered, the rest would be left to puzzle
+    /// over.
+    void clearAxisLabels(const QRectF &cover)
     {
-        for (const QRectF &place : m_chart.xLabelPlaces()) {
-            if (place.intersects(cover))
-                m_layer.addBox(place, m_chart.background());
+        for (const DateAxis::Label &label : m_chart.xLabels()) {
+            if (!label.place.intersects(cover))
+                continue;
+            m_layer.addBox(label.place, m_chart.background());
+            const double top = std::min(cover.bottom(), m_chart.size().height() - label.place.height());
+            if (top >= cover.bottom() - blankAboveLetters)
+                m_layer.addText(label.text, {label.place.left(), top}, Qt::AlignLeft | Qt::AlignTop);
         }
     }
 

@@ -142,12 +142,9 @@ std::optional<double> XYChart::nearestXValue(int x) const
     return nearest;
 }
 
-std::vector<QRectF> XYChart::xLabelPlaces() const
+const std::vector<DateAxis::Label> &XYChart::xLabels() const
 {
-    std::vector<QRectF> places;
-    for (const DateAxis::Label &label : layout().dateLabels)
-        places.push_back(label.place);
-    return places;
+    return layout().dateLabels;
 }
 
 const QImage &XYChart::finishedPicture(qreal density)

@@ -42,8 +42,8 @@ public:
     std::optional<int> yCoordinate(double value) const;
     /// The x value of the sample nearest to a coordinate, of those shown; of several the newest.
     std::optional<double> nearestXValue(int x) const;
-    /// Where the labels of the x axis stand.
-    std::vector<QRectF> xLabelPlaces() const;
+    /// The labels of the x axis, from left to right.
+    const std::vector<DateAxis::Label> &xLabels() const;
 
     /// The chart without its dynamic layer, drawn once for each density asked for in a row.
     const QImage &finishedPicture(qreal density);

@@ -2,36 +2,28 @@
 
 #include "device/SerialDevice.h"
 #include "device/TelnetDevice.h"
-#include "store/PendingRow.h"
 
-bool operator==(const AlarmRange &a, const AlarmRange &b)
-{
-    return a.min1 == b.min1 && a.max1 == b.max1 && a.min2 == b.min2 && a.max2 == b.max2;
-}
-
-bool operator!=(const AlarmRange &a, const AlarmRange &b)
-{
-    return !(a == b);
-}
+#include <QPointer>
 
 ConfiguredDevice::ConfiguredDevice(const QString &serialNumber, int interfaceKind, QObject *parent)
     : QObject(parent),
       m_serialNumber(serialNumber),
       m_interfaceKind(interfaceKind),
-      m_clock([] { return QDateTime::currentDateTime(); })
+      m_clock([] { return QDateTime::currentDateTime(); }),
+      m_pollTime(m_clock()),
+      m_pollMs(m_pollTime.toMSecsSinceEpoch()),
+      m_conversation(m_pollMs),
+      m_series(serialNumber)
 {
-    stampPollTime();
-    m_lastRecordedTime = m_pollTime;
-    m_times.fill(noValue);
-    m_history1.fill(noValue);
-    m_history2.fill(noValue);
-
     if (interfaceKind == UsbInterface) {
-        m_link = std::make_unique<SerialDevice>();
+        auto serial = std::make_unique<SerialDevice>();
+        serial->setConversation(&m_conversation);
+        m_link = std::move(serial);
         m_link->connect(SIGNAL(connected()), this, SLOT(deviceConnected()));
         m_link->connect(SIGNAL(disconnected()), this, SLOT(deviceDisconnected()));
     } else {
         auto telnet = std::make_unique<TelnetDevice>();
+        telnet->setConversation(&m_conversation);
         m_telnet = telnet.get();
         m_link = std::move(telnet);
         m_link->connect(SIGNAL(writeStartSync()), this, SLOT(slotWriteStartSync()));
@@ -60,146 +52,150 @@ int ConfiguredDevice::interfaceKind() const
 
 QString ConfiguredDevice::deviceName() const
 {
-    return m_deviceName;
+    return m_settings.name;
 }
 
 QString ConfiguredDevice::ch1Name() const
 {
-    return m_ch1Name;
+    return m_settings.ch1Name;
 }
 
 QString ConfiguredDevice::ch2Name() const
 {
-    return m_ch2Name;
+    return m_settings.ch2Name;
 }
 
 QString ConfiguredDevice::address() const
 {
-    return m_address;
+    return m_settings.address;
 }
 
 quint16 ConfiguredDevice::port() const
 {
-    return m_port;
+    return m_settings.port;
 }
 
 void ConfiguredDevice::setDeviceInfo(const QString &name, const QString &ch1Name, const QString &ch2Name,
                                      const QString &address, quint16 port)
 {
-    m_deviceName = name;
-    m_ch1Name = ch1Name;
-    m_ch2Name = ch2Name;
+    m_settings.name = name;
+    m_settings.ch1Name = ch1Name;
+    m_settings.ch2Name = ch2Name;
     // A link that has forgotten an unplugged logger's port must not get it back because the logger was renamed.
-    if (address == m_address && port == m_port)
+    const bool isForgotten = m_isPortForgotten && address == m_settings.address;
+    const bool isChanged = address != m_settings.address || port != m_settings.port;
+    m_settings.address = address;
+    m_settings.port = port;
+    if (isForgotten || !isChanged)
         return;
-    m_address = address;
-    m_port = port;
+    m_isPortForgotten = false;
     m_link->setDeviceInfo(address, port);
 }
 
 int ConfiguredDevice::ch1Unit() const
 {
-    return m_ch1Unit;
+    return m_settings.ch1Unit;
 }
 
 int ConfiguredDevice::ch2Unit() const
 {
-    return m_ch2Unit;
+    return m_settings.ch2Unit;
 }
 
 void ConfiguredDevice::setUnits(int unit1, int unit2)
 {
-    m_ch1Unit = unit1;
-    m_ch2Unit = unit2;
+    m_settings.ch1Unit = unit1;
+    m_settings.ch2Unit = unit2;
 }
 
 QString ConfiguredDevice::ch1CustomUnit() const
 {
-    return m_ch1CustomUnit;
+    return m_settings.ch1CustomUnit;
 }
 
 QString ConfiguredDevice::ch2CustomUnit() const
 {
-    return m_ch2CustomUnit;
+    return m_settings.ch2CustomUnit;
 }
 
 void ConfiguredDevice::setCustomUnits(const QString &text1, const QString &text2)
 {
-    m_ch1CustomUnit = text1;
-    m_ch2CustomUnit = text2;
+    m_settings.ch1CustomUnit = text1;
+    m_settings.ch2CustomUnit = text2;
 }
 
 AlarmRange ConfiguredDevice::alarmRange() const
 {
-    return m_alarmRange;
+    return m_settings.alarm.range;
 }
 
 void ConfiguredDevice::setAlarmRange(float min1, float max1, float min2, float max2)
 {
-    m_alarmRange = {min1, max1, min2, max2};
+    m_settings.alarm.range = {min1, max1, min2, max2};
 }
 
 QString ConfiguredDevice::buzzerAlarm() const
 {
-    return m_buzzerAlarm;
+    return m_settings.alarm.buzzerRule;
 }
 
 void ConfiguredDevice::setBuzzerAlarm(const QString &rule)
 {
-    m_buzzerAlarm = rule;
+    m_settings.alarm.buzzerRule = rule;
 }
 
 AlarmRange ConfiguredDevice::pendingAlarmRange() const
 {
-    return m_pendingAlarmRange;
+    return m_settings.pendingAlarm.range;
 }
 
 void ConfiguredDevice::setPendingAlarmRange(float min1, float max1, float min2, float max2)
 {
-    m_pendingAlarmRange = {min1, max1, min2, max2};
+    m_settings.pendingAlarm.range = {min1, max1, min2, max2};
 }
 
 QString ConfiguredDevice::pendingBuzzerAlarm() const
 {
-    return m_pendingBuzzerAlarm;
+    return m_settings.pendingAlarm.buzzerRule;
 }
 
 void ConfiguredDevice::setPendingBuzzerAlarm(const QString &rule)
 {
-    m_pendingBuzzerAlarm = rule;
+    m_settings.pendingAlarm.buzzerRule = rule;
 }
 
 void ConfiguredDevice::applyPendingSettings()
 {
-    m_alarmRange = m_pendingAlarmRange;
-    m_buzzerAlarm = m_pendingBuzzerAlarm;
+    m_settings.alarm = m_settings.pendingAlarm;
 }
 
 int ConfiguredDevice::dashboardNumber() const
 {
-    return m_dashboardNumber;
+    return m_settings.dashboardNumber;
 }
 
 void ConfiguredDevice::setDashboardNumber(int number)
 {
-    m_dashboardNumber = number;
+    m_settings.dashboardNumber = number;
 }
 
 bool ConfiguredDevice::keepConnection() const
 {
-    return m_keepConnection;
+    return m_settings.keepConnection;
 }
 
 void ConfiguredDevice::setKeepConnection(bool keep)
 {
     if (m_interfaceKind != NetworkInterface)
         return;
-    m_keepConnection = keep;
+    m_settings.keepConnection = keep;
     m_telnet->setKeepConnection(keep);
 }
 
 void ConfiguredDevice::setRecording(bool recording)
 {
+    m_conversation.settle();
+    recordAnswered();
     m_recording = recording;
 }
 
@@ -210,42 +206,46 @@ bool ConfiguredDevice::isRecording() const
 
 void ConfiguredDevice::setListItem(ListEntry *entry)
 {
-    m_listItem = entry;
-    if (entry)
-        entry->setConnectionState(false);
+    m_views.setListItem(entry);
 }
 
 void ConfiguredDevice::setChartView(LiveChart *chart)
 {
-    m_chartView = chart;
+    m_views.setChart(chart);
 }
 
 void ConfiguredDevice::setTiles(ChannelTile *channel1, ChannelTile *channel2)
 {
-    m_tile1 = channel1;
-    m_tile2 = channel2;
+    m_views.setTiles(channel1, channel2);
 }
 
 void ConfiguredDevice::detachViews()
 {
-    m_listItem = nullptr;
-    m_chartView = nullptr;
-    m_tile1 = nullptr;
-    m_tile2 = nullptr;
+    m_views.detach();
 }
 
 bool ConfiguredDevice::openDevice()
 {
     if (m_interfaceKind == NoInterface)
         return false;
-    m_link->setDeviceInfo(m_address, m_port);
-    return m_link->open();
+    m_isPortForgotten = false;
+    m_opensWithNextPoll = false;
+    m_link->setDeviceInfo(m_settings.address, m_settings.port);
+    const QPointer<ConfiguredDevice> self(this);
+    const bool isOpening = m_link->open();
+    if (self && isOpening)
+        askPostponedPoll();
+    return isOpening;
 }
 
 void ConfiguredDevice::closeDevice()
 {
-    m_owedReplyTimer.stop(); // what waits for it would open the link again
+    m_postponedPoll.reset();
+    m_opensWithNextPoll = false;
     m_link->close();
+    // Also ends what would open the link again.
+    if (m_connected || m_exchange.isRunning())
+        deviceDisconnected();
 }
 
 bool ConfiguredDevice::isOpen() const
@@ -253,8 +253,25 @@ bool ConfiguredDevice::isOpen() const
     return m_link->isOpen();
 }
 
+void ConfiguredDevice::releasePort()
+{
+    m_conversation.settle();
+    recordAnswered();
+    m_postponedPoll = m_conversation.unansweredRecordPoll();
+    m_link->close();
+}
+
+bool ConfiguredDevice::opensWithNextPoll() const
+{
+    return m_opensWithNextPoll;
+}
+
 void ConfiguredDevice::forgetPort()
 {
+    const QPointer<ConfiguredDevice> self(this);
     closeDevice();
-    m_link->setDeviceInfo({}, m_port);
+    if (!self)
+        return;
+    m_isPortForgotten = true;
+    m_link->setDeviceInfo({}, m_settings.port);
 }

@@ -1,7 +1,12 @@
 #pragma once
 
-#include "device/AvailDevice.h"
-#include "device/DeviceViews.h"
+#include "device/AlarmExchange.h"
+#include "device/AttachedViews.h"
+#include "device/ChannelAlarms.h"
+#include "device/ChannelHistory.h"
+#include "device/DeviceSettings.h"
+#include "device/LoggerConversation.h"
+#include "device/RecordedSeries.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -13,18 +18,8 @@ class AbstractDevice;
 class TelnetDevice;
 struct Reading;
 
-/// The range within which a channel is silent, both channels; a channel whose minimum equals its maximum never alarms.
-struct AlarmRange
-{
-    float min1 = 0;
-    float max1 = 0;
-    float min2 = 0;
-    float max2 = 0;
-};
-bool operator==(const AlarmRange &a, const AlarmRange &b);
-bool operator!=(const AlarmRange &a, const AlarmRange &b);
-
-/// One logger of the open project: its settings, its link, its newest readings, history and alarms.
+/// One logger of the open project: joins its settings, its link, its newest readings with their history and alarms, its
+/// part of the recording and the exchange of alarm settings with it.
 class ConfiguredDevice : public QObject
 {
     Q_OBJECT
@@ -81,12 +76,19 @@ public:
     void setTiles(ChannelTile *channel1, ChannelTile *channel2);
     void detachViews();
 
+    /// Opens the link at the configured address; a reading that releasePort() has cut short is asked for again.
     bool openDevice();
+    /// Closes the link and shows the logger as disconnected.
     void closeDevice();
     bool isOpen() const;
+    /// Closes the link for the moment until openDevice(): what is known of the logger stays.
+    void releasePort();
     /// Closes the link and leaves it nothing to open until openDevice(): the port of a logger that was unplugged may be
     /// another logger's by now. The configured address stays as it is.
     void forgetPort();
+
+    /// Whether a USB logger that gave no more answers has its port closed until it is polled the next time.
+    bool opensWithNextPoll() const;
 
     /// Refreshes the newest value without recording it; reopens a closed serial link.
     void pollForDisplay();
@@ -101,9 +103,12 @@ public:
     bool alarmOnChannel2() const;
     /// Times are chartTime2() values; noValue where there is no sample yet.
     void history(History &times, History &channel1, History &channel2) const;
+    /// The data interval that was in force at each of these samples, in milliseconds.
+    const History &historyIntervals() const;
     /// Judges the values shown against the range in force, after that range was changed.
     void checkAlarmAll();
-    /// Queues a row without values one second after the last recorded one, so that a chart shows a gap.
+    /// Queues a row without values one second after the last recorded one, so that a chart shows a gap; nothing when
+    /// there is no reading since the last such row.
     void insertNoValue();
 
     /// Starts writing the pending range and rule into a network logger; polls rest until it has ended. A reply that the
@@ -130,74 +135,55 @@ public slots:
     void slotWriteStartSync();
 
 private:
-    /// Which command of the exchange is waiting for its acknowledgement.
-    enum class Exchange { Idle = 0, Started = 1, Max1Sent = 3, Min2Sent = 4, Max2Sent = 5, RuleSent = 6, SetSent = 7 };
-
     bool restsFromPolling() const;
-    bool sendPoll();
+    bool sendPoll(const LoggerConversation::Poll &poll);
+    void askPostponedPoll();
+    bool openLinkForPoll();
     void countMissedReply();
+    void giveUpSilentLink(int missedLimit);
     void stampPollTime();
 
-    void takeReading(const Reading &reading);
+    void takeReadings(const QString &text);
+    void showReading(const Reading &reading);
+    void recordAnswered();
     void judgeAlarms(double value1, double value2);
-    void addToHistory(double time, double value1, double value2);
-    void pushReading();
-    void record(double value1, double value2);
 
     void beginExchange();
     void beginExchangeIfNothingIsOwed();
+    void takeExchangeText(QString text);
     void takeExchangeReply(const QString &reply);
-    bool sendNextCommand();
-    bool sendRule();
-    bool sendCommand(const QString &command);
+    bool sendExchangeCommand();
     void endExchange(const std::function<void()> &report, const char *logText, const QString &reply);
     void releaseLinkFromExchange();
     bool closesAfterExchange() const;
 
-    bool m_connected = false;
-    bool m_recording = false;
-    bool m_displayPollOutstanding = false;
-    bool m_alarm1 = false;
-    bool m_alarm2 = false;
-    bool m_keepConnection = false;
-    QString m_ch1Value;
-    QString m_ch2Value;
-    QString m_deviceName;
-    QString m_ch1Name;
-    QString m_ch2Name;
     const QString m_serialNumber;
-    QString m_address;
-    quint16 m_port = defaultDevicePort;
     const int m_interfaceKind;
-    QString m_ch1CustomUnit;
-    QString m_ch2CustomUnit;
-    qint32 m_ch1Unit = 0;
-    qint32 m_ch2Unit = 0;
-    AlarmRange m_alarmRange;
-    QString m_buzzerAlarm = QStringLiteral("OFF");
-    AlarmRange m_pendingAlarmRange;
-    QString m_pendingBuzzerAlarm = QStringLiteral("OFF");
-    int m_dashboardNumber = 0;
+    DeviceSettings m_settings;
 
     Clock m_clock;
-    QDateTime m_lastRecordedTime;
     QDateTime m_pollTime;
     qint64 m_pollMs = 0; ///< m_pollTime since the epoch; time zones make that conversion too dear for every reading
 
-    int m_missedReplies = 0;
-    int m_unansweredPolls = 0; ///< on the connection that stands
-    History m_times;
-    History m_history1;
-    History m_history2;
-
-    ListEntry *m_listItem = nullptr;
-    LiveChart *m_chartView = nullptr;
-    ChannelTile *m_tile1 = nullptr;
-    ChannelTile *m_tile2 = nullptr;
-
+    LoggerConversation m_conversation;
+    /// To be sent when the link is free for it again.
+    std::optional<LoggerConversation::Poll> m_postponedPoll;
     std::unique_ptr<AbstractDevice> m_link;
     TelnetDevice *m_telnet = nullptr; ///< the link, where it is a network link
-    Exchange m_exchange = Exchange::Idle;
-    int m_exchangeNumber = 0;
+    bool m_connected = false;
+    int m_missedReplies = 0;
+    int m_unansweredPolls = 0; ///< on the connection that stands
+    bool m_opensWithNextPoll = false;
+    bool m_isPortForgotten = false;
+
+    QString m_ch1Value;
+    QString m_ch2Value;
+    ChannelHistory m_history;
+    ChannelAlarms m_alarms;
+    AttachedViews m_views;
+    bool m_recording = false;
+    RecordedSeries m_series;
+
+    AlarmExchange m_exchange;
     QTimer m_owedReplyTimer; ///< runs while a started exchange lets an earlier reply come in first
 };

@@ -14,21 +14,14 @@ namespace {
 /// Leaves the exchange half of the two seconds that the operator is made to wait at most.
 constexpr int owedReplyMs = 1000;
 
-QString limitCommand(const char *name, float limit)
-{
-    return QLatin1String(name) + QLatin1Char(' ') + QString::number(static_cast<double>(limit), 'f', 2) +
-           QLatin1String("\r\n");
-}
-
 } // namespace
 
 void ConfiguredDevice::startSyncTelnet()
 {
     if (m_interfaceKind != NetworkInterface)
         return;
-    ++m_exchangeNumber;
-    m_exchange = Exchange::Started;
-    if (!m_telnet->owesReply()) {
+    m_exchange.start();
+    if (!m_conversation.owesReply()) {
         beginExchange();
         return;
     }
@@ -41,6 +34,9 @@ void ConfiguredDevice::beginExchange()
 {
     logDevice() << "- ConfiguredDevice::startSyncTelnet() : set buzzerflag true";
     m_owedReplyTimer.stop();
+    // A poll whose connection is still being made would be sent no more.
+    if (const auto due = m_conversation.takeDueRecordPoll())
+        m_postponedPoll = due;
     m_telnet->setBuzzerFlag(true);
     if (dataIntervalMs <= 1000)
         m_telnet->write();
@@ -50,10 +46,8 @@ void ConfiguredDevice::beginExchange()
 
 void ConfiguredDevice::slotWriteStartSync()
 {
-    if (m_interfaceKind != NetworkInterface || m_exchange != Exchange::Started)
-        return;
-    if (!sendCommand(limitCommand("ATBMIN1", m_pendingAlarmRange.min1)))
-        m_exchange = Exchange::Idle;
+    if (m_interfaceKind == NetworkInterface && m_exchange.isAtFirstCommand() && !sendExchangeCommand())
+        m_exchange.stop();
 }
 
 void ConfiguredDevice::stopSyncTelnet()
@@ -61,78 +55,65 @@ void ConfiguredDevice::stopSyncTelnet()
     if (m_interfaceKind != NetworkInterface)
         return;
     logDevice() << "- ConfiguredDevice::stopSyncTelnet() : set buzzerflag false";
-    m_exchange = Exchange::Idle;
+    m_exchange.stop();
     m_owedReplyTimer.stop();
-    m_telnet->setBuzzerFlag(false);
-    if (closesAfterExchange())
-        m_telnet->close();
+    releaseLinkFromExchange();
 }
 
 void ConfiguredDevice::beginExchangeIfNothingIsOwed()
 {
     // From the event loop: the link, inside its socket's notification, may just have closed the connection.
-    if (m_owedReplyTimer.isActive() && !m_telnet->owesReply())
+    if (m_owedReplyTimer.isActive() && !m_conversation.owesReply())
         m_owedReplyTimer.start(0);
 }
 
 bool ConfiguredDevice::isExchangeRunning() const
 {
-    return m_exchange != Exchange::Idle;
+    return m_exchange.isRunning();
 }
 
 int ConfiguredDevice::exchangeNumber() const
 {
-    return m_exchangeNumber;
+    return m_exchange.number();
+}
+
+/// What was asked before the exchange is answered before it, however late: that is a reading, not an acknowledgement.
+void ConfiguredDevice::takeExchangeText(QString text)
+{
+    const QPointer<ConfiguredDevice> self(this);
+    while (m_conversation.isAnyPollUnanswered() && text.startsWith(QLatin1String("ATDC"))) {
+        QString reading = text.section(QLatin1Char('\n'), 0, 0);
+        text.remove(0, reading.size() + 1);
+        takeReadings(reading.remove(QLatin1Char(' ')).remove(QLatin1String("ATDC")));
+        if (!self || text.isEmpty())
+            return;
+    }
+    takeExchangeReply(text.remove(QLatin1Char('\n')));
 }
 
 void ConfiguredDevice::takeExchangeReply(const QString &reply)
 {
-    if (reply != QLatin1String("OK")) {
+    switch (m_exchange.takeReply(reply)) {
+    case AlarmExchange::Progress::Refused:
         endExchange([this] { emit buzzerSyncError(QStringLiteral("Device Setup Failed.")); },
                     "[ERROR] - ConfiguredDevice::readData() : NOT OK", reply);
-    } else if (m_exchange == Exchange::SetSent) {
+        break;
+    case AlarmExchange::Progress::Done:
         endExchange([this] { emit buzzerSyncSuccess(); }, "- ConfiguredDevice::readData() : STATE_END", reply);
-    } else if (!sendNextCommand()) {
-        endExchange([this] { emit buzzerSyncError(QStringLiteral("Device communication failure.")); },
-                    "[ERROR] - ConfiguredDevice::readData() : STATE_ERROR OK", reply);
-    }
-}
-
-bool ConfiguredDevice::sendNextCommand()
-{
-    const AlarmRange &range = m_pendingAlarmRange;
-    switch (m_exchange) {
-    case Exchange::Started:
-        m_exchange = Exchange::Max1Sent;
-        return sendCommand(limitCommand("ATBMAX1", range.max1));
-    case Exchange::Max1Sent:
-        m_exchange = Exchange::Min2Sent;
-        return sendCommand(limitCommand("ATBMIN2", range.min2));
-    case Exchange::Min2Sent:
-        m_exchange = Exchange::Max2Sent;
-        return sendCommand(limitCommand("ATBMAX2", range.max2));
-    case Exchange::Max2Sent:
-        m_exchange = Exchange::RuleSent;
-        return sendRule();
-    case Exchange::RuleSent:
-        m_exchange = Exchange::SetSent;
-        return sendCommand(QStringLiteral("ATBSET\r\n"));
-    case Exchange::Idle:
-    case Exchange::SetSent:
+        break;
+    case AlarmExchange::Progress::NextCommand:
+        if (!sendExchangeCommand())
+            endExchange([this] { emit buzzerSyncError(QStringLiteral("Device communication failure.")); },
+                        "[ERROR] - ConfiguredDevice::readData() : STATE_ERROR OK", reply);
         break;
     }
-    return true;
 }
 
-bool ConfiguredDevice::sendRule()
+bool ConfiguredDevice::sendExchangeCommand()
 {
-    const QString command = QStringLiteral("ATBAL %1\r\n").arg(m_pendingBuzzerAlarm);
-    logDevice() << "[DEBUG] - ConfiguredDevice : szCommand : " << command << " [" << m_serialNumber << "]";
-    return sendCommand(command);
-}
-
-bool ConfiguredDevice::sendCommand(const QString &command)
-{
+    const QString command = m_exchange.command(m_settings.pendingAlarm);
+    if (m_exchange.isAtRule())
+        logDevice() << "[DEBUG] - ConfiguredDevice : szCommand : " << command << " [" << m_serialNumber << "]";
     return m_telnet->writeCommand(command.toLatin1()) >= 1;
 }
 
@@ -140,7 +121,7 @@ void ConfiguredDevice::endExchange(const std::function<void()> &report, const ch
 {
     const QPointer<ConfiguredDevice> self(this);
     const QString serialNumber = m_serialNumber;
-    m_exchange = Exchange::Idle;
+    m_exchange.stop();
     report();
     // Whoever heard the report may have deleted this device, and its link with it.
     if (self)
@@ -153,9 +134,10 @@ void ConfiguredDevice::releaseLinkFromExchange()
     if (closesAfterExchange())
         m_telnet->close();
     m_telnet->setBuzzerFlag(false);
+    askPostponedPoll();
 }
 
 bool ConfiguredDevice::closesAfterExchange() const
 {
-    return dataIntervalMs > 1000 && !m_keepConnection;
+    return dataIntervalMs > 1000 && !m_settings.keepConnection;
 }

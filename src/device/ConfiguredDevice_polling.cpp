@@ -1,36 +1,15 @@
 #include "device/ConfiguredDevice.h"
 
-#include "device/AbstractDevice.h"
 #include "device/ChartTime.h"
 #include "device/DataInterval.h"
 #include "device/Logging.h"
 #include "device/ReplyParser.h"
-#include "store/InsertSerialData.h"
+#include "device/TelnetDevice.h"
 
 #include <QPointer>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
+#include <utility>
 
 namespace {
-
-/// Limits are kept as floats: a value that rounds to its limit is still within range.
-bool isOutside(double value, float min, float max)
-{
-    if (isNoValue(value) || min == max)
-        return false;
-    if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max()))
-        return true;
-    const float rounded = static_cast<float>(value);
-    return min > rounded || rounded > max;
-}
-
-void shiftIn(History &history, double newest)
-{
-    std::copy(history.begin() + 1, history.end(), history.begin());
-    history.back() = newest;
-}
 
 double shownValue(const QString &text)
 {
@@ -57,141 +36,148 @@ void ConfiguredDevice::stampPollTime()
 
 void ConfiguredDevice::pollForDisplay()
 {
-    if (restsFromPolling())
+    if (restsFromPolling() || !openLinkForPoll() || !sendPoll({false, m_clock().toMSecsSinceEpoch()}))
         return;
-    m_displayPollOutstanding = true;
-    if (!sendPoll())
-        return;
-    if (m_interfaceKind == NetworkInterface)
-        countMissedReply();
-    else if (m_interfaceKind == UsbInterface && !m_link->isOpen())
+    if (m_interfaceKind == UsbInterface && !m_link->isOpen())
         m_link->open();
+    else
+        countMissedReply();
 }
 
 void ConfiguredDevice::pollForRecord()
 {
-    if (restsFromPolling())
+    if (restsFromPolling() || !openLinkForPoll())
         return;
     stampPollTime();
-    if (sendPoll() && m_interfaceKind == NetworkInterface)
+    if (sendPoll({true, m_pollMs}))
         countMissedReply();
-}
-
-/// False when a view had this device deleted on hearing that the link has failed.
-bool ConfiguredDevice::sendPoll()
-{
-    const QPointer<ConfiguredDevice> self(this);
-    m_link->write();
-    return self;
 }
 
 bool ConfiguredDevice::restsFromPolling() const
 {
-    return m_interfaceKind == NoInterface || m_exchange != Exchange::Idle;
+    return m_interfaceKind == NoInterface || m_exchange.isRunning();
+}
+
+/// Gives a USB logger that had stopped to answer another chance. Like sendPoll() false when a view had this device
+/// deleted on hearing that the link has failed.
+bool ConfiguredDevice::openLinkForPoll()
+{
+    const QPointer<ConfiguredDevice> self(this);
+    if (std::exchange(m_opensWithNextPoll, false))
+        m_link->open();
+    return self;
+}
+
+bool ConfiguredDevice::sendPoll(const LoggerConversation::Poll &poll)
+{
+    m_conversation.ask(poll);
+    recordAnswered();
+    const QPointer<ConfiguredDevice> self(this);
+    m_link->write();
+    if (!self)
+        return false;
+    // While the link is kept for an exchange it sends nothing else.
+    if (poll.isForRecord && m_telnet && m_telnet->buzzerFlag())
+        m_postponedPoll = m_conversation.takeDueRecordPoll();
+    m_conversation.forgetPollNotSent();
+    return true;
+}
+
+void ConfiguredDevice::askPostponedPoll()
+{
+    if (const auto poll = std::exchange(m_postponedPoll, std::nullopt))
+        sendPoll(*poll);
 }
 
 void ConfiguredDevice::countMissedReply()
 {
     const int limit = dataIntervalMs <= 1000 ? 5 : 2;
     m_unansweredPolls = m_link->isOpen() ? m_unansweredPolls + 1 : 0;
-    if (++m_missedReplies <= limit)
-        return;
-    m_missedReplies = limit;
-    // A connection to a logger that has vanished looks alive for minutes. It is given up when the device goes from
-    // connected to disconnected, later only after it has had its own chance to answer: closing it on every poll would
-    // cut short each attempt to reach the logger again.
-    const bool givesUp = m_link->isOpen() && (m_connected || m_unansweredPolls > limit);
+    if (m_interfaceKind == UsbInterface && !m_link->isOpen())
+        return; // that was reported at once
+    if (++m_missedReplies > limit)
+        giveUpSilentLink(limit);
+}
+
+/// A connection to a logger that has vanished looks alive for minutes, and the port of one that hangs for ever. It is
+/// given up when the device goes from connected to disconnected, later only after it has had its own chance to answer:
+/// closing it on every poll would cut short each attempt to reach the logger again.
+void ConfiguredDevice::giveUpSilentLink(int missedLimit)
+{
+    m_missedReplies = missedLimit;
+    const bool givesUp = m_link->isOpen() && (m_connected || m_unansweredPolls > missedLimit);
     const QPointer<ConfiguredDevice> self(this);
     deviceDisconnected();
-    if (self && givesUp) {
-        m_unansweredPolls = 0;
-        m_link->close();
-    }
+    if (!self || !givesUp)
+        return;
+    m_unansweredPolls = 0;
+    m_link->close();
+    m_opensWithNextPoll = m_interfaceKind == UsbInterface;
 }
 
 void ConfiguredDevice::readData(const QString &text)
 {
-    if (m_interfaceKind == NetworkInterface && m_exchange != Exchange::Idle && !m_owedReplyTimer.isActive()) {
-        takeExchangeReply(QString(text).remove(QLatin1Char('\n')));
+    if (m_interfaceKind == NetworkInterface && m_exchange.isRunning() && !m_owedReplyTimer.isActive()) {
+        takeExchangeText(text);
         return;
     }
+    const QPointer<ConfiguredDevice> self(this);
+    takeReadings(text);
+    if (self)
+        beginExchangeIfNothingIsOwed();
+}
+
+/// Recorded first: what has arrived is kept, whatever the views do about it.
+void ConfiguredDevice::takeReadings(const QString &text)
+{
     m_missedReplies = 0;
     m_unansweredPolls = 0;
     const QVector<Reading> readings = parseReply(text);
+    m_conversation.answer(readings);
+    recordAnswered();
     const QPointer<ConfiguredDevice> self(this);
     deviceConnected();
     for (const Reading &reading : readings) {
         if (!self)
             return;
-        takeReading(reading);
+        showReading(reading);
     }
-    if (self)
-        beginExchangeIfNothingIsOwed();
 }
 
-void ConfiguredDevice::takeReading(const Reading &reading)
+void ConfiguredDevice::recordAnswered()
+{
+    const auto readings = m_conversation.takeRecorded();
+    for (const LoggerConversation::RecordedReading &reading : readings) {
+        if (m_recording)
+            m_series.add(reading.timeMs, reading.value1, reading.value2);
+    }
+}
+
+void ConfiguredDevice::showReading(const Reading &reading)
 {
     const double value1 = reading.channel1.value;
     const double value2 = reading.channel2.value;
-    m_ch1Value = reading.channel1.text;
-    m_ch2Value = reading.channel2.text;
+    m_ch1Value = reading.channel1.text();
+    m_ch2Value = reading.channel2.text();
     judgeAlarms(value1, value2);
     const qint64 seconds = m_pollMs / 1000;
-    addToHistory(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2);
-
-    const QPointer<ConfiguredDevice> self(this);
-    pushReading();
-    if (!self)
-        return;
-    if (m_recording && !m_displayPollOutstanding)
-        record(value1, value2);
-    m_displayPollOutstanding = false;
+    m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2, dataIntervalMs);
+    m_views.showReading(m_history, m_ch1Value, m_ch2Value);
 }
 
 void ConfiguredDevice::judgeAlarms(double value1, double value2)
 {
-    m_alarm1 = isOutside(value1, m_alarmRange.min1, m_alarmRange.max1);
-    if (m_alarm1)
+    m_alarms.judge(m_settings.alarm.range, value1, value2);
+    if (m_alarms.isOnChannel1())
         logDevice() << "- ConfiguredDevice::setCheckAlarmSet1() : " << m_serialNumber;
-    m_alarm2 = isOutside(value2, m_alarmRange.min2, m_alarmRange.max2);
-    if (m_alarm2)
+    if (m_alarms.isOnChannel2())
         logDevice() << "- ConfiguredDevice::setCheckAlarmSet2() : " << m_serialNumber;
-}
-
-void ConfiguredDevice::addToHistory(double time, double value1, double value2)
-{
-    if (m_times.back() == time) {
-        m_history1.back() = value1;
-        m_history2.back() = value2;
-        return;
-    }
-    shiftIn(m_times, time);
-    shiftIn(m_history1, value1);
-    shiftIn(m_history2, value2);
-}
-
-void ConfiguredDevice::pushReading()
-{
-    const QPointer<ConfiguredDevice> self(this);
-    if (m_chartView)
-        m_chartView->updateData(m_times, m_history1, m_history2, m_ch1Value, m_ch2Value);
-    if (self && m_tile1)
-        m_tile1->setValue(m_ch1Value);
-    if (self && m_tile2)
-        m_tile2->setValue(m_ch2Value);
-}
-
-void ConfiguredDevice::record(double value1, double value2)
-{
-    InsertSerialData::enqueue({m_serialNumber, value1, value2, static_cast<quint32>(m_pollMs / 1000)});
-    m_lastRecordedTime = m_pollTime;
 }
 
 void ConfiguredDevice::insertNoValue()
 {
     logDevice() << "- ConfiguredDevice::insertNoValue() : " << m_serialNumber;
-    const qint64 gapTime = m_lastRecordedTime.addMSecs(1000).toSecsSinceEpoch();
-    InsertSerialData::enqueue({m_serialNumber, noValue, noValue, static_cast<quint32>(gapTime)});
+    m_series.close();
 }
 
 void ConfiguredDevice::checkAlarmAll()
@@ -205,35 +191,20 @@ void ConfiguredDevice::checkAlarmAll()
 void ConfiguredDevice::deviceConnected()
 {
     m_connected = true;
-    const QPointer<ConfiguredDevice> self(this);
-    if (m_listItem)
-        m_listItem->setConnectionState(true);
-    if (self && m_chartView)
-        m_chartView->setConnected(m_serialNumber);
-    if (self && m_tile1)
-        m_tile1->setConnected(m_serialNumber);
-    if (self && m_tile2)
-        m_tile2->setConnected(m_serialNumber);
+    m_views.showConnected(m_serialNumber);
 }
 
 void ConfiguredDevice::deviceDisconnected()
 {
     m_connected = false;
+    if (m_interfaceKind == UsbInterface)
+        m_missedReplies = 0; // its open port will count as connected again
     m_ch1Value.clear();
     m_ch2Value.clear();
-    m_alarm1 = false;
-    m_alarm2 = false;
-    m_exchange = Exchange::Idle;
+    m_alarms.clear();
+    m_exchange.stop();
     m_owedReplyTimer.stop();
-    const QPointer<ConfiguredDevice> self(this);
-    if (m_listItem)
-        m_listItem->setConnectionState(false);
-    if (self && m_chartView)
-        m_chartView->setDisconnected(m_serialNumber);
-    if (self && m_tile1)
-        m_tile1->setDisconnected(m_serialNumber);
-    if (self && m_tile2)
-        m_tile2->setDisconnected(m_serialNumber);
+    m_views.showDisconnected(m_serialNumber);
 }
 
 bool ConfiguredDevice::isConnected() const
@@ -253,17 +224,22 @@ QString ConfiguredDevice::ch2Value() const
 
 bool ConfiguredDevice::alarmOnChannel1() const
 {
-    return m_alarm1;
+    return m_alarms.isOnChannel1();
 }
 
 bool ConfiguredDevice::alarmOnChannel2() const
 {
-    return m_alarm2;
+    return m_alarms.isOnChannel2();
 }
 
 void ConfiguredDevice::history(History &times, History &channel1, History &channel2) const
 {
-    times = m_times;
-    channel1 = m_history1;
-    channel2 = m_history2;
+    times = m_history.times();
+    channel1 = m_history.channel1();
+    channel2 = m_history.channel2();
+}
+
+const History &ConfiguredDevice::historyIntervals() const
+{
+    return m_history.intervals();
 }

@@ -10,12 +10,11 @@ namespace {
 ChannelReading parseField(QStringView field)
 {
     if (field.contains(QLatin1String("----")))
-        return {field.toString(), noValue};
+        return {noValue, field.toString()};
     bool ok = false;
     // QStringView::toDouble() is Qt 6 only; the C locale reads the same.
     const double number = QLocale::c().toDouble(field, &ok);
-    const double value = ok && std::isfinite(number) ? number : 0.0;
-    return {QString::number(value, 'f', 2), value};
+    return {ok && std::isfinite(number) ? number : 0.0, {}};
 }
 
 void parseLine(QStringView line, QVector<Reading> &readings)
@@ -29,6 +28,11 @@ void parseLine(QStringView line, QVector<Reading> &readings)
 }
 
 } // namespace
+
+QString ChannelReading::text() const
+{
+    return ownText.isEmpty() ? QString::number(value, 'f', 2) : ownText;
+}
 
 QVector<Reading> parseReply(const QString &reply)
 {

@@ -5,11 +5,15 @@
 #include <QString>
 #include <QVector>
 
-/// What one channel sent: the text to show and the number behind it.
+/// What one channel sent: the number, and the text to show for it.
 struct ChannelReading
 {
-    QString text;           ///< two decimals, or the logger's own text where that contains "----"
     double value = noValue; ///< always finite; noValue where the logger had none
+    QString ownText;        ///< what the logger sent instead of a number
+
+    /// Two decimals, or the logger's own text where that contains "----". Dear for the largest numbers, and of no use
+    /// for any but the newest reading.
+    QString text() const;
 };
 
 struct Reading

@@ -1,7 +1,11 @@
 #include "device/SerialDevice.h"
 
+#include "device/LoggerConversation.h"
 #include "device/Logging.h"
 #include "device/WireText.h"
+
+#include <QSignalBlocker>
+#include <utility>
 
 namespace {
 
@@ -26,6 +30,13 @@ int numberOf(QSerialPort::SerialPortError error)
     }
 }
 
+/// What a logger that hangs has not taken would hold up the closing, what it still sends would answer the next poll.
+void clearQueues(QSerialPort &port)
+{
+    const QSignalBlocker quiet(port);
+    port.clear();
+}
+
 } // namespace
 
 SerialDevice::SerialDevice(QObject *parent) : QObject(parent), m_port(new QSerialPort(this))
@@ -35,6 +46,8 @@ SerialDevice::SerialDevice(QObject *parent) : QObject(parent), m_port(new QSeria
     m_port->setParity(QSerialPort::NoParity);
     m_port->setDataBits(QSerialPort::Data8);
     m_port->setStopBits(QSerialPort::OneStop);
+    // One byte more than a logger may send tells that it does.
+    m_port->setReadBufferSize(replyBounds::bytesPerPoll + 1);
 
     QObject::connect(m_port, &QSerialPort::readyRead, this, &SerialDevice::readData);
     QObject::connect(m_port, &QSerialPort::errorOccurred, this, &SerialDevice::serialError);
@@ -110,9 +123,17 @@ qint64 SerialDevice::writeCommand(const QByteArray &bytes)
         logDevice() << "[ERROR] SerialDevice::writeCommand : [" << m_portName << "] :" << bytes;
         emit disconnected();
     } else {
+        m_guard.pollSent();
         logDevice() << "SerialDevice::writeCommand : [" << m_portName << "] :" << bytes;
+        if (m_conversation)
+            m_conversation->linkSent(bytes);
     }
     return 0;
+}
+
+void SerialDevice::setConversation(LoggerConversation *conversation)
+{
+    m_conversation = conversation;
 }
 
 QString SerialDevice::deviceName()
@@ -147,7 +168,14 @@ void SerialDevice::readData()
     const SignalDepth::Scope scope(m_depth);
     if (!m_port)
         return;
-    QString text = wireText(m_port->readAll());
+    const QByteArray bytes = m_port->readAll();
+    if (!m_guard.admits(bytes)) {
+        cutOff();
+        return;
+    }
+    if (m_conversation)
+        m_conversation->linkHeard(bytes);
+    QString text = wireText(bytes);
     if (!text.contains(QLatin1String("ATCD"))) {
         logDevice() << "[ERROR] SerialDevice::readData no 'ATCD' : [" << m_portName << "] :" << text;
         return;
@@ -156,6 +184,16 @@ void SerialDevice::readData()
     text.remove(QLatin1String("ATCD"));
     logDevice() << "SerialDevice::readData : [" << m_portName << "] :" << text;
     emit readyRead(text);
+}
+
+/// What still waits in the system answers no poll to come.
+void SerialDevice::cutOff()
+{
+    if (const QString complaint = m_guard.takeComplaint(); !complaint.isEmpty())
+        warnDevice() << "[ERROR] SerialDevice::readData : [" << m_portName << "] : " << complaint;
+    m_port->clear(QSerialPort::Input);
+    close();
+    emit disconnected();
 }
 
 void SerialDevice::serialDeleted()
@@ -206,10 +244,15 @@ void SerialDevice::reportError(QSerialPort::SerialPortError error)
 
 void SerialDevice::closePort()
 {
-    m_closePending = false;
+    const bool hasFailed = std::exchange(m_closePending, false);
     QSerialPort *port = m_port;
-    if (port && port->isOpen())
+    if (port && port->isOpen()) {
+        if (!hasFailed)
+            clearQueues(*port);
         port->close();
+    }
+    if (m_conversation)
+        m_conversation->linkClosed();
 }
 
 void SerialDevice::closeFailedPort()

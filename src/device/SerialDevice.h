@@ -1,14 +1,18 @@
 #pragma once
 
 #include "device/AbstractDevice.h"
+#include "device/ReplyGuard.h"
 #include "device/SignalDepth.h"
 
 #include <QPointer>
 #include <QSerialPort>
 
+class LoggerConversation;
+
 /// The link to a USB logger, which shows up as a serial port.
 /// A port that fails while open closes itself once from the event loop, and its name counts as unknown until the next
 /// setDeviceInfo(): by the time it is opened again that name may belong to another logger.
+/// A logger that exceeds replyBounds is cut off: what it sent is dropped and the port closed, but its name stays.
 class SerialDevice : public QObject, public AbstractDevice
 {
     Q_OBJECT
@@ -33,11 +37,14 @@ public:
 
     /// Always 0: a failed write surfaces as disconnected().
     qint64 writeCommand(const QByteArray &bytes);
+    /// Tells it, not owned, from now on what this link sends and hears.
+    void setConversation(LoggerConversation *conversation);
 
 signals:
     /// Once for each open(); also before a failing one, which disconnected() follows at once.
     void connected();
-    /// The port failed, could not be opened or took no bytes; once for a port that fails while open.
+    /// The port failed, could not be opened or took no bytes, or its logger was cut off; once for a port that fails
+    /// while open.
     void disconnected();
     /// What one notification of the port carried, without echo, spaces and carriage returns.
     void readyRead(const QString &text);
@@ -51,11 +58,14 @@ private:
     bool openPort();
     void closePort();
     void closeFailedPort();
+    void cutOff();
     void reportError(QSerialPort::SerialPortError error);
 
     const int m_deviceType = 1;
     QString m_portName;
     QPointer<QSerialPort> m_port;
+    LoggerConversation *m_conversation = nullptr;
+    ReplyGuard m_guard;
     SignalDepth m_depth;
     bool m_connectedReported = false;
     bool m_closePending = false;

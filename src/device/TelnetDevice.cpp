@@ -1,24 +1,19 @@
 #include "device/TelnetDevice.h"
 
 #include "device/DataInterval.h"
+#include "device/LoggerConversation.h"
 #include "device/Logging.h"
 #include "device/WireText.h"
 
 #include <QHostAddress>
 #include <QNetworkProxy>
 
-namespace {
-
-constexpr qint64 readBufferSize = 64 * 1024;
-
-} // namespace
-
 TelnetDevice::TelnetDevice(QObject *parent) : QObject(parent), m_socket(new QTcpSocket(this))
 {
     // Loggers stand in the local network; a proxy set for the desktop does not lead to them.
     m_socket->setProxy(QNetworkProxy::NoProxy);
-    // However much a logger sends, the others get their turn.
-    m_socket->setReadBufferSize(readBufferSize);
+    // However much a logger sends, the others get their turn; one byte more than it may send tells that it does.
+    m_socket->setReadBufferSize(replyBounds::bytesPerPoll + 1);
     m_socket->setSocketOption(QAbstractSocket::KeepAliveOption, 0);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
 
@@ -54,7 +49,6 @@ void TelnetDevice::close()
         socket->close();
     }
     m_connected = false;
-    m_owesReply = false;
 }
 
 bool TelnetDevice::open()
@@ -79,7 +73,6 @@ bool TelnetDevice::startConnecting()
         logDevice() << "[ERROR] TelnetDevice::open : [" << m_address << "] is not an IP address";
         return false;
     }
-    m_owesReply = false;
     m_socket->connectToHost(target, m_port, QIODevice::ReadWrite);
     return m_socket && m_socket->isValid();
 }
@@ -118,7 +111,10 @@ qint64 TelnetDevice::writeCommand(const QByteArray &bytes)
     if (state != QAbstractSocket::ConnectedState)
         return 0;
     const qint64 written = m_socket->write(bytes);
-    m_owesReply = written > 0;
+    if (written > 0)
+        m_guard.pollSent();
+    if (m_conversation && written > 0)
+        m_conversation->linkSent(bytes);
     if (written != bytes.size())
         logDevice() << "[ERROR] TelnetDevice::writeCommand : [" << m_address << "] buzzer flag :" << m_buzzerFlag
                     << " written : " << written;
@@ -157,9 +153,9 @@ quint16 TelnetDevice::port()
     return m_port;
 }
 
-bool TelnetDevice::owesReply() const
+void TelnetDevice::setConversation(LoggerConversation *conversation)
 {
-    return m_owesReply && socketState() == QAbstractSocket::ConnectedState;
+    m_conversation = conversation;
 }
 
 bool TelnetDevice::buzzerFlag() const
@@ -188,7 +184,12 @@ void TelnetDevice::readData()
     if (!m_socket)
         return;
     const QByteArray bytes = m_socket->readAll();
-    m_owesReply = m_owesReply && !bytes.endsWith('\n') && !bytes.endsWith('\r');
+    if (!m_guard.admits(bytes)) {
+        cutOff();
+        return;
+    }
+    if (m_conversation)
+        m_conversation->linkHeard(bytes);
     QString text = wireText(bytes);
     if (!m_buzzerFlag) {
         if (closesAfterReply())
@@ -203,6 +204,14 @@ void TelnetDevice::readData()
     }
     logDevice() << "TelnetDevice::readData : buzzer flag :" << m_buzzerFlag << " [" << m_address << "] :" << text;
     emit readyRead(text);
+}
+
+/// The next poll connects anew.
+void TelnetDevice::cutOff()
+{
+    if (const QString complaint = m_guard.takeComplaint(); !complaint.isEmpty())
+        warnDevice() << "[ERROR] TelnetDevice::readData : [" << m_address << "] : [" << m_port << "] : " << complaint;
+    close();
 }
 
 bool TelnetDevice::closesAfterReply() const
@@ -220,6 +229,10 @@ void TelnetDevice::telnetStateChanged(QAbstractSocket::SocketState state)
 {
     logDevice() << "TelnetDevice::telnetStateChanged : buzzer flag :" << m_buzzerFlag << " [" << m_address << "] : ["
                 << state << "]";
+    if (m_conversation && state == QAbstractSocket::ConnectingState)
+        m_conversation->linkOpening();
+    if (m_conversation && state == QAbstractSocket::UnconnectedState)
+        m_conversation->linkClosed();
 }
 
 void TelnetDevice::sockConnected()

@@ -3,6 +3,8 @@
 #include "device/ConfiguredDevice.h"
 
 #include <QListWidget>
+#include <QScrollBar>
+#include <QSet>
 #include <algorithm>
 
 namespace {
@@ -10,11 +12,16 @@ namespace {
 constexpr int keyRole = Qt::ToolTipRole;
 constexpr int foundRole = Qt::UserRole;
 
-QListWidgetItem *makeRow(const QString &name, const QString &address, int interfaceKind, const QString &key)
+QString textOf(const QString &name, const QString &address)
+{
+    return name + QStringLiteral("\t[") + address + QLatin1Char(']');
+}
+
+QListWidgetItem *makeRow(const QString &text, int interfaceKind, const QString &key)
 {
     const bool isUsb = interfaceKind == UsbInterface;
     const QIcon icon(isUsb ? QStringLiteral(":/img/icon_usb.png") : QStringLiteral(":/img/icon_lan.png"));
-    auto *row = new QListWidgetItem(icon, name + QStringLiteral("\t[") + address + QLatin1Char(']'));
+    auto *row = new QListWidgetItem(icon, text);
     row->setData(keyRole, key);
     return row;
 }
@@ -24,9 +31,45 @@ QString withPort(const QString &address, quint16 port)
     return address + QLatin1Char(':') + QString::number(port);
 }
 
+QString foundText(const AvailDevice &device)
+{
+    const bool isNetwork = device.kind == NetworkInterface;
+    return textOf(device.key, isNetwork ? withPort(device.address, device.port) : device.address);
+}
+
 QString displayName(const ConfiguredDevice &device)
 {
     return device.deviceName().isEmpty() ? device.serialNumber() : device.deviceName();
+}
+
+void removeAllBut(const QList<AvailDevice> &devices, QListWidget *list)
+{
+    QSet<QString> keys;
+    for (const AvailDevice &device : devices)
+        keys.insert(device.key);
+    for (int i = list->count() - 1; i >= 0; --i) {
+        if (!keys.contains(keyOf(*list->item(i))))
+            delete list->item(i);
+    }
+}
+
+/// Puts the logger's row at @p index, made anew if there is none.
+void placeFoundRow(const AvailDevice &device, int index, QListWidget *list)
+{
+    QListWidgetItem *there = list->item(index);
+    QListWidgetItem *row = there && keyOf(*there) == device.key ? there : rowOfKey(*list, device.key);
+    if (!row) {
+        list->insertItem(index, makeFoundRow(device));
+        return;
+    }
+    // One that comes back from a dashboard has its name there.
+    row->setText(foundText(device));
+    row->setData(foundRole, true);
+    if (row == there)
+        return;
+    const bool isSelected = row->isSelected();
+    list->insertItem(index, list->takeItem(list->row(row)));
+    row->setSelected(isSelected);
 }
 
 } // namespace
@@ -38,9 +81,7 @@ bool isSameKey(const QString &a, const QString &b)
 
 QListWidgetItem *makeFoundRow(const AvailDevice &device)
 {
-    const bool isNetwork = device.kind == NetworkInterface;
-    const QString address = isNetwork ? withPort(device.address, device.port) : device.address;
-    QListWidgetItem *row = makeRow(device.key, address, device.kind, device.key);
+    QListWidgetItem *row = makeRow(foundText(device), device.kind, device.key);
     row->setData(foundRole, true);
     return row;
 }
@@ -49,13 +90,25 @@ QListWidgetItem *makeConfiguredRow(const ConfiguredDevice &device)
 {
     const bool isNetwork = device.interfaceKind() == NetworkInterface;
     const QString address = isNetwork ? withPort(device.address(), device.port()) : device.address();
-    return makeRow(displayName(device), address, device.interfaceKind(), device.serialNumber());
+    return makeRow(textOf(displayName(device), address), device.interfaceKind(), device.serialNumber());
 }
 
 QListWidgetItem *makeManualRow(const ConfiguredDevice &device)
 {
-    return makeRow(displayName(device), withPort(device.address(), device.port()), NetworkInterface,
+    return makeRow(textOf(displayName(device), withPort(device.address(), device.port())), NetworkInterface,
                    device.serialNumber());
+}
+
+void showFoundRows(const QList<AvailDevice> &devices, QListWidget *list)
+{
+    const int topIndex = list->verticalScrollBar()->value();
+    const QString topKey = topIndex > 0 ? keyOf(*list->item(topIndex)) : QString();
+    removeAllBut(devices, list);
+    for (int i = 0; i < devices.size(); ++i)
+        placeFoundRow(devices.at(i), i, list);
+    QListWidgetItem *topRow = topKey.isEmpty() ? nullptr : rowOfKey(*list, topKey);
+    if (topRow && list->row(topRow) != topIndex)
+        list->scrollToItem(topRow, QAbstractItemView::PositionAtTop);
 }
 
 QString keyOf(const QListWidgetItem &row)

@@ -18,6 +18,10 @@ QListWidgetItem *makeFoundRow(const AvailDevice &device);
 QListWidgetItem *makeConfiguredRow(const ConfiguredDevice &device);
 QListWidgetItem *makeManualRow(const ConfiguredDevice &device);
 
+/// Lists what the search has found. Each logger's answer does so anew while the operator works with the list: rows that
+/// stay keep their selection, the cursor and their place in the window. The list scrolls by rows.
+void showFoundRows(const QList<AvailDevice> &devices, QListWidget *list);
+
 QString keyOf(const QListWidgetItem &row);
 /// Whether the row shows a logger as the search has found it.
 bool isFoundRow(const QListWidgetItem &row);

@@ -1,8 +1,12 @@
 #include "dialogs/IpaddrSpinBox.h"
 
-#include <QKeyEvent>
+IpaddrSpinBox::IpaddrSpinBox(QWidget *parent) : WholeSpinBox(parent) {}
 
-IpaddrSpinBox::IpaddrSpinBox(QWidget *parent) : QSpinBox(parent) {}
+void IpaddrSpinBox::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Period)
+        WholeSpinBox::keyPressEvent(event);
+}
 
 void IpaddrSpinBox::keyReleaseEvent(QKeyEvent *event)
 {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QSpinBox>
+#include "dialogs/WholeSpinBox.h"
 
-/// One octet of an IP address: a full stop asks for the next field.
-class IpaddrSpinBox : public QSpinBox
+/// One octet of an IP address: a full stop asks for the next field and is no part of the number.
+class IpaddrSpinBox : public WholeSpinBox
 {
     Q_OBJECT
 
@@ -14,5 +14,6 @@ signals:
     void nextStep();
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
 };

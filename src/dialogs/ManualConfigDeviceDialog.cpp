@@ -2,7 +2,6 @@
 
 #include "device/ConfiguredDevice.h"
 #include "dialogs/Logging.h"
-#include "dialogs/ManualDeviceEntry.h"
 #include "dialogs/SharpPixmap.h"
 #include "dialogs/TransientMessage.h"
 #include "ui_ManualConfigDeviceDialog.h"
@@ -14,10 +13,20 @@ namespace {
 
 constexpr int lookMs = 50;
 
+void beginAnew(QWidget *field)
+{
+    field->setFocus(Qt::OtherFocusReason);
+    if (auto *box = qobject_cast<QSpinBox *>(field))
+        box->selectAll();
+}
+
 } // namespace
 
 ManualConfigDeviceDialog::ManualConfigDeviceDialog(QWidget *parent)
-    : QDialog(parent), m_form(std::make_unique<Ui::ManualConfigDeviceDialog>()), m_testTimer(new QTimer(this))
+    : QDialog(parent),
+      m_form(std::make_unique<Ui::ManualConfigDeviceDialog>()),
+      m_lookTimer(new QTimer(this)),
+      m_limitTimer(new QTimer(this))
 {
     m_form->setupUi(this);
     m_form->label_top->setPixmap(sharpPixmap(QStringLiteral(":/img/SorvantoLogoLite.png")));
@@ -28,8 +37,13 @@ ManualConfigDeviceDialog::ManualConfigDeviceDialog(QWidget *parent)
     }
     m_steps.append(m_form->spinBox_port);
     m_form->lineEdit_devicename->setFocus();
-    m_testTimer->setInterval(lookMs);
-    connect(m_testTimer, &QTimer::timeout, this, &ManualConfigDeviceDialog::checkAnswer);
+    m_lookTimer->setInterval(lookMs);
+    connect(m_lookTimer, &QTimer::timeout, this, &ManualConfigDeviceDialog::checkAnswer);
+    m_limitTimer->setObjectName(QStringLiteral("answerLimit"));
+    m_limitTimer->setSingleShot(true);
+    m_limitTimer->setTimerType(Qt::PreciseTimer);
+    m_limitTimer->setInterval(answerLimitMs);
+    connect(m_limitTimer, &QTimer::timeout, this, &ManualConfigDeviceDialog::refuse);
     connect(m_form->pushButton_confirm, &QPushButton::clicked, this, &ManualConfigDeviceDialog::confirm);
 }
 
@@ -40,10 +54,32 @@ void ManualConfigDeviceDialog::confirm()
     if (m_device)
         return;
     const ManualDeviceEntry entry = entered();
-    if (const auto refusal = refusalOf(entry))
+    if (const auto refusal = refusalOf(entry)) {
+        beginAnew(fieldOf(refusal->field));
         showTransientMessage(refusal->title, refusal->text, this);
-    else
+    } else {
         startTest(entry);
+    }
+}
+
+/// Where the cursor goes for the operator to try again.
+QWidget *ManualConfigDeviceDialog::fieldOf(EntryRefusal::Field field) const
+{
+    switch (field) {
+    case EntryRefusal::Field::Name:
+        return m_form->lineEdit_devicename;
+    case EntryRefusal::Field::Key:
+        return m_form->lineEdit_macaddr;
+    case EntryRefusal::Field::Address:
+        for (QSpinBox *octet : octets()) {
+            if (!octet->hasAcceptableInput())
+                return octet;
+        }
+        return m_steps.first();
+    case EntryRefusal::Field::Port:
+        return m_form->spinBox_port;
+    }
+    return nullptr;
 }
 
 void ManualConfigDeviceDialog::slotNextStep()
@@ -51,8 +87,7 @@ void ManualConfigDeviceDialog::slotNextStep()
     const qsizetype next = m_steps.indexOf(qobject_cast<QSpinBox *>(sender())) + 1;
     if (next == 0 || next == m_steps.size())
         return;
-    m_steps.at(next)->setFocus(Qt::OtherFocusReason);
-    m_steps.at(next)->selectAll();
+    beginAnew(m_steps.at(next));
 }
 
 void ManualConfigDeviceDialog::slotReject()
@@ -70,11 +105,20 @@ void ManualConfigDeviceDialog::done(int result)
 
 ManualDeviceEntry ManualConfigDeviceDialog::entered() const
 {
-    QStringList octets;
-    for (const QSpinBox *box : m_steps.mid(0, 4))
-        octets.append(QString::number(box->value()));
+    QStringList numbers;
+    for (const QSpinBox *octet : octets()) {
+        if (octet->hasAcceptableInput())
+            numbers.append(QString::number(octet->value()));
+    }
+    const QSpinBox *port = m_form->spinBox_port;
     return {m_form->lineEdit_devicename->text(), m_form->lineEdit_macaddr->text().remove(QLatin1Char(':')),
-            octets.join(QLatin1Char('.')), static_cast<quint16>(m_form->spinBox_port->value())};
+            numbers.size() == octets().size() ? numbers.join(QLatin1Char('.')) : QString(),
+            static_cast<quint16>(port->hasAcceptableInput() ? port->value() : 0)};
+}
+
+QList<QSpinBox *> ManualConfigDeviceDialog::octets() const
+{
+    return m_steps.mid(0, 4);
 }
 
 /// The link only tells that it has begun to connect, so a logger counts as open once it has answered the poll that its
@@ -90,21 +134,20 @@ void ManualConfigDeviceDialog::startTest(const ManualDeviceEntry &entry)
     m_form->groupBox_network->setEnabled(false);
     m_form->pushButton_confirm->setEnabled(false);
     setCursor(Qt::BusyCursor);
-    m_deadline.setRemainingTime(answerLimitMs);
-    m_testTimer->start();
+    m_lookTimer->start();
+    m_limitTimer->start();
 }
 
 void ManualConfigDeviceDialog::checkAnswer()
 {
     if (m_device->isConnected())
         handOn();
-    else if (m_deadline.hasExpired())
-        refuse();
 }
 
 void ManualConfigDeviceDialog::endTest()
 {
-    m_testTimer->stop();
+    m_lookTimer->stop();
+    m_limitTimer->stop();
     m_form->groupBox_network->setEnabled(true);
     m_form->pushButton_confirm->setEnabled(true);
     unsetCursor();

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDeadlineTimer>
+#include "dialogs/ManualDeviceEntry.h"
+
 #include <QDialog>
 #include <QList>
 #include <memory>
@@ -8,7 +9,6 @@
 class ConfiguredDevice;
 class QSpinBox;
 class QTimer;
-struct ManualDeviceEntry;
 
 namespace Ui {
 class ManualConfigDeviceDialog;
@@ -41,6 +41,8 @@ public slots:
 
 private:
     ManualDeviceEntry entered() const;
+    QList<QSpinBox *> octets() const;
+    QWidget *fieldOf(EntryRefusal::Field field) const;
     void startTest(const ManualDeviceEntry &entry);
     void checkAnswer();
     void endTest();
@@ -50,6 +52,6 @@ private:
     std::unique_ptr<Ui::ManualConfigDeviceDialog> m_form;
     QList<QSpinBox *> m_steps;                  ///< the four octets, then the port
     std::unique_ptr<ConfiguredDevice> m_device; ///< under test
-    QTimer *m_testTimer = nullptr;
-    QDeadlineTimer m_deadline;
+    QTimer *m_lookTimer;
+    QTimer *m_limitTimer;
 };

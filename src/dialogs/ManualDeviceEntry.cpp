@@ -1,12 +1,16 @@
 #include "dialogs/ManualDeviceEntry.h"
 
+#include "device/DeviceKey.h"
+
 #include <QRegularExpression>
 
 namespace {
 
-EntryRefusal missing(const QString &text)
+using Field = EntryRefusal::Field;
+
+EntryRefusal missing(Field field, const QString &text)
 {
-    return {QStringLiteral("INFORMATION"), text};
+    return {field, QStringLiteral("INFORMATION"), text};
 }
 
 bool looksLikeIpAddress(const QString &text)
@@ -21,14 +25,16 @@ bool looksLikeIpAddress(const QString &text)
 std::optional<EntryRefusal> refusalOf(const ManualDeviceEntry &entry)
 {
     if (entry.name.isEmpty())
-        return missing(QStringLiteral("Enter the Device Name."));
+        return missing(Field::Name, QStringLiteral("Enter the Device Name."));
     if (entry.key.isEmpty())
-        return missing(QStringLiteral("Enter the Mac Address."));
+        return missing(Field::Key, QStringLiteral("Enter the Mac Address."));
+    if (const QString problem = deviceKeyProblem(entry.key); !problem.isEmpty())
+        return EntryRefusal{Field::Key, QStringLiteral("ERROR"), QStringLiteral("The Mac Address %1.").arg(problem)};
     if (entry.address.isEmpty())
-        return missing(QStringLiteral("Enter the IP Address."));
+        return missing(Field::Address, QStringLiteral("Enter the IP Address."));
     if (entry.port == 0)
-        return missing(QStringLiteral("Enter the port number."));
+        return missing(Field::Port, QStringLiteral("Enter the port number."));
     if (!looksLikeIpAddress(entry.address))
-        return EntryRefusal{QStringLiteral("ERROR"), QStringLiteral("IP Address is not valid.")};
+        return EntryRefusal{Field::Address, QStringLiteral("ERROR"), QStringLiteral("IP Address is not valid.")};
     return {};
 }

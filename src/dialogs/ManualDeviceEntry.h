@@ -7,14 +7,17 @@
 struct ManualDeviceEntry
 {
     QString name;
-    QString key; ///< the MAC address' digits in the case typed; fewer than twelve when typed in part
-    QString address;
-    quint16 port = 0;
+    QString key;      ///< the MAC address' digits in the case typed; fewer than twelve when typed in part
+    QString address;  ///< empty when one of its numbers is none
+    quint16 port = 0; ///< 0 when it is no number
 };
 
-/// Why an entry cannot be used, as a message for the operator.
+/// Why an entry cannot be used, as a message for the operator, and what of it has to be typed anew.
 struct EntryRefusal
 {
+    enum class Field { Name, Key, Address, Port };
+
+    Field field;
     QString title;
     QString text;
 };

@@ -40,6 +40,10 @@ ProjectMain::ProjectMain(const QStringList &recentList, const QHash<QString, QVa
     m_form->listWidget->setItemDelegate(new ElidingDelegate(m_form->listWidget));
     for (const QString &name : recentList)
         addRecentProject(name, recentProjects.value(name).toString());
+    if (recentList.isEmpty())
+        setFocusProxy(m_form->btn_create);
+    else
+        setFocusProxy(m_form->listWidget);
     connect(m_form->btn_create, &QPushButton::clicked, this, &ProjectMain::slotCreateProject);
     connect(m_form->btn_open, &QPushButton::clicked, this, &ProjectMain::slotOpenProject);
     connect(m_form->listWidget, &QListWidget::itemActivated, this, &ProjectMain::slotRecentProject);

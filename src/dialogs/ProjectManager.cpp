@@ -49,6 +49,7 @@ ProjectManager::ProjectManager(QWidget *parent)
         board->setItemDelegate(new ElidingDelegate(board));
     for (QPushButton *button : {m_form->btn_add, m_form->btn_timeInterval})
         fadeWhenDisabled(button);
+    setFocusProxy(m_form->availlable_list);
     buildIntervalMenu();
     connectForm();
 }
@@ -109,19 +110,14 @@ void ProjectManager::setConfiguredDeviceList(const QList<ConfiguredDevice *> &de
 
 void ProjectManager::setAvailDeviceList(const QList<AvailDevice *> &devices)
 {
-    QStringList selectedKeys;
-    for (const QListWidgetItem *row : selectedRows(*m_form->availlable_list))
-        selectedKeys.append(keyOf(*row));
-    m_form->availlable_list->clear();
     m_availList.clear();
+    QList<AvailDevice> shown;
     for (const AvailDevice *device : devices) {
         m_availList.append(*device);
-        if (isPlaced(device->key))
-            continue;
-        QListWidgetItem *row = makeFoundRow(*device);
-        m_form->availlable_list->addItem(row);
-        row->setSelected(selectedKeys.contains(device->key));
+        if (!isPlaced(device->key))
+            shown.append(*device);
     }
+    showFoundRows(shown, m_form->availlable_list);
 }
 
 void ProjectManager::setDashboardNames(const QStringList &names)

@@ -4,11 +4,13 @@
 #include "device/ConfiguredDevice.h"
 
 #include <QList>
+#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 #include <array>
 #include <memory>
 
+class ManualConfigDeviceDialog;
 class QAction;
 class QLineEdit;
 class QListWidget;
@@ -84,6 +86,7 @@ private:
     std::array<QListWidget *, dashboardCount> m_boards;
     std::array<QLineEdit *, dashboardCount> m_names;
     QMenu *m_intervalMenu = nullptr;
+    QPointer<ManualConfigDeviceDialog> m_manualDialog;
     QList<QAction *> m_intervals;
     QList<AvailDevice> m_availList;
     QList<ConfiguredDevice *> m_configuredList;

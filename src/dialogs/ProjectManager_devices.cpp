@@ -12,10 +12,12 @@
 
 void ProjectManager::slotManualConfigDeviceDlg()
 {
-    auto *dialog = new ManualConfigDeviceDialog(this);
-    connect(dialog, &ManualConfigDeviceDialog::ManualConfigDeviceConfirm, this,
+    // One that was closed by its window is hidden only.
+    delete m_manualDialog;
+    m_manualDialog = new ManualConfigDeviceDialog(this);
+    connect(m_manualDialog, &ManualConfigDeviceDialog::ManualConfigDeviceConfirm, this,
             &ProjectManager::slotManualConfigDevice);
-    dialog->show();
+    m_manualDialog->show();
 }
 
 void ProjectManager::slotManualConfigDevice(ConfiguredDevice *device)
@@ -95,9 +97,8 @@ ConfiguredDevice *ProjectManager::deviceOfRow(const QListWidgetItem &row) const
 
 QList<ConfiguredDevice *> ProjectManager::takeUnconfirmedDevices()
 {
-    const auto dialogs = findChildren<ManualConfigDeviceDialog *>();
-    for (ManualConfigDeviceDialog *dialog : dialogs)
-        dialog->close();
+    if (m_manualDialog)
+        m_manualDialog->close();
     for (ConfiguredDevice *device : std::as_const(m_handAdded))
         m_configuredList.removeAll(device);
     return std::exchange(m_handAdded, {});

@@ -74,7 +74,6 @@ void SensingOptionDialog::showLimits()
     const std::array<float, 4> limits{range.min1, range.max1, range.min2, range.max2};
     for (size_t i = 0; i < limits.size(); ++i) {
         QDoubleSpinBox *box = m_fields.limits[i];
-        box->setLocale(QLocale::c());
         box->setValue(static_cast<double>(limits[i]));
         m_limitsShown[i] = box->value();
     }
@@ -100,6 +99,8 @@ bool SensingOptionDialog::applyNamesAndUnits(quint16 port)
         showTransientMessage(QStringLiteral("INFORMATION"), missing, this);
         return false;
     }
+    if (refusesALimit())
+        return false;
     m_device->setDeviceInfo(m_fields.deviceName->text(), m_fields.channelNames[0]->text(),
                             m_fields.channelNames[1]->text(), m_device->address(), port);
     const QString custom1 = customUnit(m_fields.units[0], m_device->ch1CustomUnit());
@@ -118,6 +119,28 @@ QString SensingOptionDialog::missingName() const
     if (m_fields.channelNames[1]->text().isEmpty())
         return QStringLiteral("Enter the Channel-2 Name.");
     return {};
+}
+
+/// Tells the operator about the first limit that is no number, and puts the cursor there.
+bool SensingOptionDialog::refusesALimit()
+{
+    static const std::array<const char *, 4> names{"alarm minimum of channel 1", "alarm maximum of channel 1",
+                                                   "alarm minimum of channel 2", "alarm maximum of channel 2"};
+    for (size_t i = 0; i < names.size(); ++i) {
+        QDoubleSpinBox *box = m_fields.limits[i];
+        if (box->hasAcceptableInput())
+            continue;
+        box->setFocus();
+        box->selectAll();
+        const QString text = QStringLiteral("The %1 is not valid.\nEnter a number from %2 to %3 with at most two "
+                                            "decimals, such as 21.75.");
+        showTransientMessage(QStringLiteral("ERROR"),
+                             text.arg(QLatin1String(names[i]), QString::number(box->minimum(), 'f', 0),
+                                      QString::number(box->maximum(), 'f', 0)),
+                             this);
+        return true;
+    }
+    return false;
 }
 
 int SensingOptionDialog::unitCode(const QComboBox *combo)

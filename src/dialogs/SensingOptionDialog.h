@@ -54,7 +54,7 @@ protected:
     void showDevice(const Fields &fields);
     /// Null once the device is gone.
     ConfiguredDevice *device() const;
-    /// False, with a message to the operator, when a name is missing; nothing is changed then.
+    /// False, with a message to the operator, when a name is missing or a limit is no number; nothing is changed then.
     bool applyNamesAndUnits(quint16 port);
     /// The device's range with the limits that the operator has changed.
     AlarmRange editedRange() const;
@@ -67,6 +67,7 @@ private:
     void showUnit(QComboBox *combo, int code, const QString &customText);
     void showLimits();
     QString missingName() const;
+    bool refusesALimit();
     static int unitCode(const QComboBox *combo);
     static QString customUnit(const QComboBox *combo, const QString &stored);
 

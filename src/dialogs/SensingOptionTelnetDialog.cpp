@@ -3,6 +3,8 @@
 #include "dialogs/TransientMessage.h"
 #include "ui_SensingOptionTelnetDialog.h"
 
+#include <QTimer>
+
 namespace {
 
 constexpr int timeLimitMs = 2000;
@@ -10,13 +12,16 @@ constexpr int timeLimitMs = 2000;
 } // namespace
 
 SensingOptionTelnetDialog::SensingOptionTelnetDialog(ConfiguredDevice *device, QWidget *parent)
-    : SensingOptionDialog(device, parent), m_ui(std::make_unique<Ui::SensingOptionTelnetDialog>())
+    : SensingOptionDialog(device, parent),
+      m_ui(std::make_unique<Ui::SensingOptionTelnetDialog>()),
+      m_timeLimit(new QTimer(this))
 {
     m_ui->setupUi(this);
     showDevice(fieldsOf(*m_ui, m_ui->label_macaddr));
     showRule();
-    m_timeLimit.setSingleShot(true);
-    connect(&m_timeLimit, &QTimer::timeout, this, &SensingOptionTelnetDialog::syncTimeout);
+    m_timeLimit->setObjectName(QStringLiteral("timeLimit"));
+    m_timeLimit->setSingleShot(true);
+    connect(m_timeLimit, &QTimer::timeout, this, &SensingOptionTelnetDialog::syncTimeout);
     connect(device, &ConfiguredDevice::buzzerSyncSuccess, this, &SensingOptionTelnetDialog::syncSuccess);
     connect(device, &ConfiguredDevice::buzzerSyncError, this, &SensingOptionTelnetDialog::syncError);
     connect(this, &QDialog::finished, this, [this] { m_isClosed = true; });
@@ -46,7 +51,7 @@ void SensingOptionTelnetDialog::confirm()
 {
     if (!device() || !applyNamesAndUnits(device()->port()))
         return;
-    m_timeLimit.stop();
+    m_timeLimit->stop();
     const QPointer<SensingOptionTelnetDialog> self(this);
     emit sensingConfirm();
     if (!self || !device())
@@ -80,7 +85,7 @@ void SensingOptionTelnetDialog::startExchange()
 {
     device()->startSyncTelnet();
     m_exchange = device()->exchangeNumber();
-    m_timeLimit.start(timeLimitMs);
+    m_timeLimit->start(timeLimitMs);
 }
 
 bool SensingOptionTelnetDialog::isExchanging() const
@@ -100,7 +105,7 @@ void SensingOptionTelnetDialog::syncSuccess()
     if (!isExchanging())
         return;
     m_exchange.reset();
-    m_timeLimit.stop();
+    m_timeLimit->stop();
     device()->applyPendingSettings();
     const QPointer<SensingOptionTelnetDialog> self(this);
     emit sensingConfirm();
@@ -121,6 +126,10 @@ void SensingOptionTelnetDialog::syncError(const QString &message)
 
 void SensingOptionTelnetDialog::syncTimeout()
 {
+    if (m_isClosed && !isExchanging()) {
+        deleteLater(); // a later dialog has taken the exchange over, and tells what it comes to
+        return;
+    }
     cancelOwnExchange();
     setProgressing(false);
     report(QStringLiteral("This command has exceeded the time limit."));
@@ -144,9 +153,14 @@ void SensingOptionTelnetDialog::setProgressing(bool on)
 
 void SensingOptionTelnetDialog::report(const QString &text)
 {
-    // A message out of nowhere would ask for a retry that a closed dialog has no button for.
-    if (m_isClosed)
-        deleteLater();
-    else
-        showTransientMessage(QStringLiteral("ERROR"), text + QStringLiteral("\nPlease retry."), this);
+    const QString message = text + QStringLiteral("\nPlease retry.");
+    if (!m_isClosed) {
+        showTransientMessage(QStringLiteral("ERROR"), message, this);
+        return;
+    }
+    // Out of nowhere it must say which logger it is about.
+    if (device())
+        showTransientMessage(QStringLiteral("ERROR"), device()->deviceName() + QStringLiteral(": ") + message,
+                             parentWidget());
+    deleteLater();
 }

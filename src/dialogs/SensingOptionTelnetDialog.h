@@ -2,17 +2,18 @@
 
 #include "dialogs/SensingOptionDialog.h"
 
-#include <QTimer>
 #include <memory>
 #include <optional>
+
+class QTimer;
 
 namespace Ui {
 class SensingOptionTelnetDialog;
 }
 
 /// Edits a network logger: names and units are in force at once, alarm ranges and the buzzer rule when the logger has
-/// accepted them. Closing the window leaves an exchange with the logger under way; what it comes to is then not
-/// reported any more. Deleting the dialog cancels it.
+/// accepted them. Closing the window leaves an exchange with the logger under way; its failure is then reported in the
+/// parent, with the logger's name. Deleting the dialog cancels it.
 class SensingOptionTelnetDialog : public SensingOptionDialog
 {
     Q_OBJECT
@@ -42,7 +43,7 @@ private:
 
     std::unique_ptr<Ui::SensingOptionTelnetDialog> m_ui;
     int m_ruleShown = -1;
-    QTimer m_timeLimit;
+    QTimer *m_timeLimit;
     /// The device's number of the exchange whose end this dialog awaits.
     std::optional<int> m_exchange;
     bool m_isClosed = false;

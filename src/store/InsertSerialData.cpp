@@ -4,10 +4,11 @@
 #include "store/InsertStatement.h"
 #include "store/Logging.h"
 #include "store/RecordingSchema.h"
+#include "store/StoredRows.h"
+#include "store/WriteProtection.h"
 
 #include <QDateTime>
 #include <QFileInfo>
-#include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -21,6 +22,7 @@ namespace {
 // A recording that cannot be opened ends the program: a backup may finish first. Once it is open, rows can wait in the
 // queue, and the wait for another program's short transaction must not be felt in the window.
 const QString patienceToOpen = QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000");
+const QString onlyForReading = QStringLiteral(";QSQLITE_OPEN_READONLY");
 const QString patienceToWrite = QStringLiteral("PRAGMA busy_timeout = 50");
 
 // Pages once written are kept until the whole cache is full: hundreds of MiB after a day of many loggers. The next
@@ -54,11 +56,6 @@ bool isLockError(const QSqlError &error)
     return code == QLatin1String("5") || code == QLatin1String("6"); // SQLITE_BUSY, SQLITE_LOCKED
 }
 
-double channelValue(const QVariant &column)
-{
-    return column.isNull() ? noValue : column.toDouble();
-}
-
 } // namespace
 
 quint64 InsertSerialData::diskFreeSpace(const QString &folder)
@@ -82,7 +79,7 @@ InsertSerialData::InsertSerialData(const QString &databaseFile, const QString &c
 InsertSerialData::~InsertSerialData()
 {
     insertNow();
-    if (m_open)
+    if (m_open && !m_readOnly)
         keepRows();
     if (QSqlDatabase::contains(m_connectionName)) {
         {
@@ -99,17 +96,20 @@ InsertSerialData::~InsertSerialData()
 
 bool InsertSerialData::createConnection()
 {
+    m_readOnly = isWriteProtected(m_databaseFile);
     if (connection().isOpen()) {
         m_open = true;
         m_openedFile = fileIdentity(m_databaseFile);
+        m_readOnly = m_readOnly || refusesToWrite(connection());
         return true;
     }
-    if (openConnection() && tuneForAppending(connection()) && createTable(connection()) &&
-        QSqlQuery(connection()).exec(patienceToWrite)) {
+    if (openConnection() && (m_readOnly ? isDatabase(connection()) : prepareForWriting())) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
         m_openedFile = fileIdentity(m_databaseFile);
-        takeInKeptRows();
+        m_readOnly = m_readOnly || refusesToWrite(connection());
+        if (!m_readOnly)
+            takeInKeptRows();
         return true;
     }
     // A later call must not take a connection that failed for a working one.
@@ -121,6 +121,11 @@ bool InsertSerialData::createConnection()
 bool InsertSerialData::isOpen() const
 {
     return m_open;
+}
+
+bool InsertSerialData::isReadOnly() const
+{
+    return m_open && m_readOnly;
 }
 
 void InsertSerialData::enqueue(const PendingRow &row)
@@ -135,7 +140,7 @@ int InsertSerialData::pendingCount()
 
 void InsertSerialData::insertNow()
 {
-    if (!m_open || queue().empty())
+    if (!m_open || m_readOnly || queue().empty())
         return;
     // The connection would go on writing into the file that was deleted or renamed, without a word.
     if (fileIdentity(m_databaseFile) != m_openedFile) {
@@ -173,15 +178,13 @@ bool InsertSerialData::openConnection()
         QSqlDatabase::removeDatabase(m_connectionName);
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
     database.setDatabaseName(m_databaseFile);
-    database.setConnectOptions(patienceToOpen);
-    if (!database.open())
-        return false;
-    // SQLite opens a file it may not write without a word.
-    if (QFileInfo(m_databaseFile).isWritable())
-        return true;
-    qCWarning(lcStore).noquote().nospace()
-        << "InsertSerialData::createConnection : [ERROR] not writable : " << m_databaseFile;
-    return false;
+    database.setConnectOptions(m_readOnly ? patienceToOpen + onlyForReading : patienceToOpen);
+    return database.open();
+}
+
+bool InsertSerialData::prepareForWriting()
+{
+    return tuneForAppending(connection()) && createTable(connection()) && QSqlQuery(connection()).exec(patienceToWrite);
 }
 
 /// Puts the side file's rows in front of the queue. The file stays until they are committed, so a crash may leave
@@ -250,28 +253,10 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
 {
     // Another store on the same queue may have emptied it meanwhile.
     const auto count = std::min(m_perhapsStored, pendingCount());
-    if (count == 0)
-        return {};
-    const auto first = queue().begin();
-    const auto last = first + count;
-    const auto range =
-        std::minmax_element(first, last, [](const PendingRow &a, const PendingRow &b) { return a.time < b.time; });
-    QSqlQuery query(connection());
-    query.setForwardOnly(true);
-    if (!query.exec(QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane "
-                                   "where pointDate between %1 and %2")
-                        .arg(range.first->time)
-                        .arg(range.second->time)))
-        return query.lastError();
-    QSet<QString> stored;
-    while (query.next()) {
-        stored += insertTerm({query.value(0).toString(), channelValue(query.value(1)), channelValue(query.value(2)),
-                              query.value(3).toUInt()});
-    }
-    queue().erase(std::remove_if(first, last, [&](const PendingRow &row) { return stored.contains(insertTerm(row)); }),
-                  last);
-    m_perhapsStored = 0;
-    return {};
+    const QSqlError error = count == 0 ? QSqlError() : removeStoredRows(connection(), queue(), count);
+    if (error.type() == QSqlError::NoError)
+        m_perhapsStored = 0;
+    return error;
 }
 
 /// Empties the queue into the file. The exclusive transaction is already open.

@@ -30,9 +30,12 @@ public:
     ~InsertSerialData() override;
 
     /// Opens the file, makes the table where there is none and takes in rows that an earlier run had to leave
-    /// beside the recording. False when the file cannot be used; the reason is in the log only.
+    /// beside the recording; a file that cannot be written to is opened for reading only. False when the file cannot
+    /// be used; the reason is in the log only.
     bool createConnection();
     bool isOpen() const;
+    /// Whether an open recording is for looking at: nothing is written into it, rows stay where they are.
+    bool isReadOnly() const;
 
     /// Appends a row to the process-wide queue; also valid while no store is open.
     static void enqueue(const PendingRow &row);
@@ -59,6 +62,7 @@ private:
 
     QSqlDatabase connection() const;
     bool openConnection();
+    bool prepareForWriting();
     void takeInKeptRows();
     void keepRows();
     bool takeExclusiveLock();
@@ -71,6 +75,7 @@ private:
     quint32 rangeEnd(const char *function, const QString &query) const;
 
     bool m_open = false;
+    bool m_readOnly = false;
     QString m_databaseFile;
     QByteArray m_openedFile; ///< identity of the file behind the connection
     QString m_connectionName;

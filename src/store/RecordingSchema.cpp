@@ -54,3 +54,8 @@ bool createTable(const QSqlDatabase &database)
     }
     return true;
 }
+
+bool isDatabase(const QSqlDatabase &database)
+{
+    return QSqlQuery(database).exec(QStringLiteral("select name from sqlite_master"));
+}

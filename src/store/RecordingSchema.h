@@ -8,3 +8,6 @@ bool tuneForAppending(const QSqlDatabase &database);
 /// Makes the table of readings, and an index on their time with it, where there is none yet. False when the file is
 /// no database or cannot be changed; the reason is in the log.
 bool createTable(const QSqlDatabase &database);
+
+/// Whether a file that is only to be read is a database, with or without readings.
+bool isDatabase(const QSqlDatabase &database);

@@ -26,6 +26,10 @@ const QPoint plotCorner(45, 25);
 constexpr QSize besidePlot(60, 55);
 constexpr int belowGradient = 15;
 
+constexpr int msPerSecond = 1000;
+// One may come late; where one is missing, the next is two intervals away.
+constexpr double largestStepInIntervals = 1.5;
+
 chart::PlotArea plotArea(const QSize &label)
 {
     QLinearGradient gradient(0, plotCorner.y(), 0, label.height() - belowGradient);
@@ -43,7 +47,6 @@ chart::PlotArea plotArea(const QSize &label)
 /// The time of a full history in seconds; 0 when the interval is none or the product leaves 32 bits.
 qint64 spanSeconds(qint32 intervalMs)
 {
-    constexpr qint64 msPerSecond = 1000;
     const qint64 spanMs = qint64(intervalMs) * historyLength;
     return spanMs > 0 && spanMs <= std::numeric_limits<qint32>::max() ? spanMs / msPerSecond : 0;
 }
@@ -53,10 +56,18 @@ std::vector<double> copyOf(const History &history)
     return {history.cbegin(), history.cend()};
 }
 
+std::vector<double> largestSteps(const History &intervals)
+{
+    std::vector<double> steps;
+    for (const double intervalMs : intervals)
+        steps.push_back(largestStepInIntervals * intervalMs / msPerSecond);
+    return steps;
+}
+
 } // namespace
 
-std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &times, const History &values,
-                                             const ChannelLine &line, qint32 intervalMs)
+std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &times, const History &intervals,
+                                             const History &values, const ChannelLine &line, qint32 intervalMs)
 {
     auto picture = std::make_unique<chart::XYChart>(label.width() - besideChart, label.height(),
                                                     chart::colour(backgroundColour), chart::colour(clear));
@@ -73,7 +84,9 @@ std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &
     if (!chart::isValue(newest) || span == 0)
         return picture;
     picture->xAxis().setScale(newest - double(span), newest);
-    picture->addLineLayer(copyOf(times)).addDataSet(copyOf(values), line.name, line.colour);
+    chart::LineLayer &layer = picture->addLineLayer(copyOf(times));
+    layer.setLargestSteps(largestSteps(intervals));
+    layer.addDataSet(copyOf(values), line.name, line.colour);
     return picture;
 }
 

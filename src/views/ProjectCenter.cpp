@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "dialogs/NetworkSettingDialog.h"
+#include "dialogs/PlainToolTip.h"
 #include "dialogs/SensingOptionTelnetDialog.h"
 #include "dialogs/SensingOptionUsbDialog.h"
 #include "ui_ProjectCenter.h"
@@ -21,6 +22,14 @@ const QString overLimitColour = QStringLiteral("color:rgb(230,80,80);background-
 
 constexpr qint64 databaseSizeLimit = 3LL * 1024 * 1024 * 1024;
 constexpr double bytesPerMegabyte = 1048576.0;
+
+/// So that nothing beside it moves when it appears.
+void keepPlace(QWidget *widget)
+{
+    QSizePolicy policy = widget->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget->setSizePolicy(policy);
+}
 
 QString now()
 {
@@ -47,7 +56,9 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
     m_boardLayout->setSpacing(0);
     m_boardLayout->addWidget(m_dashboards);
     new ContentMinimum(m_form->widget_board);
+    keepPlace(m_form->label_record_error);
     m_form->label_record_error->hide();
+    setFocusProxy(m_projectList);
 
     connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
     connect(m_projectList, &ProjectList::dashboardClicked, this, &ProjectCenter::slotDashboardClicked);
@@ -104,9 +115,16 @@ void ProjectCenter::setDatabaseSize(qint64 bytes)
         QStringLiteral("Database ") + QString::number(double(bytes) / bytesPerMegabyte, 'f', 2) + QStringLiteral("MB"));
 }
 
+void ProjectCenter::setRecordingRefused(const QString &reason)
+{
+    m_form->btn_record->setEnabled(false);
+    m_form->btn_record->setToolTip(plainToolTip(reason));
+}
+
 void ProjectCenter::setWriteTrouble(const QString &reason)
 {
     m_form->label_record_error->setText(reason);
+    m_form->label_record_error->setToolTip(plainToolTip(reason)); // a long one is cut at the bar's edge
     m_form->label_record_error->setVisible(!reason.isEmpty());
 }
 
@@ -208,6 +226,9 @@ void ProjectCenter::slotSensingConfirm()
         m_currentDevice->checkAlarmAll();
     m_projectList->refresh();
     m_chartView->refreshHeader();
+    // An exchange may end when its dialog was closed long ago.
+    if (m_dashboardsShowing)
+        m_dashboards->refreshTiles();
     emit updateProjectFile();
 }
 

@@ -37,13 +37,16 @@ QString UsbBench::port(int socket)
 
 loggersim::SerialLogger &UsbBench::logger(int number)
 {
-    auto &logger = m_loggers[number];
-    if (!logger) {
-        const loggersim::Climate climate{QStringLiteral("Room %1").arg(number), 10.0 * number, 0, 10.0 * number, 0};
-        logger = std::make_unique<loggersim::SerialLogger>(key(number), climate, quint32(number), &m_tree,
-                                                           firstPlug() + number);
-    }
-    return *logger;
+    if (m_loggers.count(number) == 0)
+        makeDouble(number, number);
+    return *m_loggers[number];
+}
+
+void UsbBench::makeDouble(int number, int of)
+{
+    const loggersim::Climate climate{QStringLiteral("Room %1").arg(number), 10.0 * number, 0, 10.0 * number, 0};
+    m_loggers[number] =
+        std::make_unique<loggersim::SerialLogger>(key(of), climate, quint32(number), &m_tree, firstPlug() + number);
 }
 
 void UsbBench::plugIn(int number, int socket)

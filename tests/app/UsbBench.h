@@ -21,6 +21,8 @@ public:
 
     /// Made when first asked for, not plugged in yet.
     loggersim::SerialLogger &logger(int number);
+    /// Makes a logger that calls itself like another one; to be called before anything else is asked of it.
+    void makeDouble(int number, int of);
     static QString key(int number);
     /// The port a logger gets in that socket; sockets are numbered like the loggers that begin in them.
     static QString port(int socket);

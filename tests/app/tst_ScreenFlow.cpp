@@ -33,6 +33,7 @@ private slots:
     }
 
     void beginsWithTheStartScreen();
+    void keyboardFollowsTheScreens();
     void aNewProjectLeadsToTheManager();
     void aNewProjectIsConfirmed();
     void aConfirmedProjectIsLoadedAgain();
@@ -60,6 +61,16 @@ void tst_ScreenFlow::beginsWithTheStartScreen()
     QVERIFY(m_op->startScreen()->isVisible());
     QCOMPARE(m_op->startScreen()->parentWidget()->objectName(), QStringLiteral("centralFrame"));
     QCOMPARE(m_op->actions(), actionsWithoutAProject);
+}
+
+void tst_ScreenFlow::keyboardFollowsTheScreens()
+{
+    QCOMPARE(m_op->station->focusWidget(), child<QWidget>(*m_op->startScreen(), "btn_create"));
+    m_op->createProject();
+    QCOMPARE(m_op->station->focusWidget(), child<QWidget>(*m_op->manager(), "availlable_list"));
+    m_op->addByHand();
+    m_op->confirm();
+    QCOMPARE(m_op->station->focusWidget(), child<QWidget>(*m_op->project(), "list_project"));
 }
 
 void tst_ScreenFlow::aNewProjectLeadsToTheManager()
@@ -240,6 +251,11 @@ void tst_ScreenFlow::editingSilencesTheAlarm()
     const auto *sound = m_op->station->findChild<AudioOutput *>();
     QTRY_COMPARE(sound->state(), QAudio::ActiveState);
     m_op->edit();
+    QCOMPARE(sound->state(), QAudio::StoppedState);
+    // A reading that comes in all the same does not bring it back at the next tick.
+    device->readData(QStringLiteral("20.00,45.10"));
+    QVERIFY(device->alarmOnChannel1());
+    m_op->station->slotStdTimer();
     QCOMPARE(sound->state(), QAudio::StoppedState);
 }
 

@@ -42,6 +42,7 @@ private slots:
     void aPortThatIsAnotherLoggersNow_data();
     void aPortThatIsAnotherLoggersNow();
     void aSecondLoggerReopensAll();
+    void theFirstOfTwoWithOneKeyCounts();
 
 private:
     static void whenTheScanRuns();
@@ -387,6 +388,41 @@ void tst_UsbWatch::aSecondLoggerReopensAll()
     QCOMPARE(log.count(opening.arg(UsbBench::port(2))), 1);
     QVERIFY(m_bench->answers(1));
     QVERIFY(m_bench->answers(2));
+}
+
+void tst_UsbWatch::theFirstOfTwoWithOneKeyCounts()
+{
+    m_bench->makeDouble(2, 1);
+    m_bench->plugIn(1);
+    m_bench->plugIn(2);
+    m_bench->open({1});
+    const LogCapture log;
+    const auto projectFile = [this] {
+        QFile file(m_bench->projectPath());
+        return file.open(QIODevice::ReadOnly) ? QFileInfo(file).lastModified() : QDateTime();
+    };
+    // Whoever writes the project now changes that.
+    QFile file(m_bench->projectPath());
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1000000000), QFileDevice::FileModificationTime));
+    file.close();
+    for (int i = 0; i < 5; ++i) {
+        m_bench->scan();
+        QVERIFY(m_bench->answers(1));
+    }
+    QCOMPARE(log.count(QStringLiteral("SerialDevice::open")), 0);
+    QCOMPARE(projectFile(), QDateTime::fromSecsSinceEpoch(1000000000));
+    QCOMPARE(m_bench->device(1)->address(), UsbBench::port(1));
+    QCOMPARE(m_bench->logger(2).commands(), quint64(0));
+
+    m_bench->pullOut(2);
+    m_bench->scan();
+    m_bench->plugIn(2);
+    m_bench->scan();
+    m_bench->scan();
+    const QString said = QStringLiteral("ReachableLoggers::mergeUsb : [ERROR]");
+    QCOMPARE(log.count(said), 1);
+    QVERIFY(m_bench->answers(1));
 }
 
 STATION_TEST_MAIN(tst_UsbWatch)

@@ -87,6 +87,23 @@ private slots:
         QCOMPARE(red, int(2 * density));
     }
 
+    void aLineEndsWhereTheNextPointIsTooFar()
+    {
+        LineLayer layer({10, 30, 60, 80});
+        layer.addDataSet({50, 50, 50, 50}, "a", Qt::red);
+        QCOMPARE(draw(layer).pixelColor(45, 50), QColor(Qt::red));
+        layer.setLargestStep(29.9);
+        QCOMPARE(draw(layer).pixelColor(45, 50), QColor(Qt::black));
+        QCOMPARE(draw(layer).pixelColor(20, 50), QColor(Qt::red));
+        QCOMPARE(draw(layer).pixelColor(70, 50), QColor(Qt::red));
+        layer.setLargestStep(30);
+        QCOMPARE(draw(layer).pixelColor(45, 50), QColor(Qt::red));
+        // Those that are not told are infinite.
+        layer.setLargestSteps({0, 10});
+        QCOMPARE(draw(layer).pixelColor(20, 50), QColor(Qt::black));
+        QCOMPARE(draw(layer).pixelColor(45, 50), QColor(Qt::red));
+    }
+
     void oneReadingIsVisible()
     {
         LineLayer layer({50});

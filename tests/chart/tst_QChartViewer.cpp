@@ -1,8 +1,29 @@
 #include "ViewerFixture.h"
 
+#include <QWindow>
+
 namespace {
 
 const QColor mark(0, 250, 0);
+
+/// A viewer whose screen has the density that the test says.
+class MovableViewer : public QChartViewer
+{
+public:
+    using QChartViewer::QChartViewer;
+
+    double density = 1;
+
+protected:
+    int metric(PaintDeviceMetric which) const override
+    {
+        if (which == PdmDevicePixelRatio)
+            return qRound(density);
+        if (which == PdmDevicePixelRatioScaled)
+            return qRound(density * devicePixelRatioFScale());
+        return QChartViewer::metric(which);
+    }
+};
 
 } // namespace
 
@@ -58,6 +79,45 @@ private slots:
         viewer()->updateDisplay();
         const qreal density = viewer()->devicePixelRatioF();
         QCOMPARE(m_fixture->shown().pixelColor(QPoint(100, 50) * density), mark);
+    }
+
+    void isDrawnAnewForAScreenOfAnotherDensity_data()
+    {
+        QTest::addColumn<double>("density");
+        QTest::newRow("double") << 2.0;
+        QTest::newRow("one and a quarter") << 1.25;
+        QTest::newRow("single") << 1.0;
+    }
+
+    void isDrawnAnewForAScreenOfAnotherDensity()
+    {
+        QFETCH(double, density);
+        QWidget window;
+        MovableViewer moved(&window);
+        moved.setChart(m_fixture->chart.get());
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        m_fixture->chart->dynamicLayer().addDot({100, 50}, 4, mark);
+        moved.density = 3;
+        moved.updateDisplay();
+
+        // As when the window is dragged over.
+        moved.density = density;
+        emit window.windowHandle()->screenChanged(window.windowHandle()->screen());
+        QTRY_COMPARE(moved.pixmap(Qt::ReturnByValue).devicePixelRatio(), density);
+        QCOMPARE(moved.pixmap(Qt::ReturnByValue).toImage(), m_fixture->chart->picture(density));
+        QCOMPARE(moved.size(), QSize(300, 150));
+    }
+
+    void aViewerWithoutAChartMovesToo()
+    {
+        QWidget window;
+        MovableViewer moved(&window);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        moved.density = 2;
+        moved.repaint();
+        QVERIFY(moved.pixmap(Qt::ReturnByValue).isNull());
     }
 
     // View-port updates

@@ -59,6 +59,7 @@ public:
     }
     Expected &withSpan() { return with(block(false).add(span), 545); }
     QImage captionRow() const { return cut(m_image, captions); }
+    const QImage &image() const { return m_image; }
 
     static QImage cut(const QImage &image, const QRect &area)
     {
@@ -173,6 +174,31 @@ private slots:
         QVERIFY(dot.contains(picture->xCoordinate(time).value(), picture->yCoordinate(21.5).value() + 3));
     }
 
+    void inAGapItStandsAtASampleBesideIt_data()
+    {
+        QTest::addColumn<int>("mouse");
+        QTest::addColumn<int>("sample");
+        QTest::newRow("nearer to its beginning") << 400 << 100;
+        QTest::newRow("nearer to its end") << 450 << 160;
+    }
+
+    void inAGapItStandsAtASampleBesideIt()
+    {
+        QFETCH(int, mouse);
+        QFETCH(int, sample);
+        std::vector<double> times = sampleTimes();
+        std::vector<double> values(sampleCount, 20);
+        std::fill(values.begin() + 160, values.end(), 30);
+        times.erase(times.begin() + 101, times.begin() + 160);
+        values.erase(values.begin() + 101, values.begin() + 160);
+        const auto picture = chartOf(times, values);
+        picture->layers().front()->setLargestStep(1.5 * sampleDistance);
+        drawTrackCursor(*picture, mouse, span);
+        Expected expected(*picture, 1);
+        expected.withLegend(red, sample == 100 ? "20.00" : "30.00").withDate(sampleTimes()[size_t(sample)]).withSpan();
+        QCOMPARE(Expected::cut(picture->picture(1), captions), expected.captionRow());
+    }
+
     void theTimeStandsBelowTheAxis_data()
     {
         QTest::addColumn<int>("mouse");
@@ -203,21 +229,63 @@ private slots:
         QCOMPARE(image, drawn);
     }
 
-    void axisLabelsUnderTheTimeAreHiddenWhole()
+    void nothingHidesTheDateOrALabelOfTheAxis_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<int>("density");
+        QTest::newRow("usual") << pictureSize << 1;
+        QTest::newRow("double density") << pictureSize << 2;
+        QTest::newRow("smallest of the station") << QSize(574, 123) << 1;
+    }
+
+    void nothingHidesTheDateOrALabelOfTheAxis()
+    {
+        QFETCH(QSize, size);
+        QFETCH(int, density);
+        const auto picture = flatChart(21.5, red, size);
+        const QImage alone = picture->finishedPicture(density);
+        const chart::PlotArea &plotArea = picture->plotArea();
+        QVERIFY(picture->xLabels().size() > 2);
+        for (int mouse = plotArea.left(); mouse <= plotArea.right(); mouse += 5) {
+            drawTrackCursor(*picture, mouse, {});
+            const QImage image = picture->picture(density);
+            for (const chart::DateAxis::Label &label : picture->xLabels()) {
+                const QRect letters = label.place.toRect().adjusted(0, 2, 0, 0);
+                const QRect below = letters.translated(0, size.height() - label.place.toRect().bottom() - 1);
+                const QImage wanted = Expected::cut(alone, letters);
+                QVERIFY(Expected::cut(image, letters) == wanted || Expected::cut(image, below) == wanted);
+            }
+            const double time = picture->nearestXValue(mouse).value();
+            Expected expected(*picture, density);
+            expected.withLegend(red, "21.50").withDate(time);
+            const QRect captionRow(captions.topLeft(), QSize(plotArea.area.width(), captions.height()));
+            QCOMPARE(Expected::cut(image, captionRow), Expected::cut(expected.image(), captionRow));
+        }
+    }
+
+    void anAxisLabelThatStepsAsideLeavesNothingBehind()
     {
         const auto picture = flatChart();
-        const std::vector<QRectF> places = picture->xLabelPlaces();
-        QVERIFY(places.size() > 2);
-        const QRect place = places[1].toRect();
+        const QRect place = picture->xLabels()[1].place.toRect();
         // Half beside it.
         drawTrackCursor(*picture, place.right() + 10, span);
+        const QRect left(place.left(), place.top(), 10, 180 - place.height() - place.top());
+        QCOMPARE(extentOf(picture->picture(1), left, background), left);
+    }
+
+    void withoutRoomBelowAxisLabelsUnderTheTimeAreHiddenWhole()
+    {
+        const auto picture = flatChart();
+        chart::PlotArea area = picture->plotArea();
+        area.area.setHeight(area.area.height() + 1);
+        picture->setPlotArea(area);
+        const QRect place = picture->xLabels()[1].place.toRect();
+        drawTrackCursor(*picture, place.right() + 10, span);
         const QImage image = picture->picture(1);
-        for (int x = place.left(); x < place.left() + 10; ++x) {
-            for (int y = place.top(); y <= place.bottom(); ++y)
-                QCOMPARE(image.pixelColor(x, y), background);
-        }
-        const QRect other = places[2].toRect();
-        QCOMPARE(Expected::cut(image, other), Expected::cut(picture->finishedPicture(1), other));
+        QCOMPARE(extentOf(image, QRect(place.left(), place.top(), 10, 180 - place.top()), background),
+                 QRect(place.left(), place.top(), 10, 180 - place.top()));
+        QCOMPARE(image.copy(place.left(), 172, place.width(), 8),
+                 picture->finishedPicture(1).copy(1, 172, place.width(), 8));
     }
 
     void theValueStandsOnTheSideWithMoreRoom_data()

@@ -3,6 +3,7 @@
 #include "support/LogCapture.h"
 #include "support/MetaMethods.h"
 #include "support/RecordedRows.h"
+#include "support/TemporaryInterval.h"
 
 #include <QTest>
 
@@ -18,6 +19,7 @@ private slots:
     void declaresSignalsAndSlotsInOrder();
     void keepsItsSettings();
     void readsOneReply();
+    void keepsTheIntervalOfEachSample();
     void showsMissingValuesAsSent();
     void readsWhatIsNoNumberAsZero_data();
     void readsWhatIsNoNumberAsZero();
@@ -37,7 +39,8 @@ private slots:
     void recordsEveryLineOfAReply();
     void recordsThousandsOfLines();
     void gapRowFollowsTheLastRecordedOne();
-    void gapRowBeforeAnyReading();
+    void noGapRowWithoutAReading();
+    void oneGapRowForASeries();
     void logsAlarms();
 };
 
@@ -115,6 +118,23 @@ void tst_ConfiguredDevice::keepsItsSettings()
     ConfiguredDevice serial("B2", UsbInterface);
     serial.setKeepConnection(true);
     QVERIFY(!serial.keepConnection());
+}
+
+void tst_ConfiguredDevice::keepsTheIntervalOfEachSample()
+{
+    ClockedDevice bench;
+    {
+        const TemporaryInterval often(1000);
+        bench.reply("21.50,45.10\n");
+    }
+    const TemporaryInterval seldom(60000);
+    bench.reply("21.60,45.20\n", 60000);
+    bench.reply("21.70,45.30\n", 60000);
+    const History &intervals = bench.device.historyIntervals();
+    QVERIFY(isNoValue(intervals[historyLength - 4]));
+    QCOMPARE(intervals[historyLength - 3], 1000.0);
+    QCOMPARE(intervals[historyLength - 2], 60000.0);
+    QCOMPARE(intervals[historyLength - 1], 60000.0);
 }
 
 void tst_ConfiguredDevice::readsOneReply()
@@ -389,14 +409,30 @@ void tst_ConfiguredDevice::gapRowFollowsTheLastRecordedOne()
     QVERIFY(rows[1].channel1.isNull() && rows[1].channel2.isNull());
 }
 
-void tst_ConfiguredDevice::gapRowBeforeAnyReading()
+void tst_ConfiguredDevice::noGapRowWithoutAReading()
 {
-    const qint64 before = QDateTime::currentSecsSinceEpoch();
-    ConfiguredDevice device("A1", NetworkInterface);
-    device.insertNoValue();
-    const QList<RecordedRow> rows = takeRecordedRows();
-    QCOMPARE(rows.size(), 1);
-    QVERIFY(rows[0].time >= before + 1 && rows[0].time <= QDateTime::currentSecsSinceEpoch() + 1);
+    ClockedDevice bench;
+    bench.device.setRecording(true);
+    bench.device.pollForRecord();
+    LogCapture log;
+    bench.device.insertNoValue();
+    QCOMPARE(log.lines(), QStringList("- ConfiguredDevice::insertNoValue() : A1"));
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+}
+
+void tst_ConfiguredDevice::oneGapRowForASeries()
+{
+    ClockedDevice bench;
+    bench.device.setRecording(true);
+    bench.reply("1,2\n");
+    bench.device.insertNoValue();
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
+    bench.device.insertNoValue();
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
+    bench.reply("1,2\n", 60000);
+    bench.device.insertNoValue();
+    QCOMPARE(InsertSerialData::pendingCount(), 4);
+    QCOMPARE(takeRecordedRows().last().time, 1700000061U);
 }
 
 void tst_ConfiguredDevice::logsAlarms()

@@ -69,9 +69,9 @@ void tst_ReplyParser::readsOneLine()
     QFETCH(QString, line);
     const QVector<Reading> readings = parseReply(line + '\n');
     QCOMPARE(readings.size(), 1);
-    QTEST(readings[0].channel1.text, "text1");
+    QTEST(readings[0].channel1.text(), "text1");
     QTEST(readings[0].channel1.value, "value1");
-    QTEST(readings[0].channel2.text, "text2");
+    QTEST(readings[0].channel2.text(), "text2");
     QTEST(readings[0].channel2.value, "value2");
     QCOMPARE(parseReply(line).size(), 1);
 }
@@ -117,10 +117,10 @@ void tst_ReplyParser::readsHugeFields()
     const QString digits(4000, '9');
     const QVector<Reading> large = parseReply(digits + "," + digits + "\n");
     QCOMPARE(large.size(), 1);
-    QCOMPARE(large[0].channel1.text, QString("0.00"));
+    QCOMPARE(large[0].channel1.text(), QString("0.00"));
     const QVector<Reading> small = parseReply("0." + digits + "," + QString(100000, ',') + "\n");
     QCOMPARE(small.size(), 1);
-    QCOMPARE(small[0].channel1.text, QString("1.00"));
+    QCOMPARE(small[0].channel1.text(), QString("1.00"));
     QCOMPARE(small[0].channel2.value, 0.0);
 }
 

@@ -33,6 +33,7 @@ private slots:
     void failedPortForgetsItsName();
     void nameGivenWhileClosingIsKept();
     void closingAFailedPortAtOnceIsNotRepeated();
+    void loggerThatSendsTooMuchIsCutOff();
     void survivesThePortsDeletion();
     void mayBeDeletedInsideItsSignals_data();
     void mayBeDeletedInsideItsSignals();
@@ -383,6 +384,34 @@ void tst_SerialDevice::closingAFailedPortAtOnceIsNotRepeated()
     QCoreApplication::processEvents();
     QCOMPARE(log.count("SerialDevice::close : "), 1);
     QVERIFY(!link.open());
+}
+
+void tst_SerialDevice::loggerThatSendsTooMuchIsCutOff()
+{
+    LogCapture log;
+    SerialLine logger;
+    SerialDevice link;
+    QSignalSpy readyRead(&link, &SerialDevice::readyRead);
+    QSignalSpy disconnected(&link, &SerialDevice::disconnected);
+    link.setDeviceInfo(logger.portName(), 0);
+    for (int cut = 1; cut <= 3; ++cut) {
+        QVERIFY(link.open());
+        link.write();
+        logger.send(QByteArray("ATCD 1e308,1e308\n").repeated(replyBounds::linesPerPoll + 1));
+        QTRY_VERIFY(!link.isOpen());
+        QCOMPARE(disconnected.count(), cut);
+    }
+    QCOMPARE(log.count("[ERROR] SerialDevice::readData : [" + logger.portName() + "] : more than 128 lines"), 1);
+
+    readyRead.clear();
+    QVERIFY2(link.open(), "its port is as good as before");
+    link.write();
+    logger.send("ATCD 1,2\n");
+    QVERIFY(readyRead.wait());
+    QCOMPARE(readyRead.first().first().toString(), QString("1,2\n"));
+    logger.send(QByteArray("ATCD 3,4\n").repeated(replyBounds::linesPerPoll / 2));
+    QVERIFY2(readyRead.wait(), "several readings are legal");
+    QCOMPARE(disconnected.count(), 3);
 }
 
 void tst_SerialDevice::survivesThePortsDeletion()

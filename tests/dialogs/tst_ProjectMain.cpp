@@ -30,6 +30,7 @@ private slots:
     void recentProjectsAreListed();
     void recentProjectIsHandedOnByItsPath();
     void recentProjectOpensWithEnter();
+    void keyboardStartsAtTheWayInThatIsThere();
 
     void newFileName_data();
     void newFileName();
@@ -233,6 +234,23 @@ void tst_ProjectMain::recentProjectOpensWithEnter()
     auto *items = panel.findChild<QListWidget *>();
     items->setCurrentRow(0);
     QTest::keyClick(items, Qt::Key_Return);
+    QCOMPARE(loaded.takeFirst().at(0).toString(), QStringLiteral("/data/lab.tpc"));
+}
+
+void tst_ProjectMain::keyboardStartsAtTheWayInThatIsThere()
+{
+    QCOMPARE(m_panel->focusProxy(), m_panel->findChild<QPushButton *>(QStringLiteral("btn_create")));
+
+    ProjectMain panel({QStringLiteral("Lab"), QStringLiteral("Attic")},
+                      {{QStringLiteral("Lab"), QStringLiteral("/data/lab.tpc")}});
+    QSignalSpy loaded(&panel, &ProjectMain::projectLoaded);
+    panel.show();
+    QVERIFY(QTest::qWaitForWindowActive(&panel));
+    panel.setFocus();
+    QCOMPARE(QApplication::focusWidget(), panel.findChild<QListWidget *>());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    QCOMPARE(loaded.count(), 0);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     QCOMPARE(loaded.takeFirst().at(0).toString(), QStringLiteral("/data/lab.tpc"));
 }
 

@@ -35,9 +35,15 @@ private slots:
     void formIsAsDesigned();
     void tabsAreAsDesigned();
     void iconButtonsAreNamed();
+    void buttonsCarryTheirIcons_data();
+    void buttonsCarryTheirIcons();
+    void keyboardStartsInTheSearchedList();
     void foundDevicesAreListed();
     void placedDevicesAreLeftOutOfTheSearch();
     void searchKeepsTheSelectionAndNoRecord();
+    void searchKeepsThePlaceInTheList_data();
+    void searchKeepsThePlaceInTheList();
+    void searchTakesWhatIsGone();
     void configuredDevicesAreListed();
     void devicesBeyondADashboardAreSkipped();
     void sixtyFourConfiguredDevicesAreReported();
@@ -117,6 +123,31 @@ void tst_ProjectManager::iconButtonsAreNamed()
     }
 }
 
+void tst_ProjectManager::buttonsCarryTheirIcons_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<QString>("picture");
+    QTest::newRow("confirm") << QByteArray("btn_confirm") << ":/img/btn_createProject.png";
+    QTest::newRow("interval") << QByteArray("btn_timeInterval") << ":/img/btn_interval.png";
+    QTest::newRow("add") << QByteArray("btn_add") << ":/img/btn_addDevice.png";
+    QTest::newRow("remove") << QByteArray("btn_remove") << ":/img/btn_removeDevice.png";
+    QTest::newRow("refresh") << QByteArray("pushButton_refresh") << lanPicture;
+}
+
+void tst_ProjectManager::buttonsCarryTheirIcons()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(QString, picture);
+    const QIcon expected(picture);
+    QVERIFY(!expected.pixmap(32, 32).isNull());
+    QCOMPARE(m_manager->button(button)->icon().pixmap(32, 32).toImage(), expected.pixmap(32, 32).toImage());
+}
+
+void tst_ProjectManager::keyboardStartsInTheSearchedList()
+{
+    QCOMPARE(m_manager->panel.focusProxy(), m_manager->available());
+}
+
 void tst_ProjectManager::foundDevicesAreListed()
 {
     m_manager->find(QStringLiteral("12345678"), QStringLiteral("COM5"), 23, UsbInterface);
@@ -163,6 +194,64 @@ void tst_ProjectManager::searchKeepsTheSelectionAndNoRecord()
     QCOMPARE(devices.size(), 1);
     QCOMPARE(devices.first()->address(), QStringLiteral("10.0.0.1"));
     qDeleteAll(devices);
+}
+
+void tst_ProjectManager::searchKeepsThePlaceInTheList_data()
+{
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("behind");
+    QTest::newRow("no news") << 0 << 0;
+    QTest::newRow("one more") << 0 << 1;
+    QTest::newRow("one more above") << 1 << 0;
+}
+
+void tst_ProjectManager::searchKeepsThePlaceInTheList()
+{
+    QFETCH(int, before);
+    QFETCH(int, behind);
+    m_manager->panel.resize(1010, 464);
+    m_manager->panel.show();
+    m_manager->findNetworkLoggers(60);
+    m_manager->giveFound();
+    QListWidget *list = m_manager->available();
+    list->item(29)->setSelected(true);
+    list->setCurrentRow(31, QItemSelectionModel::Select);
+    list->scrollToItem(list->item(25), QAbstractItemView::PositionAtTop);
+    const auto isAtTop = [list](int row) {
+        return list->visualItemRect(list->item(row)).top() == 0;
+    };
+    QVERIFY(isAtTop(25));
+
+    m_manager->forgetFound();
+    for (int i = 0; i < before; ++i)
+        m_manager->find(QStringLiteral("12345678"), QStringLiteral("COM5"), 23, UsbInterface);
+    m_manager->findNetworkLoggers(60 + behind);
+    m_manager->giveFound();
+    QCOMPARE(list->count(), 60 + before + behind);
+    QVERIFY(list->item(before)->text().startsWith(m_manager->networkKey(0)));
+    QCOMPARE(list->currentRow(), 31 + before);
+    QCOMPARE(list->selectedItems().size(), 2);
+    QVERIFY(list->item(29 + before)->isSelected());
+    QVERIFY(isAtTop(25 + before));
+    QCoreApplication::processEvents();
+    QVERIFY(isAtTop(25 + before));
+    QTest::keyClick(list, Qt::Key_Down);
+    QCOMPARE(list->currentRow(), 32 + before);
+}
+
+void tst_ProjectManager::searchTakesWhatIsGone()
+{
+    m_manager->find(QStringLiteral("12345678"), QStringLiteral("COM5"), 23, UsbInterface);
+    m_manager->findNetworkLoggers(3);
+    m_manager->giveFound();
+    QListWidget *list = m_manager->available();
+    list->setCurrentRow(2);
+    m_manager->forgetFound();
+    m_manager->find(m_manager->networkKey(2), QStringLiteral("10.0.0.9"), 4001, NetworkInterface);
+    m_manager->find(m_manager->networkKey(0), QStringLiteral("10.0.0.1"), 23, NetworkInterface);
+    m_manager->giveFound();
+    QCOMPARE(m_manager->texts(list), (QStringList{m_manager->networkKey(2) + QStringLiteral("\t[10.0.0.9:4001]"),
+                                                  m_manager->networkKey(0) + QStringLiteral("\t[10.0.0.1:23]")}));
 }
 
 void tst_ProjectManager::configuredDevicesAreListed()
@@ -240,10 +329,12 @@ void tst_ProjectManager::dashboardNames()
 
 void tst_ProjectManager::longDashboardNamesCannotBeTyped()
 {
-    auto *name = m_manager->child<QLineEdit>("lineEdit_dashboard_1");
-    name->clear();
-    QTest::keyClicks(name, QStringLiteral("12345678901234"));
-    QCOMPARE(name->text(), QStringLiteral("1234567890123"));
+    for (int number = 1; number <= 4; ++number) {
+        auto *name = m_manager->panel.findChild<QLineEdit *>(QStringLiteral("lineEdit_dashboard_%1").arg(number));
+        name->clear();
+        QTest::keyClicks(name, QStringLiteral("12345678901234"));
+        QCOMPARE(name->text(), QStringLiteral("1234567890123"));
+    }
 }
 
 void tst_ProjectManager::severalDevicesMoveAtOnce()

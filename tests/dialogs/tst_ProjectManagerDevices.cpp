@@ -47,6 +47,7 @@ private slots:
     void unconfirmedDevicesAreHandedOut();
     void confirmedDevicesAreNot();
     void dialogHandsItsDeviceToTheManager();
+    void closedDialogsDoNotPileUp();
     void testUnderWayEndsWithTheManager_data();
     void testUnderWayEndsWithTheManager();
 
@@ -198,7 +199,8 @@ void tst_ProjectManagerDevices::nothingToConfirm()
 {
     m_manager->findNetworkLoggers(1);
     m_manager->giveFound();
-    QVERIFY(confirm().isEmpty());
+    m_manager->button("btn_confirm")->click();
+    QCOMPARE(m_confirmed->count(), 0);
     QCOMPARE(
         m_manager->messages(),
         QStringList{QStringLiteral("INFORMATION: You must add at least one device to the dashboard.\nPlease retry.")});
@@ -405,6 +407,19 @@ void tst_ProjectManagerDevices::dialogHandsItsDeviceToTheManager()
     m_new.emplace_back(devices.first());
     QCOMPARE(devices.first()->serialNumber(), ovenKey);
     QCOMPARE(devices.first()->address(), logger.address());
+}
+
+void tst_ProjectManagerDevices::closedDialogsDoNotPileUp()
+{
+    const auto dialogs = [this] {
+        return m_manager->panel.findChildren<ManualConfigDeviceDialog *>();
+    };
+    for (int i = 0; i < 3; ++i) {
+        m_manager->button("btn_manual")->click();
+        QCOMPARE(dialogs().size(), 1);
+        QVERIFY(dialogs().first()->isVisible());
+        dialogs().first()->close();
+    }
 }
 
 void tst_ProjectManagerDevices::testUnderWayEndsWithTheManager_data()

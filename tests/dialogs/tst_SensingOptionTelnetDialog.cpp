@@ -23,6 +23,7 @@ private slots:
     void unlistedRuleIsSentAsItStands();
     void limitsAreSentWithADecimalPoint();
     void refusalAsksForARetry();
+    void timeLimitIsTwoSeconds();
     void timeLimitFollowsARefusal();
     void silentLoggerExceedsTheTimeLimit_data();
     void silentLoggerExceedsTheTimeLimit();
@@ -218,6 +219,20 @@ void tst_SensingOptionTelnetDialog::refusalAsksForARetry()
     button(dialog).click();
     QTRY_VERIFY(!dialog);
     QCOMPARE(cellar.device->alarmRange().min1, 12.0F);
+}
+
+void tst_SensingOptionTelnetDialog::timeLimitIsTwoSeconds()
+{
+    Cellar cellar;
+    cellar.logger.setSilent();
+    const auto dialog = cellar.open();
+    const auto *limit = dialog->findChild<QTimer *>("timeLimit");
+    QVERIFY(limit);
+    QVERIFY(!limit->isActive());
+    confirmMin1(dialog, 12);
+    QVERIFY(limit->isActive());
+    QVERIFY(limit->isSingleShot());
+    QCOMPARE(limit->interval(), 2000);
 }
 
 void tst_SensingOptionTelnetDialog::timeLimitFollowsARefusal()

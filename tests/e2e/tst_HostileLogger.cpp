@@ -4,6 +4,8 @@
 #include <QSet>
 #include <QTest>
 
+#include <algorithm>
+
 namespace {
 
 const QString quotedKey = QStringLiteral("0200'E2''0042");
@@ -19,11 +21,34 @@ const QStringList &harmless()
 const QStringList &hostile()
 {
     static const QStringList faults{
-        QStringLiteral("garbage"),   QStringLiteral("flood"),  QStringLiteral("hugenumbers"), QStringLiteral("nan"),
-        QStringLiteral("manylines"), QStringLiteral("quotes"), QStringLiteral("binary"),      QStringLiteral("split"),
-        QStringLiteral("noecho"),    QStringLiteral("stall"),  QStringLiteral("vanish"),      QStringLiteral("refuse"),
+        QStringLiteral("garbage"), QStringLiteral("flood"),        QStringLiteral("hugenumbers"),
+        QStringLiteral("nan"),     QStringLiteral("manylines:20"), QStringLiteral("quotes"),
+        QStringLiteral("binary"),  QStringLiteral("split"),        QStringLiteral("noecho"),
+        QStringLiteral("stall"),   QStringLiteral("vanish"),       QStringLiteral("refuse"),
         QStringLiteral("silent")};
     return faults;
+}
+
+QList<int> servedSoFar(const E2eFixture &e2e)
+{
+    QList<int> counts;
+    for (int i = 0; i < e2e.loggerCount(); ++i)
+        counts += e2e.served(i).count();
+    return counts;
+}
+
+bool areReadAgain(const E2eFixture &e2e, const QList<int> &since)
+{
+    const QList<int> counts = servedSoFar(e2e);
+    return std::equal(counts.cbegin(), counts.cend(), since.cbegin(),
+                      [](int now, int before) { return now >= before + 5; });
+}
+
+QString cutOffLine(const loggersim::SimLogger &logger)
+{
+    return QStringLiteral("[ERROR] TelnetDevice::readData : [%1] : [%2] : more than")
+        .arg(logger.address())
+        .arg(logger.port());
 }
 
 } // namespace
@@ -36,6 +61,7 @@ class tst_HostileLogger : public QObject
 private slots:
     void othersLoseNothing();
     void isReadAgain();
+    void isCutOffWhenItSendsTooMuch();
 
 private:
     void verifyHostileRows(const E2eFixture &e2e, int firstHostile);
@@ -80,7 +106,7 @@ void tst_HostileLogger::verifyHostileRows(const E2eFixture &e2e, int firstHostil
     };
     for (const char *fault : {"garbage", "noecho", "stall", "vanish", "refuse", "silent"})
         QVERIFY2(readings(QLatin1String(fault)).isEmpty(), fault);
-    for (const char *fault : {"flood", "manylines", "hugenumbers", "nan", "quotes", "binary"})
+    for (const char *fault : {"manylines:20", "hugenumbers", "nan", "quotes", "binary"})
         QVERIFY2(!readings(QLatin1String(fault)).isEmpty(), fault);
     for (const RecordedRow &row : readings(QStringLiteral("nan"))) {
         QCOMPARE(row.channel1.toDouble(), 0.0);
@@ -105,18 +131,9 @@ void tst_HostileLogger::isReadAgain()
     const int before = e2e.served(0).count();
     QVERIFY2(e2e.waitUntil([&] { return e2e.served(0).count() >= before + 8; }), e2e.station().lastWords());
 
-    QList<int> atRecovery;
-    for (int i = 0; i < e2e.loggerCount(); ++i) {
-        e2e.setFault(i, QStringLiteral("none"));
-        atRecovery += e2e.served(i).count();
-    }
-    const auto areReadAgain = [&] {
-        bool all = true;
-        for (int i = 0; i < e2e.loggerCount(); ++i)
-            all = all && e2e.served(i).count() >= atRecovery.at(i) + 5;
-        return all;
-    };
-    QVERIFY2(e2e.waitUntil(areReadAgain), e2e.station().lastWords());
+    const QList<int> atRecovery = servedSoFar(e2e);
+    e2e.setFaults(QStringLiteral("none"));
+    QVERIFY2(e2e.waitUntil([&] { return areReadAgain(e2e, atRecovery); }), e2e.station().lastWords());
     QVERIFY2(e2e.station().end(), e2e.station().lastWords());
     QVERIFY2(e2e.station().hasSucceeded(), e2e.station().lastWords());
 
@@ -126,6 +143,42 @@ void tst_HostileLogger::isReadAgain()
     for (int i = 0; i < e2e.loggerCount(); ++i) {
         QCOMPARE(e2e.served(i).missingSince(atRecovery.at(i), rows), QStringList());
         QVERIFY(readingsOf(e2e.served(i).serial(), rows).size() <= e2e.served(i).count());
+    }
+}
+
+/// It costs the others nothing, is told of once, and counts again as soon as it behaves.
+void tst_HostileLogger::isCutOffWhenItSendsTooMuch()
+{
+    constexpr int good = 4;
+    constexpr int hostileCount = 16;
+    const QStringList tooMuch{QStringLiteral("largenumbers"), QStringLiteral("manylines"), QStringLiteral("flood:1024"),
+                              QStringLiteral("largenumbers:1024")};
+    E2eFixture e2e;
+    for (int i = 0; i < good; ++i)
+        e2e.addLogger();
+    for (int i = 0; i < hostileCount; ++i)
+        e2e.addLogger(tooMuch.at(i % tooMuch.size()));
+    e2e.setLogRules(QStringLiteral("sorvanto.*.debug=false"));
+    QVERIFY2(e2e.start(), e2e.startError());
+    QVERIFY2(e2e.waitUntil([&] { return e2e.haveServed(12, good); }), e2e.station().lastWords());
+    for (int i = good; i < e2e.loggerCount(); ++i) {
+        QVERIFY2(e2e.waitUntil([&] { return e2e.logger(i).commands() >= 6; }), e2e.station().lastWords());
+        QCOMPARE(e2e.station().count(cutOffLine(e2e.logger(i))), 1);
+    }
+
+    const QList<int> atRecovery = servedSoFar(e2e);
+    e2e.setFaults(QStringLiteral("none"));
+    QVERIFY2(e2e.waitUntil([&] { return areReadAgain(e2e, atRecovery); }), e2e.station().lastWords());
+    QVERIFY2(e2e.fallSilent(), e2e.station().lastWords());
+    QVERIFY2(e2e.station().end(), e2e.station().lastWords());
+    QVERIFY2(e2e.station().hasSucceeded(), e2e.station().lastWords());
+
+    QCOMPARE(e2e.differences(good, false), QByteArray());
+    const QList<RecordedRow> rows = e2e.rows();
+    for (int i = good; i < e2e.loggerCount(); ++i) {
+        // Its first honest answer may have come behind what was still on its way.
+        QCOMPARE(e2e.served(i).missingSince(atRecovery.at(i) + 1, rows), QStringList());
+        QCOMPARE(e2e.station().count(cutOffLine(e2e.logger(i))), 1);
     }
 }
 

@@ -50,6 +50,7 @@ private slots:
 private:
     void openProject();
     void lookAtTheAddress();
+    void typeLimitsAsPeopleDo();
     void setLimits();
     void beRefused();
     void getNoAnswer();
@@ -83,6 +84,7 @@ void tst_OperatorOptions::theFirstRun()
     const int code = OperatorDesk::runStation([this] {
         STEP(openProject);
         STEP(lookAtTheAddress);
+        STEP(typeLimitsAsPeopleDo);
         STEP(setLimits);
         STEP(beRefused);
         STEP(getNoAnswer);
@@ -110,8 +112,27 @@ void tst_OperatorOptions::lookAtTheAddress()
     SEES(!Operator::sees("NetworkSettingDialog"));
 }
 
+void tst_OperatorOptions::typeLimitsAsPeopleDo()
+{
+    QVERIFY(openOptions(network));
+    QVERIFY(Operator::type("doubleSpinBox_max_ch1", "1.234,56"));
+    QVERIFY(Operator::click("pushButton_confirm"));
+    SEES_EQUAL(Operator::messages(),
+               QStringList{"The alarm maximum of channel 1 is not valid.\nEnter a number from -10000000 to 10000000 "
+                           "with at most two decimals, such as 21.75."});
+    Operator::photograph("message-no-number");
+    QVERIFY(Operator::closeMessage());
+    QCOMPARE(m_desk->loggers().control("commands 1"), QByteArray());
+    QVERIFY(Operator::type("doubleSpinBox_max_ch1", "21,75"));
+    QVERIFY(Operator::click("pushButton_confirm"));
+    SEES(!Operator::sees("SensingOptionTelnetDialog"));
+    QCOMPARE(commands().value(1), QByteArray("ATBMAX1 21.75"));
+    QCOMPARE(m_desk->loggers().control("stored 1"), QByteArray("0.00 21.75 0.00 0.00 OFF"));
+}
+
 void tst_OperatorOptions::setLimits()
 {
+    m_commands = commands();
     QVERIFY(openOptions(network));
     QCOMPARE(Operator::text("pushButton_confirm"), QStringLiteral("CONFIRM"));
     QCOMPARE(Operator::text("label_macaddr"), network);
@@ -129,7 +150,7 @@ void tst_OperatorOptions::setLimits()
     Operator::photograph("options-network", "SensingOptionTelnetDialog");
     QVERIFY(Operator::click("pushButton_confirm"));
     SEES(!Operator::sees("SensingOptionTelnetDialog"));
-    QCOMPARE(commands(),
+    QCOMPARE(commands().mid(m_commands.size()),
              QByteArrayList({"ATBMIN1 -2.50", "ATBMAX1 8.00", "ATBMIN2 30.00", "ATBMAX2 90.00", "ATBAL OR", "ATBSET"}));
     QCOMPARE(m_desk->loggers().control("stored 1"), QByteArray("-2.50 8.00 30.00 90.00 OR"));
 }

@@ -4,11 +4,6 @@
 #include <QSqlQuery>
 #include <QtTest>
 
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#include <unistd.h>
-#endif
-
 class tst_InsertSerialData : public QObject
 {
     Q_OBJECT
@@ -23,7 +18,6 @@ private slots:
     void failedConnectionIsNotTakenForAnOpenOne();
     void unusableFileIsRefused_data();
     void unusableFileIsRefused();
-    void readOnlyFileIsRefused();
     void fileReadByAnotherProgramOpens();
     void fileLockedByAnotherProgramIsRefused();
     void lockIsWaitedForBriefly();
@@ -163,62 +157,6 @@ void tst_InsertSerialData::unusableFileIsRefused()
     QVERIFY(text.open(QIODevice::ReadOnly));
     QCOMPARE(text.readAll(), words);
 }
-
-#ifdef Q_OS_UNIX
-namespace {
-
-// The file permissions bind nobody who is root.
-class OrdinaryUser
-{
-public:
-    OrdinaryUser() : m_uid(geteuid())
-    {
-        if (m_uid == 0)
-            m_ok = setresuid(nobody, nobody, 0) == 0;
-    }
-    ~OrdinaryUser()
-    {
-        if (m_uid == 0 && setresuid(0, 0, 0) != 0)
-            qFatal("cannot become root again");
-    }
-    OrdinaryUser(const OrdinaryUser &) = delete;
-    OrdinaryUser &operator=(const OrdinaryUser &) = delete;
-    bool isOk() const { return m_ok; }
-
-private:
-    static constexpr uid_t nobody = 65534;
-    uid_t m_uid;
-    bool m_ok = true;
-};
-
-} // namespace
-
-void tst_InsertSerialData::readOnlyFileIsRefused()
-{
-    const Recording recording;
-    InsertSerialData::enqueue(row("A1", 1700000000));
-    recording.open()->insertNow();
-    QCOMPARE(chmod(QFile::encodeName(recording.folder()), 0777), 0);
-    QCOMPARE(chmod(QFile::encodeName(recording.file()), 0444), 0);
-
-    const OrdinaryUser user;
-    QVERIFY(user.isOk());
-    const LogCapture log;
-    QVERIFY(!recording.open());
-    QVERIFY(log.lines().contains("InsertSerialData::createConnection : fail"));
-    QCOMPARE(log.warnings(),
-             QStringList("InsertSerialData::createConnection : [ERROR] not writable : " + recording.file()));
-}
-#else
-void tst_InsertSerialData::readOnlyFileIsRefused()
-{
-    const Recording recording;
-    recording.open().reset();
-    QVERIFY(QFile::setPermissions(recording.file(), QFile::ReadOwner));
-    QVERIFY(!recording.open());
-    QVERIFY(QFile::setPermissions(recording.file(), QFile::ReadOwner | QFile::WriteOwner));
-}
-#endif
 
 void tst_InsertSerialData::fileReadByAnotherProgramOpens()
 {

@@ -1,4 +1,5 @@
 #include "store/Recording.h"
+#include "store/StoredRows.h"
 #include "support/LogCapture.h"
 
 #include <QSignalSpy>
@@ -19,6 +20,8 @@ private slots:
     void sideFileStaysUntilItsRowsAreCommitted();
     void rowsThatWaitTwiceAreKeptOnce();
     void crashBetweenCommitAndRemovalStoresNothingTwice();
+    void newestRowsAreSearched_data();
+    void newestRowsAreSearched();
     void takenInOnlyOnce();
     void anotherStoreMayWriteThem();
     void failedStatementLeavesTheSideFile();
@@ -188,6 +191,32 @@ void tst_InsertSerialData_keptRows::crashBetweenCommitAndRemovalStoresNothingTwi
     QCOMPARE(recording.rows().size(), 5);
     QVERIFY(!QFile::exists(recording.sideFile()));
     QCOMPARE(recording.integrity(), QString("ok"));
+}
+
+void tst_InsertSerialData_keptRows::newestRowsAreSearched_data()
+{
+    QTest::addColumn<int>("rowsSince");
+    QTest::addColumn<int>("copies");
+    QTest::newRow("found") << newestRowsSearched - 1 << 1;
+    QTest::newRow("too long ago") << newestRowsSearched << 2;
+}
+
+/// The recording may be larger than the memory: it is not gone through for the sake of a row.
+void tst_InsertSerialData_keptRows::newestRowsAreSearched()
+{
+    QFETCH(int, rowsSince);
+    QFETCH(int, copies);
+    const Recording recording;
+    keep(recording, {row("A1", 1700000000)});
+    const OtherProgram other(recording.file());
+    QVERIFY(other.exec("insert into ostrivane (serialno, channel1, channel2, pointDate) values "
+                       "('A1', 21.5, 40, 1700000000)"));
+    QVERIFY(other.exec(QStringLiteral("insert into ostrivane (serialno, channel1, channel2, pointDate) "
+                                      "with recursive n(i) as (select 1 union all select i + 1 from n where i < %1) "
+                                      "select 'B2', i, 0, 1700000000 from n")
+                           .arg(rowsSince)));
+    recording.open()->insertNow();
+    QCOMPARE(other.rows("select count(*) from ostrivane where serialno = 'A1'"), QStringList(QString::number(copies)));
 }
 
 void tst_InsertSerialData_keptRows::takenInOnlyOnce()

@@ -299,6 +299,7 @@ void tst_NetworkLogger::hostileReplies_data()
     QTest::newRow("garbage") << "garbage" << 20;
     QTest::newRow("nan") << "nan" << 14;
     QTest::newRow("hugenumbers") << "hugenumbers" << 8000;
+    QTest::newRow("largenumbers") << "largenumbers" << 63 * 1024;
     QTest::newRow("quotes") << "quotes" << 30;
     QTest::newRow("binary") << "binary" << 512;
     QTest::newRow("manylines") << "manylines" << 5000 * 15;

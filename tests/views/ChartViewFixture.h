@@ -28,8 +28,8 @@ public:
     ~ChartViewFixture() { device().detachViews(); }
 
     ConfiguredDevice &device() { return m_clocked.device; }
-    /// A reading ten seconds after the one before.
-    void reply(const QString &text) { m_clocked.reply(text, 10000); }
+    /// A reading ten seconds after the one before, or later.
+    void reply(const QString &text, int msLater = 10000) { m_clocked.reply(text, msLater); }
     void attach()
     {
         view.setDevice(&device());

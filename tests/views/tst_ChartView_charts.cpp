@@ -63,6 +63,48 @@ private slots:
         QCOMPARE(span(), 240.0);
     }
 
+    void anOutageIsAGap()
+    {
+        m_fixture->attach();
+        for (const int msLater : {10000, 10000, 10000, 600000, 10000, 10000})
+            m_fixture->reply("21.50,45.10", msLater);
+        m_fixture->show(QSize(810, 404));
+        for (const int channel : {0, 1}) {
+            chart::XYChart &picture = *m_fixture->viewer(channel)->chart();
+            const chart::LineLayer &line = *picture.layers().front();
+            const double newest = line.xValues().back();
+            const QColor colour = line.dataSets().front()->colour;
+            const int y = picture.yCoordinate(line.dataSets().front()->values.back()).value();
+            const auto isDrawnAt = [&](double secondsAgo) {
+                return picture.finishedPicture(1).pixelColor(picture.xCoordinate(newest - secondsAgo).value(), y) ==
+                       colour;
+            };
+            QVERIFY(isDrawnAt(10));
+            QVERIFY(!isDrawnAt(320));
+            QVERIFY(isDrawnAt(630));
+        }
+    }
+
+    void readingsOfAnEarlierIntervalStayJoined()
+    {
+        m_fixture->attach();
+        for (int i = 0; i < 4; ++i)
+            m_fixture->reply("21.50,45.10", 10000);
+        dataIntervalMs = 1000;
+        m_fixture->reply("21.50,45.10", 1000);
+        m_fixture->show(QSize(810, 404));
+        chart::XYChart &picture = *m_fixture->viewer(0)->chart();
+        const double newest = picture.layers().front()->xValues().back();
+        const int y = picture.yCoordinate(21.5).value();
+        const int between = picture.xCoordinate(newest - 6).value();
+        QCOMPARE(picture.finishedPicture(1).pixelColor(between, y), QColor(255, 0, 0));
+        // Nor does another view of the same device tell otherwise.
+        view().clear();
+        view().setDevice(&m_fixture->device());
+        chart::XYChart &again = *m_fixture->viewer(0)->chart();
+        QCOMPARE(again.finishedPicture(1).pixelColor(between, y), QColor(255, 0, 0));
+    }
+
     // The cursor
 
     void theCursorFollowsTheMouseOverTheFinishedPicture()

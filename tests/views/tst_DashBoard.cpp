@@ -93,6 +93,26 @@ private slots:
                  QStringLiteral("background-color: rgb(89, 89, 89);"));
     }
 
+    void emptyCellsAreDarkerThanTheBoard()
+    {
+        Rooms rooms(1);
+        DashBoard board;
+        board.setDevices(rooms.all());
+        board.show();
+        const QImage picture = board.grab().toImage();
+        const auto colourAt = [&](const QPoint &at) {
+            return picture.pixelColor(at * picture.devicePixelRatio());
+        };
+        QCOMPARE(colourAt({1, 1}), QColor(89, 89, 89));
+        for (int number = 3; number <= 32; ++number) {
+            const QWidget *empty = cell(board, number);
+            if (!shownIn(empty).isEmpty())
+                continue;
+            for (const QPoint &at : {empty->rect().topLeft(), empty->rect().center(), empty->rect().bottomRight()})
+                QCOMPARE(colourAt(empty->mapTo(&board, at)), QColor(82, 82, 82));
+        }
+    }
+
     void devicesFillColumnPairsDownwards()
     {
         Rooms rooms(16);

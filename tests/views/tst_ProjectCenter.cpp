@@ -1,8 +1,10 @@
 #include "device/ConfiguredDevice.h"
+#include "dialogs/PlainToolTip.h"
 #include "views/ProjectCenter.h"
 
 #include <QDateTime>
 #include <QLabel>
+#include <QLayout>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -102,8 +104,37 @@ private slots:
         QVERIFY(!trouble->isHidden());
         QCOMPARE(trouble->text(), QStringLiteral("The disk is <b>full</b>."));
         QCOMPARE(trouble->textFormat(), Qt::PlainText);
+        QCOMPARE(trouble->toolTip(), plainToolTip(trouble->text()));
         center.setWriteTrouble({});
         QVERIFY(trouble->isHidden());
+    }
+
+    void writeTroubleMovesNothing()
+    {
+        ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        center.resize(1500, 464);
+        center.show();
+        const auto places = [&center] {
+            QList<QRect> all{center.findChild<QWidget *>(QStringLiteral("btn_record"))->geometry()};
+            for (const char *name :
+                 {"label_record_starttime", "label_to", "label_record_endtime", "label_record_bytes"})
+                all << label(center, name)->geometry();
+            return all;
+        };
+        const QList<QRect> before = places();
+        center.setWriteTrouble(QStringLiteral("The disk is full."));
+        center.layout()->activate();
+        QVERIFY(label(center, "label_record_error")->width() > 100);
+        QCOMPARE(places(), before);
+        center.setWriteTrouble({});
+        center.layout()->activate();
+        QCOMPARE(places(), before);
+    }
+
+    void keyboardStartsInTheDeviceList()
+    {
+        const ProjectCenter center(QStringLiteral("/data/Kitchen.tpc"));
+        QCOMPARE(center.focusProxy()->focusProxy(), center.findChild<QWidget *>(QStringLiteral("list_project")));
     }
 
     void recordButtonAsksForRecording()

@@ -8,6 +8,7 @@
 #include "views/ProjectCenter.h"
 #include "views/StateBackground.h"
 
+#include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QFrame>
 #include <QLabel>
@@ -46,6 +47,7 @@ private slots:
     void optionButtonOpensTheDialog();
     void withoutAChartThereIsNothingToSet();
     void changesShowEverywhere();
+    void changesShowOnTheDashboards();
     void closedDialogsDoNotPileUp();
     void aClosedDialogKeepsItsExchange();
 
@@ -169,6 +171,31 @@ void tst_ProjectCenter_options::changesShowEverywhere()
     QCOMPARE(part<QLabel>(tile, "label_device")->text(), QStringLiteral("Stove"));
     QTRY_COMPARE(tileFrame(2)->styleSheet(), styleSheetOf(StateBackground::Alarm));
     QVERIFY(tileFrame(3)->styleSheet() != styleSheetOf(StateBackground::Alarm));
+}
+
+/// A dialog that was closed during its exchange is done when the dashboards show again.
+void tst_ProjectCenter_options::changesShowOnTheDashboards()
+{
+    m_logger->setSilent();
+    m_cold->readData(QStringLiteral("9.00,45.10"));
+    openChart(0);
+    popUp();
+    SensingOptionDialog *dialog = dialogs().first();
+    QTest::mouseClick(part<QPushButton>(m_center.get(), "button_project"), Qt::LeftButton);
+    part<QLineEdit>(dialog, "lineEdit_devicename")->setText(QStringLiteral("Ice room"));
+    part<QLineEdit>(dialog, "lineEdit_ch1name")->setText(QStringLiteral("Shelf"));
+    part<QComboBox>(dialog, "comboBox_unit_ch1")->setCurrentIndex(2);
+    part<QDoubleSpinBox>(dialog, "doubleSpinBox_max_ch1")->setValue(8);
+    part<QPushButton>(dialog, "pushButton_confirm")->click();
+    const DashBoardDeviceItem *tile = m_center->findChildren<DashBoardDeviceItem *>().at(0);
+    QCOMPARE(part<QLabel>(tile, "label_device")->text(), QStringLiteral("Ice room"));
+    QCOMPARE(part<QLabel>(tile, "label_desc")->text(), QStringLiteral("Shelf"));
+    QCOMPARE(part<QLabel>(tile, "label_unit")->text(), QStringLiteral("\u00B0F"));
+    QCOMPARE(part<QLabel>(tile, "label_number")->text(), QStringLiteral("9.00"));
+    QTRY_COMPARE(m_logger->commands().size(), 1);
+    m_logger->setReply("OK\r\n");
+    m_logger->send("OK\r\n");
+    QTRY_COMPARE(tileFrame(0)->styleSheet(), styleSheetOf(StateBackground::Alarm));
 }
 
 void tst_ProjectCenter_options::closedDialogsDoNotPileUp()

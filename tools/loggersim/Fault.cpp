@@ -22,7 +22,7 @@ struct FaultEntry
 
 constexpr int hourMs = 3600 * 1000;
 
-const std::array<FaultEntry, 21> entries{{
+const std::array<FaultEntry, 22> entries{{
     {"none", FaultKind::None, FaultScope::Any, Argument::No, 0, 0, "works again; a USB logger is plugged in again"},
     {"silent", FaultKind::Silent, FaultScope::Any, Argument::No, 0, 0, "reads commands, answers none"},
     {"slow", FaultKind::Slow, FaultScope::Any, Argument::Number, 500, hourMs, "answers N ms late (500)"},
@@ -34,6 +34,8 @@ const std::array<FaultEntry, 21> entries{{
      "\"----\" instead of the value of channel N (0: both)"},
     {"nan", FaultKind::NotANumber, FaultScope::Any, Argument::No, 0, 0, "values that are not finite"},
     {"hugenumbers", FaultKind::HugeNumbers, FaultScope::Any, Argument::No, 0, 0, "values with 4,000 digits"},
+    {"largenumbers", FaultKind::LargeNumbers, FaultScope::Any, Argument::Number, 64, 1024,
+     "N KiB of readings whose values take 309 digits to show (64)"},
     {"quotes", FaultKind::Quotes, FaultScope::Any, Argument::No, 0, 0, "values with quotes and statements in them"},
     {"binary", FaultKind::Binary, FaultScope::Any, Argument::No, 0, 0, "values of every byte there is"},
     {"manylines", FaultKind::ManyLines, FaultScope::Any, Argument::Number, 5000, 100000,

@@ -15,6 +15,7 @@ enum class FaultKind {
     Dashes,
     NotANumber,
     HugeNumbers,
+    LargeNumbers,
     Quotes,
     Binary,
     ManyLines,

@@ -39,6 +39,10 @@ QByteArray hostileText(const Fault &fault, const QByteArray &echo, const QByteAr
         return line(echo, QByteArrayLiteral("nan,inf"));
     case FaultKind::HugeNumbers:
         return line(echo, QByteArray(4000, '9') + ",-" + QByteArray(4000, '8'));
+    case FaultKind::LargeNumbers: {
+        const QByteArray reading = line(echo, QByteArrayLiteral("1e308,1e308"));
+        return reading.repeated(fault.number * 1024 / reading.size());
+    }
     case FaultKind::Quotes:
         return line(echo, QByteArrayLiteral("'21.50'),('x',1,1,1);--,\"45.10\"';"));
     case FaultKind::Binary:

@@ -1,0 +1,16 @@
+#include "dialogs/WholeSpinBox.h"
+
+#include "dialogs/TypedNumber.h"
+
+WholeSpinBox::WholeSpinBox(QWidget *parent) : NumberBox<QSpinBox>(parent) {}
+
+QValidator::State WholeSpinBox::validate(QString &text, int & /*position*/) const
+{
+    const auto number = typedWhole(text);
+    return stateOf(number && *number >= minimum() && *number <= maximum());
+}
+
+int WholeSpinBox::valueFromText(const QString &text) const
+{
+    return typedWhole(text).value_or(value());
+}
