@@ -1,12 +1,43 @@
 #include "app/CommandLine.h"
 
 #include <QDir>
+#include <QSet>
+#include <algorithm>
 
 namespace {
 
 const QString versionOption = QStringLiteral("version");
 const QString helpOption = QStringLiteral("help");
 const QString noAutoLoadOption = QStringLiteral("no-auto-load");
+
+const QSet<QString> &toolkitOptions()
+{
+    static const QSet<QString> names{
+        QStringLiteral("dialogs"),
+        QStringLiteral("display"),
+        QStringLiteral("dograb"),
+        QStringLiteral("fontengine"),
+        QStringLiteral("geometry"),
+        QStringLiteral("icon"),
+        QStringLiteral("nograb"),
+        QStringLiteral("platform"),
+        QStringLiteral("platformpluginpath"),
+        QStringLiteral("platformtheme"),
+        QStringLiteral("plugin"),
+        QStringLiteral("qmljsdebugger"),
+        QStringLiteral("qwindowicon"),
+        QStringLiteral("qwindowgeometry"),
+        QStringLiteral("qwindowtitle"),
+        QStringLiteral("reverse"),
+        QStringLiteral("session"),
+        QStringLiteral("style"),
+        QStringLiteral("stylesheet"),
+        QStringLiteral("sync"),
+        QStringLiteral("title"),
+        QStringLiteral("widgetcount"),
+    };
+    return names;
+}
 
 } // namespace
 
@@ -39,6 +70,13 @@ QString CommandLine::problem() const
 bool CommandLine::asksForText() const
 {
     return m_parser.isSet(versionOption) || m_parser.isSet(helpOption);
+}
+
+bool CommandLine::hasToolkitOptions() const
+{
+    const QStringList unknown = m_parser.unknownOptionNames();
+    return std::any_of(unknown.cbegin(), unknown.cend(),
+                       [](const QString &name) { return toolkitOptions().contains(name); });
 }
 
 void CommandLine::showText()

@@ -18,6 +18,10 @@ public:
     /// Prints that text and ends the program; there must be an application object.
     [[noreturn]] void showText();
 
+    /// Whether some arguments are the toolkit's. It takes them away when the application object is made; before that
+    /// they count as faulty.
+    bool hasToolkitOptions() const;
+
     /// What is wrong with the arguments; empty when nothing is.
     QString error() const { return m_error; }
     /// To be asked for only when there is no error().

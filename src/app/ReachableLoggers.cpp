@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 QList<AvailDevice *> ReachableLoggers::all() const
 {
@@ -83,6 +84,12 @@ QList<UsbLogger> ReachableLoggers::firstOfEachKey(const QList<UsbLogger> &found)
 void ReachableLoggers::mergeNetwork(const DiscoveryReply &reply)
 {
     AvailDevice *record = find(reply.macAddress);
+    if (!record && size() >= mostRecords) {
+        if (!std::exchange(m_hasOverflowed, true))
+            qCWarning(lcApp).noquote().nospace() << "ReachableLoggers::mergeNetwork : [ERROR] more than " << mostRecords
+                                                 << " loggers answer, those beyond are left out";
+        return;
+    }
     if (!record)
         record = &add(reply.macAddress, NetworkInterface);
     record->address = reply.ipAddress;
@@ -103,6 +110,7 @@ void ReachableLoggers::clear()
 {
     m_index.clear();
     m_records.clear();
+    m_hasOverflowed = false;
 }
 
 AvailDevice &ReachableLoggers::add(const QString &key, InterfaceKind kind)

@@ -14,6 +14,10 @@
 class ReachableLoggers
 {
 public:
+    /// Twice what the network of a search has addresses for. Whoever makes up more of them does not fill the device
+    /// manager's list until the window stands still.
+    static constexpr int mostRecords = 512;
+
     /// The records belong to this list; a scan or a search may remove any of them.
     QList<AvailDevice *> all() const;
     QList<AvailDevice *> usb() const;
@@ -25,6 +29,7 @@ public:
     /// Takes over what a scan has found; of several with one key the first counts. True when a logger is new or has
     /// moved to another port.
     bool mergeUsb(const QList<UsbLogger> &found);
+    /// A logger beyond mostRecords is left out.
     void mergeNetwork(const DiscoveryReply &reply);
 
     void removeUsb();
@@ -37,4 +42,5 @@ private:
     std::vector<std::unique_ptr<AvailDevice>> m_records;
     QHash<QString, AvailDevice *> m_index; // by key
     QList<UsbLogger> m_doubles;            ///< of the newest scan: known, and logged
+    bool m_hasOverflowed = false;
 };

@@ -8,7 +8,6 @@
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
-#include "project/ProjectLock.h"
 #include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"
@@ -17,7 +16,6 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDateTime>
-#include <QMessageBox>
 #include <QTimer>
 #include <QUdpSocket>
 #include <QUuid>
@@ -131,9 +129,7 @@ void SorvantoMain::setUpAlarmSound()
 {
     m_alarmSound = std::make_unique<AlarmSound>(this);
     connect(m_alarmSound.get(), &AlarmSound::stateChanged, this, &SorvantoMain::handleStateChanged);
-    connect(m_alarmSound.get(), &AlarmSound::setUpFailed, this, [this](const QString &title, const QString &text) {
-        QMessageBox::critical(this, title, text, QMessageBox::Ok);
-    });
+    connect(m_alarmSound.get(), &AlarmSound::setUpFailed, this, &SorvantoMain::showCriticalBox);
     m_alarmSound->setUp();
 }
 

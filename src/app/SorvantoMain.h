@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ProjectClaim.h"
 #include "app/ProjectDevices.h"
 #include "app/ReachableLoggers.h"
 #include "app/StartOptions.h"
@@ -13,15 +14,15 @@
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
+#include <functional>
 #include <memory>
-#include <utility>
+#include <optional>
 
 class AlarmSound;
 class InsertSerialData;
 class MainMenus;
 class PollPhase;
 class ProjectCenter;
-class ProjectLock;
 class ProjectMain;
 class ProjectManager;
 class QMenu;
@@ -122,6 +123,7 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
+    bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();
@@ -137,7 +139,7 @@ private:
     void mergeDiscovered(const DiscoveryReply &reply);
 
     // Project flow
-    std::unique_ptr<ProjectLock> lockProject(const QString &path);
+    std::optional<ProjectClaim> claimProject(const QString &path, const QString &recording);
     void freeUnconfirmedDevices();
     void openProjectView();
     void leaveProject();
@@ -145,6 +147,7 @@ private:
     void showProjectName();
     void showInterval();
     void reportUnsavedProject();
+    void reportRefusedDevices(const QStringList &sentences);
 
     // Screens
     void showStartScreen();
@@ -159,8 +162,10 @@ private:
     void openSibling(const QString &program);
     void dropDown(QMenu *menu, const QWidget *button);
     void reportUnsavedSettings(bool saved);
-    /// While the station is built it waits for the window: before that nobody would have the time to read it.
     void showTimedMessage(const QString &title, const QString &text);
+    void showCriticalBox(const QString &title, const QString &text);
+    /// While the station is built it waits for the window: before that nobody would have the time to read it.
+    void tell(const std::function<void()> &show);
 
     StationState m_state;
     std::unique_ptr<Ui::SorvantoMain> m_form;
@@ -168,7 +173,7 @@ private:
     bool m_bSettingsSaved = true;
     QString m_projectName;
     QString m_projectFile;
-    std::unique_ptr<ProjectLock> m_projectLock;
+    ProjectClaim m_claim;
     ProjectDevices m_devices;
     ReachableLoggers m_availDevices;
     QStringList m_dashboardNames;
@@ -178,7 +183,7 @@ private:
     bool m_usbPresent = false;
     bool m_usbPresentBefore = false;
     bool m_bIsBuilt = false;
-    QList<std::pair<QString, QString>> m_messagesOfTheStart; ///< title and text
+    QList<std::function<void()>> m_toldWithTheWindow;
 
     MainMenus *m_menus = nullptr;
     QTimer *m_stdTimer = nullptr;

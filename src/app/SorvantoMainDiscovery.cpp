@@ -44,12 +44,13 @@ void SorvantoMain::broadcastDevice()
     m_sndUdpSocket->disconnectFromHost();
 }
 
-/// The send socket is bound before it is connected: only so can the receive socket share its port afterwards.
+/// The send socket is bound before it is connected: only so can the receive socket share its port afterwards. One that
+/// was bound stays valid where no network leads to the broadcast address; connected it is not.
 bool SorvantoMain::prepareSendSocket(const QHostAddress &local)
 {
     m_sndUdpSocket->bind(local, 0, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
     m_sndUdpSocket->connectToHost(broadcastAddressOf(local), discoveryPort, QIODevice::ReadWrite);
-    return m_sndUdpSocket->isValid();
+    return m_sndUdpSocket->isValid() && m_sndUdpSocket->state() == QAbstractSocket::ConnectedState;
 }
 
 /// Deleted later, because this may run inside a signal of the receive socket.

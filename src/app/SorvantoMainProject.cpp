@@ -7,12 +7,12 @@
 #include "device/DataInterval.h"
 #include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
-#include "project/ProjectLock.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
 #include <QAction>
 #include <QFileInfo>
+#include <QTextDocument>
 #include <QTimer>
 
 namespace {
@@ -29,30 +29,28 @@ QString shortened(const QString &folder)
 
 } // namespace
 
-/// The lock on a project that is about to be opened; null, with a message, while another station has it.
-std::unique_ptr<ProjectLock> SorvantoMain::lockProject(const QString &path)
+/// What keeps a project that is about to be opened to this station; nothing, with a message, while another has it.
+std::optional<ProjectClaim> SorvantoMain::claimProject(const QString &path, const QString &recording)
 {
-    if (m_projectLock && m_projectLock->isOn(path))
-        return std::move(m_projectLock);
-    auto lock = std::make_unique<ProjectLock>(path);
-    if (lock->acquire())
-        return lock;
-    showTimedMessage(QStringLiteral("ERROR"), lock->refusal());
-    return nullptr;
+    ProjectClaim claim;
+    if (claim.acquire(path, recording, m_claim))
+        return claim;
+    showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
+    return std::nullopt;
 }
 
 void SorvantoMain::projectCreated(const QString &path)
 {
-    std::unique_ptr<ProjectLock> lock = lockProject(path);
-    if (!lock)
-        return;
     const QString name = QFileInfo(path).baseName();
+    const auto claim = claimProject(path, ProjectFile(path).newDatabasePath(name));
+    if (!claim)
+        return;
     if (!ProjectFile(path).create(name, dataIntervalMs)) {
         reportUnsavedProject();
         return;
     }
     leaveProject();
-    m_projectLock = std::move(lock);
+    m_claim = *claim;
     m_projectFile = path;
     m_projectName = name;
     m_databasePath = ProjectFile(path).databasePath();
@@ -70,11 +68,11 @@ void SorvantoMain::projectLoaded(const QString &path)
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("There is no device information!"));
         return;
     }
-    std::unique_ptr<ProjectLock> lock = lockProject(path);
-    if (!lock)
+    const auto claim = claimProject(path, ProjectFile(path).databasePath());
+    if (!claim)
         return;
     leaveProject();
-    m_projectLock = std::move(lock);
+    m_claim = *claim;
     m_devices.load(*entries, m_menus->keepAlive->isChecked());
 
     const ProjectFile file(path);
@@ -91,6 +89,7 @@ void SorvantoMain::projectLoaded(const QString &path)
     showInterval();
     enter(StationState::Open);
     openProjectView();
+    reportRefusedDevices(file.refusedDevices());
 }
 
 void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames)
@@ -160,7 +159,7 @@ void SorvantoMain::openProjectView()
     // In this order: a second that begins meanwhile is polled once more rather than not at all.
     m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
     writeDevice();
-    if (m_settings.autoRecord)
+    if (m_settings.autoRecord && !isRecordingReadOnly())
         slotToggleRecord();
 }
 
@@ -192,7 +191,7 @@ void SorvantoMain::closeProject()
     freeUnconfirmedDevices();
     m_devices.clear();
     m_projectFile.clear();
-    m_projectLock.reset();
+    m_claim = {};
     m_databasePath.clear();
     dataIntervalMs = defaultDataIntervalMs;
     enter(StationState::StartScreen);
@@ -207,6 +206,19 @@ void SorvantoMain::slotUpdateProjectFile()
 void SorvantoMain::reportUnsavedProject()
 {
     showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Unable to save the project file."));
+}
+
+/// All of them in the log, one in the window: a file may hold any number.
+void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
+{
+    if (sentences.isEmpty())
+        return;
+    for (const QString &sentence : sentences)
+        qCWarning(lcApp) << "[ERROR] SorvantoMain::projectLoaded :" << sentence;
+    const auto others = sentences.size() - 1;
+    const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
+    // A message takes for markup what looks like it.
+    showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(sentences.first() + more));
 }
 
 void SorvantoMain::showProjectName()

@@ -20,6 +20,9 @@ constexpr int writeDbTimerMs = 1500;
 constexpr int batchOfOneDevice = 8;
 constexpr int batchOfSeveralDevices = 16;
 
+const QString readOnlyReason =
+    QStringLiteral("The recording is write-protected. It can be looked at, but nothing can be recorded.");
+
 QString localTimeText(quint32 unixSeconds)
 {
     if (unixSeconds == 0)
@@ -45,9 +48,18 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
     writeRowsLeftOver();
+    if (isRecordingReadOnly()) {
+        m_projectCenter->setRecordingRefused(readOnlyReason);
+        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
+    }
     m_projectCenter->setRecordRange(localTimeText(m_insertSerialData->startDateTime()),
                                     localTimeText(m_insertSerialData->endDateTime()));
     return true;
+}
+
+bool SorvantoMain::isRecordingReadOnly() const
+{
+    return m_insertSerialData && m_insertSerialData->isReadOnly();
 }
 
 void SorvantoMain::deleteInsertSerialData()
@@ -85,6 +97,10 @@ void SorvantoMain::slotStartRecord()
     if (!m_insertSerialData || !m_insertSerialData->isOpen()) {
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("Database does not exist."));
         qCDebug(lcApp) << "SorvantoMain::slotStartRecord : [ERROR] Database does not exist";
+        return;
+    }
+    if (isRecordingReadOnly()) {
+        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
         return;
     }
     toggleRecordState(true);

@@ -58,7 +58,8 @@ void SorvantoMain::openSibling(const QString &program)
         return;
     }
     // The sibling shall see the range as far as it goes now.
-    if (m_projectCenter && !ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText()))
+    if (m_projectCenter && !isRecordingReadOnly() &&
+        !ProjectFile(m_projectFile).setRecordStopTime(m_projectCenter->endTimeText()))
         reportUnsavedProject();
     const QString line = siblingCommandLine(program, m_projectFile);
     qCDebug(lcApp).noquote() << "cmd :" << line;
@@ -120,15 +121,31 @@ void SorvantoMain::handleStateChanged(QAudio::State state)
 
 void SorvantoMain::showTimedMessage(const QString &title, const QString &text)
 {
+    tell([this, title, text] { showTransientMessage(title, text, this); });
+}
+
+/// Whoever has to answer may not be there for days: nothing but the window waits for the answer.
+void SorvantoMain::showCriticalBox(const QString &title, const QString &text)
+{
+    tell([this, title, text] {
+        auto *box = new QMessageBox(QMessageBox::Critical, title, text, QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setWindowModality(Qt::ApplicationModal);
+        box->show();
+    });
+}
+
+void SorvantoMain::tell(const std::function<void()> &show)
+{
     if (m_bIsBuilt)
-        showTransientMessage(title, text, this);
+        show();
     else
-        m_messagesOfTheStart.append({title, text});
+        m_toldWithTheWindow.append(show);
 }
 
 void SorvantoMain::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    for (const auto &[title, text] : std::exchange(m_messagesOfTheStart, {}))
-        showTimedMessage(title, text);
+    for (const auto &show : std::exchange(m_toldWithTheWindow, {}))
+        show();
 }

@@ -38,10 +38,8 @@ void SorvantoMain::dropVanishedLoggers(const QList<UsbLogger> &found)
 {
     const QStringList vanished = m_availDevices.vanished(found);
     for (const QString &key : vanished) {
-        if (ConfiguredDevice *device = m_devices.findUsb(key)) {
+        if (ConfiguredDevice *device = m_devices.findUsb(key))
             device->forgetPort();
-            device->deviceDisconnected();
-        }
     }
     if (!vanished.isEmpty())
         closeSerialDevices();
@@ -59,7 +57,7 @@ void SorvantoMain::openOstrivaneDevices()
         if (!device)
             continue;
         if (device->isOpen())
-            device->closeDevice();
+            device->releasePort();
         present.append({device, record});
     }
     for (const auto &[device, record] : std::as_const(present))
@@ -83,7 +81,7 @@ void SorvantoMain::reopenClosedUsbDevices()
     const QList<AvailDevice *> records = m_availDevices.usb();
     for (const AvailDevice *record : records) {
         ConfiguredDevice *device = m_devices.findUsb(record->key);
-        if (device && !device->isOpen())
+        if (device && !device->isOpen() && !device->opensWithNextPoll())
             openUsbDevice(device, *record);
     }
 }

@@ -10,7 +10,6 @@
 #include <QPointer>
 #include <QScopeGuard>
 #include <QSplashScreen>
-#include <QThread>
 #include <QTimer>
 
 namespace {
@@ -61,7 +60,8 @@ QSplashScreen *showSplash()
     return splash;
 }
 
-int runStation(QApplication &application, const StartOptions &options)
+int runStation(QApplication &application, const StartOptions &options,
+               const std::function<void(unsigned long ms)> &pause)
 {
     useStationFont();
     TerminationSignals signalsFromSystem;
@@ -92,7 +92,7 @@ int runStation(QApplication &application, const StartOptions &options)
     QCoreApplication::processEvents();
     if (mainWindow.isEnding())
         return 0;
-    QThread::msleep(splashMs);
+    pause(splashMs);
 
     mainWindow.show();
     // Not earlier: half the time that a message stays would be spent waiting.

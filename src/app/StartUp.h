@@ -3,6 +3,8 @@
 #include "app/StartOptions.h"
 
 #include <QString>
+#include <QThread>
+#include <functional>
 
 class QApplication;
 class QSplashScreen;
@@ -24,4 +26,6 @@ QSplashScreen *showSplash();
 
 /// Builds the station, waits out the splash, shows the window and runs until it closes; returns the exit code. A
 /// project file that is none is reported in the window, which then comes up without a project.
-int runStation(QApplication &application, const StartOptions &options = {});
+/// @p pause holds the program up for so many milliseconds while the splash is shown.
+int runStation(QApplication &application, const StartOptions &options = {},
+               const std::function<void(unsigned long ms)> &pause = QThread::msleep);

@@ -1,13 +1,22 @@
 #include "app/CommandLine.h"
+#include "app/DisplayGuard.h"
 #include "app/StartUp.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <cstdio>
+#include <optional>
 
 namespace {
 
 constexpr int usageError = 2;
+
+#ifdef Q_OS_WIN
+// A program with windows has no console there.
+constexpr bool refusalTakesNoDisplay = false;
+#else
+constexpr bool refusalTakesNoDisplay = true;
+#endif
 
 QStringList textsOf(int argc, char **argv)
 {
@@ -21,7 +30,6 @@ int refuse(const QString &reason)
 {
     std::fprintf(stderr, "%s\n", qPrintable(reason));
 #ifdef Q_OS_WIN
-    // A program with windows has no console there.
     QMessageBox::critical(nullptr, QStringLiteral("Sorvanto Lite"), reason);
 #endif
     return usageError;
@@ -38,8 +46,12 @@ int main(int argc, char **argv)
         const QCoreApplication application(argc, argv);
         early.showText();
     }
+    if (refusalTakesNoDisplay && !early.error().isEmpty() && !early.hasToolkitOptions())
+        return refuse(early.error());
     enableHighDensity();
+    std::optional<DisplayGuard> guard(std::in_place);
     QApplication application(argc, argv);
+    guard.reset();
     const CommandLine commandLine(QCoreApplication::arguments());
     if (!commandLine.error().isEmpty())
         return refuse(commandLine.error());

@@ -3,6 +3,8 @@
 #include "device/SerialDevice.h"
 #include "device/TelnetDevice.h"
 
+#include <QPointer>
+
 ConfiguredDevice::ConfiguredDevice(const QString &serialNumber, int interfaceKind, QObject *parent)
     : QObject(parent),
       m_serialNumber(serialNumber),
@@ -10,14 +12,18 @@ ConfiguredDevice::ConfiguredDevice(const QString &serialNumber, int interfaceKin
       m_clock([] { return QDateTime::currentDateTime(); }),
       m_pollTime(m_clock()),
       m_pollMs(m_pollTime.toMSecsSinceEpoch()),
-      m_series(serialNumber, m_pollMs)
+      m_conversation(m_pollMs),
+      m_series(serialNumber)
 {
     if (interfaceKind == UsbInterface) {
-        m_link = std::make_unique<SerialDevice>();
+        auto serial = std::make_unique<SerialDevice>();
+        serial->setConversation(&m_conversation);
+        m_link = std::move(serial);
         m_link->connect(SIGNAL(connected()), this, SLOT(deviceConnected()));
         m_link->connect(SIGNAL(disconnected()), this, SLOT(deviceDisconnected()));
     } else {
         auto telnet = std::make_unique<TelnetDevice>();
+        telnet->setConversation(&m_conversation);
         m_telnet = telnet.get();
         m_link = std::move(telnet);
         m_link->connect(SIGNAL(writeStartSync()), this, SLOT(slotWriteStartSync()));
@@ -76,10 +82,13 @@ void ConfiguredDevice::setDeviceInfo(const QString &name, const QString &ch1Name
     m_settings.ch1Name = ch1Name;
     m_settings.ch2Name = ch2Name;
     // A link that has forgotten an unplugged logger's port must not get it back because the logger was renamed.
-    if (address == m_settings.address && port == m_settings.port)
-        return;
+    const bool isForgotten = m_isPortForgotten && address == m_settings.address;
+    const bool isChanged = address != m_settings.address || port != m_settings.port;
     m_settings.address = address;
     m_settings.port = port;
+    if (isForgotten || !isChanged)
+        return;
+    m_isPortForgotten = false;
     m_link->setDeviceInfo(address, port);
 }
 
@@ -185,6 +194,8 @@ void ConfiguredDevice::setKeepConnection(bool keep)
 
 void ConfiguredDevice::setRecording(bool recording)
 {
+    m_conversation.settle();
+    recordAnswered();
     m_recording = recording;
 }
 
@@ -217,14 +228,24 @@ bool ConfiguredDevice::openDevice()
 {
     if (m_interfaceKind == NoInterface)
         return false;
+    m_isPortForgotten = false;
+    m_opensWithNextPoll = false;
     m_link->setDeviceInfo(m_settings.address, m_settings.port);
-    return m_link->open();
+    const QPointer<ConfiguredDevice> self(this);
+    const bool isOpening = m_link->open();
+    if (self && isOpening)
+        askPostponedPoll();
+    return isOpening;
 }
 
 void ConfiguredDevice::closeDevice()
 {
-    m_owedReplyTimer.stop(); // what waits for it would open the link again
+    m_postponedPoll.reset();
+    m_opensWithNextPoll = false;
     m_link->close();
+    // Also ends what would open the link again.
+    if (m_connected || m_exchange.isRunning())
+        deviceDisconnected();
 }
 
 bool ConfiguredDevice::isOpen() const
@@ -232,8 +253,25 @@ bool ConfiguredDevice::isOpen() const
     return m_link->isOpen();
 }
 
+void ConfiguredDevice::releasePort()
+{
+    m_conversation.settle();
+    recordAnswered();
+    m_postponedPoll = m_conversation.unansweredRecordPoll();
+    m_link->close();
+}
+
+bool ConfiguredDevice::opensWithNextPoll() const
+{
+    return m_opensWithNextPoll;
+}
+
 void ConfiguredDevice::forgetPort()
 {
+    const QPointer<ConfiguredDevice> self(this);
     closeDevice();
+    if (!self)
+        return;
+    m_isPortForgotten = true;
     m_link->setDeviceInfo({}, m_settings.port);
 }

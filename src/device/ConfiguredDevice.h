@@ -5,6 +5,7 @@
 #include "device/ChannelAlarms.h"
 #include "device/ChannelHistory.h"
 #include "device/DeviceSettings.h"
+#include "device/LoggerConversation.h"
 #include "device/RecordedSeries.h"
 
 #include <QDateTime>
@@ -75,12 +76,19 @@ public:
     void setTiles(ChannelTile *channel1, ChannelTile *channel2);
     void detachViews();
 
+    /// Opens the link at the configured address; a reading that releasePort() has cut short is asked for again.
     bool openDevice();
+    /// Closes the link and shows the logger as disconnected.
     void closeDevice();
     bool isOpen() const;
+    /// Closes the link for the moment until openDevice(): what is known of the logger stays.
+    void releasePort();
     /// Closes the link and leaves it nothing to open until openDevice(): the port of a logger that was unplugged may be
     /// another logger's by now. The configured address stays as it is.
     void forgetPort();
+
+    /// Whether a USB logger that gave no more answers has its port closed until it is polled the next time.
+    bool opensWithNextPoll() const;
 
     /// Refreshes the newest value without recording it; reopens a closed serial link.
     void pollForDisplay();
@@ -97,7 +105,8 @@ public:
     void history(History &times, History &channel1, History &channel2) const;
     /// Judges the values shown against the range in force, after that range was changed.
     void checkAlarmAll();
-    /// Queues a row without values one second after the last recorded one, so that a chart shows a gap.
+    /// Queues a row without values one second after the last recorded one, so that a chart shows a gap; nothing when
+    /// there is no reading since the last such row.
     void insertNoValue();
 
     /// Starts writing the pending range and rule into a network logger; polls rest until it has ended. A reply that the
@@ -125,15 +134,21 @@ public slots:
 
 private:
     bool restsFromPolling() const;
-    bool sendPoll();
+    bool sendPoll(const LoggerConversation::Poll &poll);
+    void askPostponedPoll();
+    bool openLinkForPoll();
     void countMissedReply();
+    void giveUpSilentLink(int missedLimit);
     void stampPollTime();
 
-    void takeReading(const Reading &reading);
+    void takeReadings(const QString &text);
+    void showReading(const Reading &reading);
+    void recordAnswered();
     void judgeAlarms(double value1, double value2);
 
     void beginExchange();
     void beginExchangeIfNothingIsOwed();
+    void takeExchangeText(QString text);
     void takeExchangeReply(const QString &reply);
     bool sendExchangeCommand();
     void endExchange(const std::function<void()> &report, const char *logText, const QString &reply);
@@ -144,16 +159,20 @@ private:
     const int m_interfaceKind;
     DeviceSettings m_settings;
 
+    Clock m_clock;
+    QDateTime m_pollTime;
+    qint64 m_pollMs = 0; ///< m_pollTime since the epoch; time zones make that conversion too dear for every reading
+
+    LoggerConversation m_conversation;
+    /// To be sent when the link is free for it again.
+    std::optional<LoggerConversation::Poll> m_postponedPoll;
     std::unique_ptr<AbstractDevice> m_link;
     TelnetDevice *m_telnet = nullptr; ///< the link, where it is a network link
     bool m_connected = false;
     int m_missedReplies = 0;
     int m_unansweredPolls = 0; ///< on the connection that stands
-
-    Clock m_clock;
-    QDateTime m_pollTime;
-    qint64 m_pollMs = 0; ///< m_pollTime since the epoch; time zones make that conversion too dear for every reading
-    bool m_displayPollOutstanding = false;
+    bool m_opensWithNextPoll = false;
+    bool m_isPortForgotten = false;
 
     QString m_ch1Value;
     QString m_ch2Value;

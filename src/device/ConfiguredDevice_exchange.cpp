@@ -21,7 +21,7 @@ void ConfiguredDevice::startSyncTelnet()
     if (m_interfaceKind != NetworkInterface)
         return;
     m_exchange.start();
-    if (!m_telnet->owesReply()) {
+    if (!m_conversation.owesReply()) {
         beginExchange();
         return;
     }
@@ -34,6 +34,9 @@ void ConfiguredDevice::beginExchange()
 {
     logDevice() << "- ConfiguredDevice::startSyncTelnet() : set buzzerflag true";
     m_owedReplyTimer.stop();
+    // A poll whose connection is still being made would be sent no more.
+    if (const auto due = m_conversation.takeDueRecordPoll())
+        m_postponedPoll = due;
     m_telnet->setBuzzerFlag(true);
     if (dataIntervalMs <= 1000)
         m_telnet->write();
@@ -54,15 +57,13 @@ void ConfiguredDevice::stopSyncTelnet()
     logDevice() << "- ConfiguredDevice::stopSyncTelnet() : set buzzerflag false";
     m_exchange.stop();
     m_owedReplyTimer.stop();
-    m_telnet->setBuzzerFlag(false);
-    if (closesAfterExchange())
-        m_telnet->close();
+    releaseLinkFromExchange();
 }
 
 void ConfiguredDevice::beginExchangeIfNothingIsOwed()
 {
     // From the event loop: the link, inside its socket's notification, may just have closed the connection.
-    if (m_owedReplyTimer.isActive() && !m_telnet->owesReply())
+    if (m_owedReplyTimer.isActive() && !m_conversation.owesReply())
         m_owedReplyTimer.start(0);
 }
 
@@ -74,6 +75,20 @@ bool ConfiguredDevice::isExchangeRunning() const
 int ConfiguredDevice::exchangeNumber() const
 {
     return m_exchange.number();
+}
+
+/// What was asked before the exchange is answered before it, however late: that is a reading, not an acknowledgement.
+void ConfiguredDevice::takeExchangeText(QString text)
+{
+    const QPointer<ConfiguredDevice> self(this);
+    while (m_conversation.isAnyPollUnanswered() && text.startsWith(QLatin1String("ATDC"))) {
+        QString reading = text.section(QLatin1Char('\n'), 0, 0);
+        text.remove(0, reading.size() + 1);
+        takeReadings(reading.remove(QLatin1Char(' ')).remove(QLatin1String("ATDC")));
+        if (!self || text.isEmpty())
+            return;
+    }
+    takeExchangeReply(text.remove(QLatin1Char('\n')));
 }
 
 void ConfiguredDevice::takeExchangeReply(const QString &reply)
@@ -119,6 +134,7 @@ void ConfiguredDevice::releaseLinkFromExchange()
     if (closesAfterExchange())
         m_telnet->close();
     m_telnet->setBuzzerFlag(false);
+    askPostponedPoll();
 }
 
 bool ConfiguredDevice::closesAfterExchange() const

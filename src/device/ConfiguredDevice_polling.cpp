@@ -1,12 +1,13 @@
 #include "device/ConfiguredDevice.h"
 
-#include "device/AbstractDevice.h"
 #include "device/ChartTime.h"
 #include "device/DataInterval.h"
 #include "device/Logging.h"
 #include "device/ReplyParser.h"
+#include "device/TelnetDevice.h"
 
 #include <QPointer>
+#include <utility>
 
 namespace {
 
@@ -35,32 +36,21 @@ void ConfiguredDevice::stampPollTime()
 
 void ConfiguredDevice::pollForDisplay()
 {
-    if (restsFromPolling())
+    if (restsFromPolling() || !openLinkForPoll() || !sendPoll({false, m_clock().toMSecsSinceEpoch()}))
         return;
-    m_displayPollOutstanding = true;
-    if (!sendPoll())
-        return;
-    if (m_interfaceKind == NetworkInterface)
-        countMissedReply();
-    else if (m_interfaceKind == UsbInterface && !m_link->isOpen())
+    if (m_interfaceKind == UsbInterface && !m_link->isOpen())
         m_link->open();
+    else
+        countMissedReply();
 }
 
 void ConfiguredDevice::pollForRecord()
 {
-    if (restsFromPolling())
+    if (restsFromPolling() || !openLinkForPoll())
         return;
     stampPollTime();
-    if (sendPoll() && m_interfaceKind == NetworkInterface)
+    if (sendPoll({true, m_pollMs}))
         countMissedReply();
-}
-
-/// False when a view had this device deleted on hearing that the link has failed.
-bool ConfiguredDevice::sendPoll()
-{
-    const QPointer<ConfiguredDevice> self(this);
-    m_link->write();
-    return self;
 }
 
 bool ConfiguredDevice::restsFromPolling() const
@@ -68,46 +58,102 @@ bool ConfiguredDevice::restsFromPolling() const
     return m_interfaceKind == NoInterface || m_exchange.isRunning();
 }
 
+/// Gives a USB logger that had stopped to answer another chance. Like sendPoll() false when a view had this device
+/// deleted on hearing that the link has failed.
+bool ConfiguredDevice::openLinkForPoll()
+{
+    const QPointer<ConfiguredDevice> self(this);
+    if (std::exchange(m_opensWithNextPoll, false))
+        m_link->open();
+    return self;
+}
+
+bool ConfiguredDevice::sendPoll(const LoggerConversation::Poll &poll)
+{
+    m_conversation.ask(poll);
+    recordAnswered();
+    const QPointer<ConfiguredDevice> self(this);
+    m_link->write();
+    if (!self)
+        return false;
+    // While the link is kept for an exchange it sends nothing else.
+    if (poll.isForRecord && m_telnet && m_telnet->buzzerFlag())
+        m_postponedPoll = m_conversation.takeDueRecordPoll();
+    m_conversation.forgetPollNotSent();
+    return true;
+}
+
+void ConfiguredDevice::askPostponedPoll()
+{
+    if (const auto poll = std::exchange(m_postponedPoll, std::nullopt))
+        sendPoll(*poll);
+}
+
 void ConfiguredDevice::countMissedReply()
 {
     const int limit = dataIntervalMs <= 1000 ? 5 : 2;
     m_unansweredPolls = m_link->isOpen() ? m_unansweredPolls + 1 : 0;
-    if (++m_missedReplies <= limit)
-        return;
-    m_missedReplies = limit;
-    // A connection to a logger that has vanished looks alive for minutes. It is given up when the device goes from
-    // connected to disconnected, later only after it has had its own chance to answer: closing it on every poll would
-    // cut short each attempt to reach the logger again.
-    const bool givesUp = m_link->isOpen() && (m_connected || m_unansweredPolls > limit);
+    if (m_interfaceKind == UsbInterface && !m_link->isOpen())
+        return; // that was reported at once
+    if (++m_missedReplies > limit)
+        giveUpSilentLink(limit);
+}
+
+/// A connection to a logger that has vanished looks alive for minutes, and the port of one that hangs for ever. It is
+/// given up when the device goes from connected to disconnected, later only after it has had its own chance to answer:
+/// closing it on every poll would cut short each attempt to reach the logger again.
+void ConfiguredDevice::giveUpSilentLink(int missedLimit)
+{
+    m_missedReplies = missedLimit;
+    const bool givesUp = m_link->isOpen() && (m_connected || m_unansweredPolls > missedLimit);
     const QPointer<ConfiguredDevice> self(this);
     deviceDisconnected();
-    if (self && givesUp) {
-        m_unansweredPolls = 0;
-        m_link->close();
-    }
+    if (!self || !givesUp)
+        return;
+    m_unansweredPolls = 0;
+    m_link->close();
+    m_opensWithNextPoll = m_interfaceKind == UsbInterface;
 }
 
 void ConfiguredDevice::readData(const QString &text)
 {
     if (m_interfaceKind == NetworkInterface && m_exchange.isRunning() && !m_owedReplyTimer.isActive()) {
-        takeExchangeReply(QString(text).remove(QLatin1Char('\n')));
+        takeExchangeText(text);
         return;
     }
+    const QPointer<ConfiguredDevice> self(this);
+    takeReadings(text);
+    if (self)
+        beginExchangeIfNothingIsOwed();
+}
+
+/// Recorded first: what has arrived is kept, whatever the views do about it.
+void ConfiguredDevice::takeReadings(const QString &text)
+{
     m_missedReplies = 0;
     m_unansweredPolls = 0;
     const QVector<Reading> readings = parseReply(text);
+    m_conversation.answer(readings);
+    recordAnswered();
     const QPointer<ConfiguredDevice> self(this);
     deviceConnected();
     for (const Reading &reading : readings) {
         if (!self)
             return;
-        takeReading(reading);
+        showReading(reading);
     }
-    if (self)
-        beginExchangeIfNothingIsOwed();
 }
 
-void ConfiguredDevice::takeReading(const Reading &reading)
+void ConfiguredDevice::recordAnswered()
+{
+    const auto readings = m_conversation.takeRecorded();
+    for (const LoggerConversation::RecordedReading &reading : readings) {
+        if (m_recording)
+            m_series.add(reading.timeMs, reading.value1, reading.value2);
+    }
+}
+
+void ConfiguredDevice::showReading(const Reading &reading)
 {
     const double value1 = reading.channel1.value;
     const double value2 = reading.channel2.value;
@@ -116,14 +162,7 @@ void ConfiguredDevice::takeReading(const Reading &reading)
     judgeAlarms(value1, value2);
     const qint64 seconds = m_pollMs / 1000;
     m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2);
-
-    const QPointer<ConfiguredDevice> self(this);
     m_views.showReading(m_history, m_ch1Value, m_ch2Value);
-    if (!self)
-        return;
-    if (m_recording && !m_displayPollOutstanding)
-        m_series.add(m_pollMs, value1, value2);
-    m_displayPollOutstanding = false;
 }
 
 void ConfiguredDevice::judgeAlarms(double value1, double value2)
@@ -158,6 +197,8 @@ void ConfiguredDevice::deviceConnected()
 void ConfiguredDevice::deviceDisconnected()
 {
     m_connected = false;
+    if (m_interfaceKind == UsbInterface)
+        m_missedReplies = 0; // its open port will count as connected again
     m_ch1Value.clear();
     m_ch2Value.clear();
     m_alarms.clear();

@@ -2,10 +2,7 @@
 
 #include "store/InsertSerialData.h"
 
-RecordedSeries::RecordedSeries(const QString &serialNumber, qint64 startMs)
-    : m_serialNumber(serialNumber), m_lastMs(startMs)
-{
-}
+#include <utility>
 
 void RecordedSeries::add(qint64 timeMs, double value1, double value2)
 {
@@ -15,5 +12,6 @@ void RecordedSeries::add(qint64 timeMs, double value1, double value2)
 
 void RecordedSeries::close()
 {
-    InsertSerialData::enqueue({m_serialNumber, noValue, noValue, static_cast<quint32>((m_lastMs + 1000) / 1000)});
+    if (const auto last = std::exchange(m_lastMs, std::nullopt))
+        InsertSerialData::enqueue({m_serialNumber, noValue, noValue, static_cast<quint32>((*last + 1000) / 1000)});
 }

@@ -1,7 +1,11 @@
 #include "device/SerialDevice.h"
 
+#include "device/LoggerConversation.h"
 #include "device/Logging.h"
 #include "device/WireText.h"
+
+#include <QSignalBlocker>
+#include <utility>
 
 namespace {
 
@@ -24,6 +28,13 @@ int numberOf(QSerialPort::SerialPortError error)
     default:
         return static_cast<int>(error);
     }
+}
+
+/// What a logger that hangs has not taken would hold up the closing, what it still sends would answer the next poll.
+void clearQueues(QSerialPort &port)
+{
+    const QSignalBlocker quiet(port);
+    port.clear();
 }
 
 } // namespace
@@ -114,8 +125,15 @@ qint64 SerialDevice::writeCommand(const QByteArray &bytes)
     } else {
         m_guard.pollSent();
         logDevice() << "SerialDevice::writeCommand : [" << m_portName << "] :" << bytes;
+        if (m_conversation)
+            m_conversation->linkSent(bytes);
     }
     return 0;
+}
+
+void SerialDevice::setConversation(LoggerConversation *conversation)
+{
+    m_conversation = conversation;
 }
 
 QString SerialDevice::deviceName()
@@ -155,6 +173,8 @@ void SerialDevice::readData()
         cutOff();
         return;
     }
+    if (m_conversation)
+        m_conversation->linkHeard(bytes);
     QString text = wireText(bytes);
     if (!text.contains(QLatin1String("ATCD"))) {
         logDevice() << "[ERROR] SerialDevice::readData no 'ATCD' : [" << m_portName << "] :" << text;
@@ -224,10 +244,15 @@ void SerialDevice::reportError(QSerialPort::SerialPortError error)
 
 void SerialDevice::closePort()
 {
-    m_closePending = false;
+    const bool hasFailed = std::exchange(m_closePending, false);
     QSerialPort *port = m_port;
-    if (port && port->isOpen())
+    if (port && port->isOpen()) {
+        if (!hasFailed)
+            clearQueues(*port);
         port->close();
+    }
+    if (m_conversation)
+        m_conversation->linkClosed();
 }
 
 void SerialDevice::closeFailedPort()

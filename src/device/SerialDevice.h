@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QSerialPort>
 
+class LoggerConversation;
+
 /// The link to a USB logger, which shows up as a serial port.
 /// A port that fails while open closes itself once from the event loop, and its name counts as unknown until the next
 /// setDeviceInfo(): by the time it is opened again that name may belong to another logger.
@@ -35,6 +37,8 @@ public:
 
     /// Always 0: a failed write surfaces as disconnected().
     qint64 writeCommand(const QByteArray &bytes);
+    /// Tells it, not owned, from now on what this link sends and hears.
+    void setConversation(LoggerConversation *conversation);
 
 signals:
     /// Once for each open(); also before a failing one, which disconnected() follows at once.
@@ -60,6 +64,7 @@ private:
     const int m_deviceType = 1;
     QString m_portName;
     QPointer<QSerialPort> m_port;
+    LoggerConversation *m_conversation = nullptr;
     ReplyGuard m_guard;
     SignalDepth m_depth;
     bool m_connectedReported = false;

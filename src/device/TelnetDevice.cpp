@@ -1,6 +1,7 @@
 #include "device/TelnetDevice.h"
 
 #include "device/DataInterval.h"
+#include "device/LoggerConversation.h"
 #include "device/Logging.h"
 #include "device/WireText.h"
 
@@ -48,7 +49,6 @@ void TelnetDevice::close()
         socket->close();
     }
     m_connected = false;
-    m_owesReply = false;
 }
 
 bool TelnetDevice::open()
@@ -73,7 +73,6 @@ bool TelnetDevice::startConnecting()
         logDevice() << "[ERROR] TelnetDevice::open : [" << m_address << "] is not an IP address";
         return false;
     }
-    m_owesReply = false;
     m_socket->connectToHost(target, m_port, QIODevice::ReadWrite);
     return m_socket && m_socket->isValid();
 }
@@ -112,9 +111,10 @@ qint64 TelnetDevice::writeCommand(const QByteArray &bytes)
     if (state != QAbstractSocket::ConnectedState)
         return 0;
     const qint64 written = m_socket->write(bytes);
-    m_owesReply = written > 0;
     if (written > 0)
         m_guard.pollSent();
+    if (m_conversation && written > 0)
+        m_conversation->linkSent(bytes);
     if (written != bytes.size())
         logDevice() << "[ERROR] TelnetDevice::writeCommand : [" << m_address << "] buzzer flag :" << m_buzzerFlag
                     << " written : " << written;
@@ -153,9 +153,9 @@ quint16 TelnetDevice::port()
     return m_port;
 }
 
-bool TelnetDevice::owesReply() const
+void TelnetDevice::setConversation(LoggerConversation *conversation)
 {
-    return m_owesReply && socketState() == QAbstractSocket::ConnectedState;
+    m_conversation = conversation;
 }
 
 bool TelnetDevice::buzzerFlag() const
@@ -188,7 +188,8 @@ void TelnetDevice::readData()
         cutOff();
         return;
     }
-    m_owesReply = m_owesReply && !bytes.endsWith('\n') && !bytes.endsWith('\r');
+    if (m_conversation)
+        m_conversation->linkHeard(bytes);
     QString text = wireText(bytes);
     if (!m_buzzerFlag) {
         if (closesAfterReply())
@@ -228,6 +229,10 @@ void TelnetDevice::telnetStateChanged(QAbstractSocket::SocketState state)
 {
     logDevice() << "TelnetDevice::telnetStateChanged : buzzer flag :" << m_buzzerFlag << " [" << m_address << "] : ["
                 << state << "]";
+    if (m_conversation && state == QAbstractSocket::ConnectingState)
+        m_conversation->linkOpening();
+    if (m_conversation && state == QAbstractSocket::UnconnectedState)
+        m_conversation->linkClosed();
 }
 
 void TelnetDevice::sockConnected()

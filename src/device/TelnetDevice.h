@@ -8,6 +8,8 @@
 #include <QPointer>
 #include <QTcpSocket>
 
+class LoggerConversation;
+
 /// The link to a network logger over plain TCP; its address is an IP address text, host names are not looked up.
 /// It never reconnects by itself: the next write() or open() does. While the buzzer flag is set it carries the exchange
 /// of alarm settings instead of polls and passes replies on as they come. A logger that exceeds replyBounds is cut off:
@@ -37,9 +39,8 @@ public:
     /// The bytes accepted; 0 when there is no connection, which is then opened but the bytes are not sent.
     qint64 writeCommand(const QByteArray &bytes);
 
-    /// Whether a line of the logger's is still to come: it has not answered, or not in full, what was last sent on the
-    /// connection that stands.
-    bool owesReply() const;
+    /// Tells it, not owned, from now on what this link sends and hears.
+    void setConversation(LoggerConversation *conversation);
     bool buzzerFlag() const;
     void setBuzzerFlag(bool on);
     bool keepConnection() const;
@@ -72,9 +73,9 @@ private:
     quint16 m_port = defaultDevicePort;
     QPointer<QTcpSocket> m_socket;
     bool m_connected = false;
-    bool m_owesReply = false;
     bool m_buzzerFlag = false;
     bool m_keepConnection = false;
+    LoggerConversation *m_conversation = nullptr;
     ReplyGuard m_guard;
     SignalDepth m_depth;
 };

@@ -36,11 +36,9 @@ std::optional<FoundUsbLogger> loggerAt(udev_device *terminal)
     return foundUsbLogger(portNameOf(terminal), attribute(usb, "product"));
 }
 
-} // namespace
-
-QList<UsbLogger> findUsbLoggers()
+std::vector<FoundUsbLogger> attachedLoggers()
 {
-    QList<UsbLogger> loggers;
+    std::vector<FoundUsbLogger> loggers;
     const Handle<udev> context(udev_new());
     const Handle<udev_enumerate> enumeration(context ? udev_enumerate_new(context.get()) : nullptr);
     // Without the pattern every virtual console (tty0 to tty63) would be read as well, which takes milliseconds.
@@ -56,8 +54,15 @@ QList<UsbLogger> findUsbLoggers()
             udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
         if (!terminal)
             continue;
-        if (const auto logger = loggerAt(terminal.get()))
-            loggers.append(usbLogger(*logger));
+        if (auto logger = loggerAt(terminal.get()))
+            loggers.push_back(std::move(*logger));
     }
     return loggers;
+}
+
+} // namespace
+
+QList<UsbLogger> findUsbLoggers()
+{
+    return usableUsbLoggers(attachedLoggers());
 }

@@ -3,8 +3,5 @@
 
 QList<UsbLogger> findUsbLoggers()
 {
-    QList<UsbLogger> loggers;
-    for (const FoundUsbLogger &logger : readUsbLoggers())
-        loggers.append(usbLogger(logger));
-    return loggers;
+    return usableUsbLoggers(readUsbLoggers());
 }

@@ -1,5 +1,7 @@
 #include "dialogs/ManualDeviceEntry.h"
 
+#include "device/DeviceKey.h"
+
 #include <QRegularExpression>
 
 namespace {
@@ -26,6 +28,8 @@ std::optional<EntryRefusal> refusalOf(const ManualDeviceEntry &entry)
         return missing(Field::Name, QStringLiteral("Enter the Device Name."));
     if (entry.key.isEmpty())
         return missing(Field::Key, QStringLiteral("Enter the Mac Address."));
+    if (const QString problem = deviceKeyProblem(entry.key); !problem.isEmpty())
+        return EntryRefusal{Field::Key, QStringLiteral("ERROR"), QStringLiteral("The Mac Address %1.").arg(problem)};
     if (entry.address.isEmpty())
         return missing(Field::Address, QStringLiteral("Enter the IP Address."));
     if (entry.port == 0)

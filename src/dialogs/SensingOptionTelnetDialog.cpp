@@ -126,6 +126,10 @@ void SensingOptionTelnetDialog::syncError(const QString &message)
 
 void SensingOptionTelnetDialog::syncTimeout()
 {
+    if (m_isClosed && !isExchanging()) {
+        deleteLater(); // a later dialog has taken the exchange over, and tells what it comes to
+        return;
+    }
     cancelOwnExchange();
     setProgressing(false);
     report(QStringLiteral("This command has exceeded the time limit."));
@@ -149,9 +153,14 @@ void SensingOptionTelnetDialog::setProgressing(bool on)
 
 void SensingOptionTelnetDialog::report(const QString &text)
 {
-    // A message out of nowhere would ask for a retry that a closed dialog has no button for.
-    if (m_isClosed)
-        deleteLater();
-    else
-        showTransientMessage(QStringLiteral("ERROR"), text + QStringLiteral("\nPlease retry."), this);
+    const QString message = text + QStringLiteral("\nPlease retry.");
+    if (!m_isClosed) {
+        showTransientMessage(QStringLiteral("ERROR"), message, this);
+        return;
+    }
+    // Out of nowhere it must say which logger it is about.
+    if (device())
+        showTransientMessage(QStringLiteral("ERROR"), device()->deviceName() + QStringLiteral(": ") + message,
+                             parentWidget());
+    deleteLater();
 }

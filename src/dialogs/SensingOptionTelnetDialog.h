@@ -12,8 +12,8 @@ class SensingOptionTelnetDialog;
 }
 
 /// Edits a network logger: names and units are in force at once, alarm ranges and the buzzer rule when the logger has
-/// accepted them. Closing the window leaves an exchange with the logger under way; what it comes to is then not
-/// reported any more. Deleting the dialog cancels it.
+/// accepted them. Closing the window leaves an exchange with the logger under way; its failure is then reported in the
+/// parent, with the logger's name. Deleting the dialog cancels it.
 class SensingOptionTelnetDialog : public SensingOptionDialog
 {
     Q_OBJECT

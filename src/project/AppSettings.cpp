@@ -1,62 +1,49 @@
 #include "project/AppSettings.h"
 
-#include "project/IniFile.h"
+#include "project/SettingsStore.h"
 
-#include <QDir>
 #include <QFileInfo>
-#include <QSettings>
+
+#include <algorithm>
 
 namespace {
 
-const QString organization = QStringLiteral("SorvantoLite");
-const QString application = QStringLiteral("Sorvanto Lite");
-
-const QString listKey = QStringLiteral("RecentProjects/list");
-const QString projectsKey = QStringLiteral("RecentProjects/projects");
-const QString autoLoadKey = QStringLiteral("RecentProjects/autoLoad");
-const QString autoRecordKey = QStringLiteral("RecentProjects/autoRecord");
-const QString keepAliveKey = QStringLiteral("RecentProjects/keepAlive");
-
-bool write(const IniValues &values)
+/// Where the file really is, if there is one.
+QString placeOf(const QString &path)
 {
-    QSettings store(organization, application);
-#ifdef Q_OS_LINUX
-    // Here the native store is a file, which a full disk must not damage.
-    const QString path = store.fileName();
-    return QDir().mkpath(QFileInfo(path).absolutePath()) && rewriteIniFile(path, values);
-#else
-    setValues(store, values);
-    store.sync();
-    return store.status() == QSettings::NoError;
-#endif
+    const QFileInfo file(path);
+    const QString canonical = file.canonicalFilePath();
+    return canonical.isEmpty() ? file.absoluteFilePath() : canonical;
 }
 
-IniValues flags(const AppSettings &settings)
+/// The projects of both; what another station has added meanwhile keeps its place in front of the older ones.
+void takeIn(AppSettings &settings, const AppSettings &stored)
 {
-    return {{autoLoadKey, settings.autoLoad}, {autoRecordKey, settings.autoRecord}, {keepAliveKey, settings.keepAlive}};
+    QStringList list = stored.recentProjectList;
+    for (auto name = settings.recentProjectList.crbegin(); name != settings.recentProjectList.crend(); ++name) {
+        if (!list.contains(*name))
+            list.prepend(*name);
+    }
+    settings.recentProjectList = list;
+    for (auto entry = stored.recentProjects.begin(); entry != stored.recentProjects.end(); ++entry)
+        settings.recentProjects.insert(entry.key(), entry.value());
 }
 
 } // namespace
 
 void AppSettings::load()
 {
-    const QSettings store(organization, application);
-    recentProjectList = store.value(listKey).toStringList();
-    recentProjects = store.value(projectsKey).toMap();
-    autoLoad = store.value(autoLoadKey).toBool();
-    autoRecord = store.value(autoRecordKey).toBool();
-    keepAlive = store.value(keepAliveKey).toBool();
+    SettingsStore::read(*this);
 }
 
 bool AppSettings::save() const
 {
-    const IniValues projects{{listKey, recentProjectList}, {projectsKey, recentProjects}};
-    return write(projects + flags(*this));
+    return SettingsStore().write(*this);
 }
 
 bool AppSettings::saveAutoFlags() const
 {
-    return write(flags(*this));
+    return SettingsStore().writeFlags(*this);
 }
 
 void AppSettings::pruneRecentProjects()
@@ -72,12 +59,27 @@ void AppSettings::pruneRecentProjects()
 
 bool AppSettings::addRecentProject(const QString &name, const QString &path)
 {
+    if (isListed(name, path))
+        return true;
+    SettingsStore store;
+    AppSettings stored;
+    SettingsStore::read(stored);
+    takeIn(*this, stored);
+    if (!isListed(name, path)) {
+        recentProjects.insert(name, path);
+        recentProjectList.prepend(name);
+    }
+    pruneRecentProjects();
+    return store.write(*this);
+}
+
+bool AppSettings::isListed(const QString &name, const QString &path) const
+{
     if (recentProjects.contains(name) || recentProjectList.contains(name))
         return true;
-    recentProjects.insert(name, path);
-    recentProjectList.prepend(name);
-    pruneRecentProjects();
-    return save();
+    const QString place = placeOf(path);
+    return std::any_of(recentProjectList.begin(), recentProjectList.end(),
+                       [&](const QString &other) { return placeOf(recentProjects.value(other).toString()) == place; });
 }
 
 QString AppSettings::autoLoadPath() const

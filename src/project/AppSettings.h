@@ -22,9 +22,13 @@ public:
 
     /// Drops the projects whose file is gone; the store is not written.
     void pruneRecentProjects();
-    /// Puts a project that is not listed yet in front and saves; a listed name stays where and as it is. False when it
-    /// could not be saved.
+    /// Puts a project in front and saves, with what other stations have listed meanwhile. A listed name stays where and
+    /// as it is, and so does a file that is listed under another name, its former one. False when it could not be
+    /// saved.
     bool addRecentProject(const QString &name, const QString &path);
     /// The path to load at start, or an empty text when auto-load is off or nothing is listed.
     QString autoLoadPath() const;
+
+private:
+    bool isListed(const QString &name, const QString &path) const;
 };

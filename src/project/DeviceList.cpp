@@ -1,6 +1,7 @@
 #include "project/DeviceList.h"
 
 #include "device/ChannelUnit.h"
+#include "device/DeviceKey.h"
 #include "json/QJsonDocument.h"
 #include "json/QJsonValueRef.h"
 #include "json/Reader.h"
@@ -33,6 +34,8 @@ const QString ch2Custom = QStringLiteral("ch2_custom");
 const QString buzzerAlarm = QStringLiteral("buzzerAlarm");
 const QString dashboard = QStringLiteral("DashboardNumber");
 } // namespace key
+
+constexpr int longestShownName = 40;
 
 QString limitText(float limit)
 {
@@ -103,13 +106,39 @@ DeviceEntry decode(const json::QJsonObject &device)
     return entry;
 }
 
+bool isDevice(const json::QJsonObject &element)
+{
+    return !element[key::type].isNull();
+}
+
+QString keyProblem(const json::QJsonObject &device)
+{
+    return deviceKeyProblem(device[key::number].toString());
+}
+
+/// The devices of a list that are left out for their key.
+QList<json::QJsonObject> refusedElements(const QByteArray &text)
+{
+    QList<json::QJsonObject> refused;
+    const json::QJsonArray list = json::QJsonDocument(json::parse(text)).object()[devicesKey].toArray();
+    for (const json::QJsonValue &element : list) {
+        const json::QJsonObject device = element.toObject();
+        if (isDevice(device) && !keyProblem(device).isEmpty())
+            refused << device;
+    }
+    return refused;
+}
+
 } // namespace
 
-QByteArray encodeDeviceList(const QList<DeviceEntry> &devices)
+QByteArray encodeDeviceList(const QList<DeviceEntry> &devices, const QByteArray &before)
 {
     json::QJsonArray list;
     for (const DeviceEntry &entry : devices)
         list.append(encode(entry));
+    const QList<json::QJsonObject> refused = refusedElements(before);
+    for (const json::QJsonObject &device : refused)
+        list.append(device);
     return json::serialise(json::QJsonObject{{devicesKey, list}}).toUtf8();
 }
 
@@ -122,8 +151,18 @@ std::optional<QList<DeviceEntry>> decodeDeviceList(const QByteArray &text)
     const json::QJsonArray list = document.object()[devicesKey].toArray();
     for (const json::QJsonValue &element : list) {
         const json::QJsonObject device = element.toObject();
-        if (!device[key::type].isNull())
+        if (isDevice(device) && keyProblem(device).isEmpty())
             devices << decode(device);
     }
     return devices;
+}
+
+QStringList refusedDevices(const QByteArray &text)
+{
+    QStringList sentences;
+    const QList<json::QJsonObject> refused = refusedElements(text);
+    for (const json::QJsonObject &device : refused)
+        sentences << QStringLiteral("The device \"%1\" is left out: its number %2.")
+                         .arg(device[key::name].toString().left(longestShownName), keyProblem(device));
+    return sentences;
 }

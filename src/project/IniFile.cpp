@@ -4,101 +4,32 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QSettings>
-#include <QTemporaryDir>
-#include <cctype>
-#include <optional>
-
-// The settings class must not write the file itself. When the disk fills up in the middle of a write it puts the
-// truncated text in place of the old file and reports success, and what it could not write at all it keeps for the
-// next object with the same path. So it works on a copy, under a path that is used once.
 
 namespace {
 
-std::optional<QByteArray> contentOf(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QByteArray content = file.readAll();
-    return file.error() == QFileDevice::NoError ? std::optional(content) : std::nullopt;
-}
-
-/// Unbuffered, so that a short write shows here and not after the file is in its place.
-bool writeTo(QFileDevice &file, const QByteArray &content)
-{
-    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(content) == content.size();
-}
-
-bool writeCopy(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return writeTo(file, content);
-}
-
-/// A key takes one line: a text with the last line's end and every key is not truncated.
-bool isComplete(const QByteArray &text, const QString &path, const QStringList &keys)
-{
-    return (text.isEmpty() || text.endsWith('\n')) && QSettings(path, QSettings::IniFormat).allKeys() == keys;
-}
-
-/// As every generation of the toolkit reads it. What is not ASCII the older one takes for Latin-1, while the newer one
-/// writes UTF-8.
-QByteArray escaped(const QByteArray &text)
-{
-    QByteArray result;
-    bool afterEscape = false;
-    const QString characters = QString::fromUtf8(text);
-    for (const QChar character : characters) {
-        const ushort code = character.unicode();
-        // A digit would count as one more of the escape before it.
-        const bool escape = code >= 0x80 || (afterEscape && std::isxdigit(code));
-        if (escape)
-            result.append("\\x").append(QByteArray::number(code, 16));
-        else
-            result.append(static_cast<char>(code));
-        afterEscape = escape;
-    }
-    return result;
-}
-
-/// The text that @p before becomes with the values set.
-std::optional<QByteArray> changedText(const QByteArray &before, const IniValues &values)
-{
-    const QTemporaryDir folder;
-    const QString copy = folder.filePath(QStringLiteral("copy"));
-    const QString written = folder.filePath(QStringLiteral("written"));
-    if (!folder.isValid() || !writeCopy(copy, before))
-        return std::nullopt;
-    QSettings settings(copy, QSettings::IniFormat);
-    setValues(settings, values);
-    settings.sync();
-    if (settings.status() == QSettings::AccessError || !QFile::rename(copy, written))
-        return std::nullopt;
-    const std::optional<QByteArray> text = contentOf(written);
-    if (!text || !isComplete(*text, written, settings.allKeys()))
-        return std::nullopt;
-    return escaped(*text);
-}
+// Thousands of loggers; what is larger was not written by a station, and must not fill the memory.
+constexpr qint64 largestFile = 4 * 1024 * 1024;
 
 } // namespace
 
-void setValues(QSettings &settings, const IniValues &values)
+std::optional<IniText> readIniFile(const QString &path)
 {
-    for (const auto &[key, value] : values) {
-        if (value.isValid())
-            settings.setValue(key, value);
-        else
-            settings.remove(key);
-    }
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray content = file.read(largestFile + 1);
+    if (file.error() != QFileDevice::NoError || content.size() > largestFile)
+        return std::nullopt;
+    return IniText(content);
 }
 
 bool replaceFile(const QString &path, const QByteArray &content)
 {
+    // Unbuffered, so that a short write shows here and not after the file is in its place.
     QSaveFile file(path);
-    if (!writeTo(file, content))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || file.write(content) != content.size())
         return false;
-    // A settings object reads its file again only when size or time differ: never give two versions the same time.
+    // The toolkit's own reader reads a file again only when size or time differ: never give two versions the same time.
     const QFileInfo old(path);
     if (old.exists()) {
         const QDateTime later = old.lastModified().addMSecs(1);
@@ -109,9 +40,10 @@ bool replaceFile(const QString &path, const QByteArray &content)
 
 bool rewriteIniFile(const QString &path, const IniValues &values)
 {
-    const std::optional<QByteArray> before = QFileInfo::exists(path) ? contentOf(path) : QByteArray();
-    if (!before)
+    std::optional<IniText> text = QFileInfo::exists(path) ? readIniFile(path) : IniText();
+    if (!text)
         return false;
-    const std::optional<QByteArray> after = changedText(*before, values);
-    return after && replaceFile(path, *after);
+    for (const auto &[key, value] : values)
+        text->setValue(key, value);
+    return replaceFile(path, text->toBytes());
 }

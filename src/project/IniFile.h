@@ -1,17 +1,18 @@
 #pragma once
 
+#include "project/IniText.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QPair>
 #include <QString>
-#include <QVariant>
+#include <optional>
 
-class QSettings;
+/// Keys and values in the order of writing.
+using IniValues = QList<QPair<QString, IniValue>>;
 
-/// Keys and values in the order of writing; an invalid value removes its key.
-using IniValues = QList<QPair<QString, QVariant>>;
-
-void setValues(QSettings &settings, const IniValues &values);
+/// Nothing when there is no such file, when it cannot be read or when it is larger than any that a station writes.
+std::optional<IniText> readIniFile(const QString &path);
 
 /// Puts a file with @p content in place of the one at @p path, or leaves that as it was.
 bool replaceFile(const QString &path, const QByteArray &content);

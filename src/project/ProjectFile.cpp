@@ -4,8 +4,6 @@
 #include "project/IniFile.h"
 
 #include <QFileInfo>
-#include <QSettings>
-#include <QVariant>
 
 #include <limits>
 
@@ -22,9 +20,10 @@ const QString recordStartTime = QStringLiteral("record_start_time");
 const QString recordStopTime = QStringLiteral("record_stop_time");
 } // namespace key
 
-QVariant read(const QString &path, const QString &key)
+IniValue read(const QString &path, const QString &key)
 {
-    return QSettings(path, QSettings::IniFormat).value(key);
+    const std::optional<IniText> text = readIniFile(path);
+    return text ? text->value(key) : IniValue();
 }
 
 bool rewriteExisting(const QString &path, const IniValues &values)
@@ -44,60 +43,69 @@ QString ProjectFile::path() const
 
 bool ProjectFile::create(const QString &projectName, int intervalMs)
 {
-    IniValues values;
-    const QStringList left = QSettings(m_path, QSettings::IniFormat).allKeys();
-    for (const QString &name : left)
-        values.append({name, QVariant()});
-    values.append({key::projectName, projectName});
-    values.append({key::dataInterval, intervalMs});
-    values.append({key::databaseName, projectName + QStringLiteral(".dat")});
-    return rewriteIniFile(m_path, values);
+    IniText text;
+    text.setValue(key::projectName, IniValue::fromText(projectName));
+    text.setValue(key::dataInterval, IniValue::fromNumber(intervalMs));
+    text.setValue(key::databaseName, IniValue::fromText(QFileInfo(newDatabasePath(projectName)).fileName()));
+    return replaceFile(m_path, text.toBytes());
 }
 
 bool ProjectFile::saveDevices(const QList<DeviceEntry> &devices)
 {
-    return rewriteExisting(m_path, {{key::backup, read(m_path, key::deviceList).toByteArray()},
-                                    {key::deviceList, encodeDeviceList(devices)}});
+    const QByteArray before = read(m_path, key::deviceList).toBytes();
+    return rewriteExisting(m_path, {{key::backup, IniValue::fromBytes(before)},
+                                    {key::deviceList, IniValue::fromBytes(encodeDeviceList(devices, before))}});
 }
 
 bool ProjectFile::saveLayout(int intervalMs, const QStringList &dashboardNames)
 {
-    return rewriteExisting(m_path, {{key::dataInterval, intervalMs}, {key::dashboardNames, dashboardNames}});
+    return rewriteExisting(m_path, {{key::dataInterval, IniValue::fromNumber(intervalMs)},
+                                    {key::dashboardNames, IniValue::fromTexts(dashboardNames)}});
 }
 
 bool ProjectFile::setRecordStartTime(const QString &text)
 {
-    return rewriteExisting(m_path, {{key::recordStartTime, text}});
+    return rewriteExisting(m_path, {{key::recordStartTime, IniValue::fromText(text)}});
 }
 
 bool ProjectFile::setRecordStopTime(const QString &text)
 {
-    return rewriteExisting(m_path, {{key::recordStopTime, text}});
+    return rewriteExisting(m_path, {{key::recordStopTime, IniValue::fromText(text)}});
 }
 
 std::optional<QList<DeviceEntry>> ProjectFile::readDevices() const
 {
-    return decodeDeviceList(read(m_path, key::deviceList).toByteArray());
+    return decodeDeviceList(read(m_path, key::deviceList).toBytes());
+}
+
+QStringList ProjectFile::refusedDevices() const
+{
+    return ::refusedDevices(read(m_path, key::deviceList).toBytes());
 }
 
 QString ProjectFile::projectName() const
 {
-    return read(m_path, key::projectName).toString();
+    return read(m_path, key::projectName).toText();
 }
 
 int ProjectFile::dataInterval() const
 {
     // A number too large for an int would wrap into an interval that nobody chose.
-    const qlonglong ms = read(m_path, key::dataInterval).toLongLong();
+    const qlonglong ms = read(m_path, key::dataInterval).toNumber();
     return ms >= 0 && ms <= std::numeric_limits<int>::max() ? int(ms) : 0;
 }
 
 QStringList ProjectFile::dashboardNames() const
 {
-    return read(m_path, key::dashboardNames).toStringList();
+    return read(m_path, key::dashboardNames).toTexts();
+}
+
+QString ProjectFile::newDatabasePath(const QString &projectName) const
+{
+    return QFileInfo(m_path).absolutePath() + QLatin1Char('/') + projectName + QStringLiteral(".dat");
 }
 
 QString ProjectFile::databasePath() const
 {
-    return QFileInfo(m_path).absolutePath() + QLatin1Char('/') + read(m_path, key::databaseName).toString();
+    return QFileInfo(m_path).absolutePath() + QLatin1Char('/') + read(m_path, key::databaseName).toText();
 }

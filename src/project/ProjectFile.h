@@ -27,11 +27,16 @@ public:
 
     /// Nothing when the list is missing or cannot be parsed; an empty list is a project without devices.
     std::optional<QList<DeviceEntry>> readDevices() const;
+    /// A sentence for each device that readDevices() leaves out because its number cannot be a key; it stays in the
+    /// file.
+    QStringList refusedDevices() const;
     /// The stored name, or an empty text.
     QString projectName() const;
     /// Milliseconds as stored; 0 when missing, negative or beyond an int.
     int dataInterval() const;
     QStringList dashboardNames() const;
+    /// The recording that create() gives to a project of that name.
+    QString newDatabasePath(const QString &projectName) const;
     /// The recording's path: the project's folder, "/" and the stored database name.
     QString databasePath() const;
 

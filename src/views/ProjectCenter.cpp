@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "dialogs/NetworkSettingDialog.h"
+#include "dialogs/PlainToolTip.h"
 #include "dialogs/SensingOptionTelnetDialog.h"
 #include "dialogs/SensingOptionUsbDialog.h"
 #include "ui_ProjectCenter.h"
@@ -112,6 +113,12 @@ void ProjectCenter::setDatabaseSize(qint64 bytes)
     m_form->label_record_bytes->setStyleSheet(bytes < databaseSizeLimit ? idleColour : overLimitColour);
     m_form->label_record_bytes->setText(
         QStringLiteral("Database ") + QString::number(double(bytes) / bytesPerMegabyte, 'f', 2) + QStringLiteral("MB"));
+}
+
+void ProjectCenter::setRecordingRefused(const QString &reason)
+{
+    m_form->btn_record->setEnabled(false);
+    m_form->btn_record->setToolTip(plainToolTip(reason));
 }
 
 void ProjectCenter::setWriteTrouble(const QString &reason)

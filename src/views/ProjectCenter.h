@@ -40,6 +40,8 @@ public:
     void setRecordState(bool recording);
     /// The size of the recording in bytes; from 3 GiB on it is shown as too large.
     void setDatabaseSize(qint64 bytes);
+    /// Why nothing can be recorded: the record button is off and says so.
+    void setRecordingRefused(const QString &reason);
     /// Why readings are not reaching the recording at present; an empty text when they are.
     void setWriteTrouble(const QString &reason);
 

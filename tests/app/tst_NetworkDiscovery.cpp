@@ -7,6 +7,7 @@
 #include "support/LogCapture.h"
 
 #include <QElapsedTimer>
+#include <QListWidget>
 #include <QNetworkInterface>
 #include <QProcess>
 #include <QScopeGuard>
@@ -120,6 +121,7 @@ private slots:
     void strangeDatagramsAddNoRecord_data();
     void strangeDatagramsAddNoRecord();
     void withoutANetworkCardTheOperatorIsTold();
+    void aNetworkThatRefusesTheSearchIsTold();
 
     void aSecondSearchReplacesTheFirst();
     void closingTheProjectEndsTheSearch();
@@ -128,11 +130,15 @@ private slots:
     void aBurstIsReadInPortions();
     void theWindowAnswersDuringAFlood_data();
     void theWindowAnswersDuringAFlood();
+    void aBurstIsShownOnce();
 
 private:
     static void verifySearch(const QNetworkDatagram &heard);
     /// Has the station search and hears it.
     bool search();
+    /// The same as a new project does it: the device manager is shown from then on.
+    bool searchForTheManager();
+    QListWidget *foundList() const { return child<QListWidget>(*m_station, "availlable_list"); }
     QList<QUdpSocket *> sockets() const { return m_station->findChildren<QUdpSocket *>(); }
     QUdpSocket *receiver() const;
     /// "KEY address port" of every record, in their order.
@@ -163,6 +169,12 @@ void tst_NetworkDiscovery::cleanup()
 bool tst_NetworkDiscovery::search()
 {
     m_station->broadcastDevice();
+    return m_answerer->hear().isValid();
+}
+
+bool tst_NetworkDiscovery::searchForTheManager()
+{
+    m_station->projectCreated(m_fixture->projectPath(QStringLiteral("Kitchen")));
     return m_answerer->hear().isValid();
 }
 
@@ -302,6 +314,18 @@ void tst_NetworkDiscovery::withoutANetworkCardTheOperatorIsTold()
     QTRY_COMPARE(m_station->availDevices().size(), 1);
 }
 
+void tst_NetworkDiscovery::aNetworkThatRefusesTheSearchIsTold()
+{
+    const auto restore = qScopeGuard([] { layOut(QStringLiteral("10.77.0.1/24"), theLoggersAddresses()); });
+    // An address without a network around it: nothing leads to the .255.
+    QVERIFY(giveAddresses(QStringLiteral("station"), {QStringLiteral("10.77.0.1/32")}));
+    const LogCapture log;
+    m_station->broadcastDevice();
+    QCOMPARE(shownMessages(), QStringList{QStringLiteral("UDP Send Socket Down.\nPlease retry.")});
+    QCOMPARE(log.count(QStringLiteral("[ERROR] SorvantoMain::broadcastDevice : m_sndUdpSocket->isValid() : false")), 1);
+    QVERIFY(!receiver());
+}
+
 void tst_NetworkDiscovery::aSecondSearchReplacesTheFirst()
 {
     const LogCapture log;
@@ -393,7 +417,9 @@ void tst_NetworkDiscovery::theWindowAnswersDuringAFlood()
 {
     QFETCH(Datagrams, datagramAt);
     m_station->show();
-    QVERIFY(search());
+    QVERIFY(searchForTheManager());
+    m_answerer->answer(discoveryReply(lastMac, QStringLiteral("10.77.0.8")));
+    QTRY_VERIFY(records().contains(QStringLiteral("02FFFFFFFFFF 10.77.0.8 23")));
     Heartbeat heartbeat;
     {
         const Flood flood(m_answerer->station(), m_answerer->stationPort(), *receiver(), 100000, datagramAt);
@@ -401,11 +427,25 @@ void tst_NetworkDiscovery::theWindowAnswersDuringAFlood()
     }
     // The flood has been read when this one has.
     m_answerer->answer(discoveryReply(lastMac, QStringLiteral("10.77.0.9")));
-    QVERIFY(heartbeat.runUntil([this] {
-        const QList<AvailDevice *> all = m_station->availDevices();
-        return !all.isEmpty() && all.last()->key == QLatin1String("02FFFFFFFFFF");
-    }));
+    QVERIFY(heartbeat.runUntil([this] { return records().contains(QStringLiteral("02FFFFFFFFFF 10.77.0.9 23")); }));
     QVERIFY2(heartbeat.longestMs() < 1000, QByteArray::number(heartbeat.longestMs()).constData());
+    QCOMPARE(foundList()->count(), m_station->availDevices().size());
+}
+
+/// Portions of a burst are no news each: the list would be made anew for all of them.
+void tst_NetworkDiscovery::aBurstIsShownOnce()
+{
+    constexpr int burst = 150;
+    QVERIFY(searchForTheManager());
+    int readAtFirstRow = 0;
+    connect(foundList()->model(), &QAbstractItemModel::rowsInserted, this, [&] {
+        if (readAtFirstRow == 0)
+            readAtFirstRow = m_station->availDevices().size();
+    });
+    for (int i = 0; i < burst; ++i)
+        m_answerer->answer(discoveryReply(firstMac + quint64(i), QStringLiteral("10.77.0.2")));
+    QTRY_COMPARE(foundList()->count(), burst);
+    QCOMPARE(readAtFirstRow, burst);
 }
 
 STATION_TEST_MAIN(tst_NetworkDiscovery)

@@ -93,6 +93,34 @@ private slots:
         QVERIFY(recentList().isEmpty());
     }
 
+    /// Rows stored under another name than the device's would be lost to everybody.
+    void aDeviceThatCannotBeRecordedIsLeftOutAndKept()
+    {
+        DeviceEntry entry = m_fixture->addLogger();
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {entry});
+        const QString path = m_fixture->projectPath(QStringLiteral("Kitchen"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray text = file.readAll();
+        const QByteArray refused =
+            R"({\"DeviceName\": \"<b>Oven\",\"DeviceNumber\": \"\\uFEFF7\",\"DeviceType\": \"TELNET\"},)";
+        text.replace("{\\\"devices\\\": [", "{\\\"devices\\\": [" + refused);
+        file.seek(0);
+        file.write(text);
+        file.close();
+        {
+            SorvantoMain station;
+            station.projectLoaded(path);
+            QVERIFY(station.isProjectOpen());
+            QCOMPARE(station.configuredDevices().size(), 1);
+            const QString told("The device \"<b>Oven\" is left out: its number contains a byte-order mark.");
+            QCOMPARE(shownMessages(), QStringList{told});
+            station.slotUpdateProjectFile();
+        }
+        QCOMPARE(ProjectFile(path).readDevices()->size(), 1);
+        QCOMPARE(ProjectFile(path).refusedDevices().size(), 1);
+    }
+
     void aRefusedFileLeavesTheOpenProjectAlone()
     {
         m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});

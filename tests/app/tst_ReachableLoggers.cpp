@@ -51,6 +51,25 @@ private slots:
         QCOMPARE(records(), QStringList{"ZP1 ttyACM4 23 1"});
     }
 
+    void searchesFillTheListToItsBoundOnly()
+    {
+        LogCapture log;
+        const auto answer = [this](int number, const char *address) {
+            const QByteArray mac = "0200" + QByteArray::number(number).rightJustified(8, '0');
+            m_loggers.mergeNetwork(reply(mac.constData(), address, 23));
+        };
+        for (int number = 0; number < ReachableLoggers::mostRecords + 100; ++number)
+            answer(number, "10.0.0.2");
+        QCOMPARE(m_loggers.size(), ReachableLoggers::mostRecords);
+        answer(0, "10.0.0.3");
+        QCOMPARE(m_loggers.all().first()->address, QString("10.0.0.3"));
+        QVERIFY2(m_loggers.mergeUsb({usb("ZP1", "ttyACM0")}), "what is plugged in is always taken");
+        QCOMPARE(log.count("ReachableLoggers::mergeNetwork : [ERROR]"), 1);
+        m_loggers.clear();
+        answer(1, "10.0.0.2");
+        QCOMPARE(m_loggers.size(), 1);
+    }
+
     void theFirstOfTwoWithOneKeyCounts()
     {
         const QList<UsbLogger> found{usb("ZP1", "ttyACM0"), usb("ZP1", "ttyACM1"), usb("ZP1", "ttyACM2")};

@@ -5,6 +5,7 @@
 #include "store/InsertSerialData.h"
 #include "support/ScriptedLogger.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QDateTime>
 #include <QSqlDatabase>
@@ -148,9 +149,13 @@ private slots:
         open(1);
         m_station->slotStartRecord();
         const QString start = labelText(*m_station, "label_record_starttime");
+        // Only a timer that is started anew is back at its period.
+        auto *timer = child<QTimer>(*m_station, "writeDbTimer");
+        timer->start(600000);
         m_station->slotStartRecord();
         QVERIFY(m_station->isRecording());
-        QVERIFY(child<QTimer>(*m_station, "writeDbTimer")->isActive());
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 1500);
         QCOMPARE(labelText(*m_station, "label_record_starttime"), start);
     }
 
@@ -380,6 +385,52 @@ private slots:
         for (const RecordedRow &row : rows)
             values.insert(row.channel1.toString() + QLatin1Char(' ') + row.channel2.toString());
         QCOMPARE(values, (QSet<QString>{QStringLiteral("1234570 "), QStringLiteral("0 21.1235"), QStringLiteral(" ")}));
+    }
+
+    void aWriteProtectedRecordingIsOpenedForLooking_data()
+    {
+        QTest::addColumn<bool>("autoRecord");
+        QTest::newRow("by hand") << false;
+        QTest::newRow("recording by itself") << true;
+    }
+
+    void aWriteProtectedRecordingIsOpenedForLooking()
+    {
+        QFETCH(bool, autoRecord);
+        open(1);
+        m_station->slotStartRecord();
+        pollUntilPending(3);
+        m_station->slotStopRecord();
+        const QString start = labelText(*m_station, "label_record_starttime");
+        const QString end = labelText(*m_station, "label_record_endtime");
+        m_station.reset();
+        const QString reason = QStringLiteral("The recording is write-protected. It can be looked at, but nothing can "
+                                              "be recorded.");
+        QVERIFY(QFile::setPermissions(m_fixture->recordingPath(m_name), QFile::ReadOwner));
+        m_fixture->listProject(m_name, true, autoRecord);
+        m_station = std::make_unique<SorvantoMain>();
+        QVERIFY(m_station->isProjectOpen());
+        QVERIFY(!m_station->isEnding());
+        QVERIFY(!m_station->isRecording());
+        m_station->show();
+        QCOMPARE(shownMessages(), QStringList{reason});
+        const auto *button = child<QAbstractButton>(*m_station, "btn_record");
+        QVERIFY(!button->isEnabled());
+        QVERIFY(button->toolTip().contains(reason));
+        QCOMPARE(labelText(*m_station, "label_record_starttime"), start);
+        QCOMPARE(labelText(*m_station, "label_record_endtime"), end);
+        QTRY_VERIFY(m_station->configuredDevices().first()->isConnected());
+
+        m_station->slotStartRecord();
+        QVERIFY(!m_station->isRecording());
+        QVERIFY(!m_station->configuredDevices().first()->isRecording());
+        m_station->slotCloseProject();
+        QCOMPARE(m_fixture->rows(m_name).size(), 4);
+        QVERIFY(QFile::setPermissions(m_fixture->recordingPath(m_name), QFile::ReadOwner | QFile::WriteOwner));
+        loadAgain();
+        QVERIFY(child<QAbstractButton>(*m_station, "btn_record")->isEnabled());
+        m_station->slotStartRecord();
+        QVERIFY(m_station->isRecording());
     }
 
     void endingTheProgramStopsTheRecording()

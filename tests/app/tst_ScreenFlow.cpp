@@ -252,6 +252,11 @@ void tst_ScreenFlow::editingSilencesTheAlarm()
     QTRY_COMPARE(sound->state(), QAudio::ActiveState);
     m_op->edit();
     QCOMPARE(sound->state(), QAudio::StoppedState);
+    // A reading that comes in all the same does not bring it back at the next tick.
+    device->readData(QStringLiteral("20.00,45.10"));
+    QVERIFY(device->alarmOnChannel1());
+    m_op->station->slotStdTimer();
+    QCOMPARE(sound->state(), QAudio::StoppedState);
 }
 
 void tst_ScreenFlow::editingIsNoWayOutOfARecording()

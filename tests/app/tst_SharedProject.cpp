@@ -1,13 +1,16 @@
 #include "Operator.h"
 
 #include "project/ProjectLock.h"
+#include "project/RecordingLock.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 
 namespace {
 
+const QString recordingRefusal = QStringLiteral("Another open project records into \"%1\".\nPlease retry.");
 const QString refusal = QStringLiteral("The project is open in another Sorvanto Lite.\nPlease retry.");
 
 } // namespace
@@ -108,6 +111,66 @@ private slots:
         emit screen->projectCreated(m_op->projectPath());
         QCOMPARE(m_op->projectFile().readDevices()->size(), 1);
         QVERIFY(!shownScreen<ProjectManager>(second));
+    }
+
+    void aCopyBesideItsOriginalIsRefused()
+    {
+        QVERIFY(m_op->openProject(1));
+        const QString copy = m_op->fixture.projectPath(QStringLiteral("Copy"));
+        QVERIFY(QFile::copy(m_op->projectPath(), copy));
+        SorvantoMain second;
+        second.projectLoaded(copy);
+        QCOMPARE(shownMessages(), QStringList{recordingRefusal.arg(QStringLiteral("Kitchen.dat"))});
+        QVERIFY(!second.isProjectOpen());
+        QVERIFY(ProjectLock(copy).acquire());
+        m_op->close();
+        second.projectLoaded(copy);
+        QVERIFY(second.isProjectOpen());
+        m_op->station->projectLoaded(m_op->projectPath());
+        QVERIFY(!m_op->station->isProjectOpen());
+    }
+
+    void twoNamesThatAreOneBeforeTheDotAreRefused()
+    {
+        const QString one = m_op->fixture.projectPath(QStringLiteral("Room 1.1"));
+        const QString two = m_op->fixture.projectPath(QStringLiteral("Room 1.2"));
+        for (const QString &path : {one, two}) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        m_op->station->projectCreated(one);
+        QVERIFY(m_op->manager());
+        SorvantoMain second;
+        second.projectCreated(two);
+        QCOMPARE(shownMessages(), QStringList{recordingRefusal.arg(QStringLiteral("Room 1.dat"))});
+        QVERIFY(!shownScreen<ProjectManager>(second));
+        QCOMPARE(QFileInfo(two).size(), qint64(0));
+        // One station may pass from one to the other.
+        m_op->station->projectCreated(two);
+        QVERIFY(m_op->manager());
+        second.projectCreated(one);
+        QVERIFY(!shownScreen<ProjectManager>(second));
+    }
+
+    void whatIsRefusedLeavesTheOpenProjectLocked()
+    {
+        QVERIFY(m_op->openProject(1));
+        const QString copy = m_op->fixture.projectPath(QStringLiteral("Copy"));
+        QVERIFY(QFile::copy(m_op->projectPath(), copy));
+        m_op->fixture.writeProject(QStringLiteral("Lab"), {});
+        const QString lab = m_op->fixture.projectPath(QStringLiteral("Lab"));
+        SorvantoMain second;
+        second.projectLoaded(lab);
+        second.projectLoaded(copy);
+        QVERIFY(second.isProjectOpen());
+        QVERIFY(!ProjectLock(lab).acquire());
+        QVERIFY(!RecordingLock(m_op->fixture.recordingPath(QStringLiteral("Lab"))).acquire());
+
+        // A folder in the file's place refuses even the superuser.
+        QVERIFY(QFile::remove(lab) && QDir().mkpath(lab));
+        second.projectCreated(lab);
+        QVERIFY(second.isProjectOpen());
+        QVERIFY(!RecordingLock(m_op->fixture.recordingPath(QStringLiteral("Lab"))).acquire());
     }
 
 private:

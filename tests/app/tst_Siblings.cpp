@@ -3,6 +3,7 @@
 #include "app/AboutText.h"
 #include "app/SiblingProgram.h"
 #include "app/SorvantoMain.h"
+#include "support/LogCapture.h"
 
 #include <QDir>
 #include <QMessageBox>
@@ -85,10 +86,15 @@ private slots:
     void withoutARecordingNothingIsStarted()
     {
         installStandIn(QStringLiteral("Lookback"));
+        installStandIn(QStringLiteral("Sheetsmith"));
         SorvantoMain station;
+        const LogCapture log;
         station.slotLookbackRecord();
         QCOMPARE(shownMessages(), QStringList{QStringLiteral("Database does not exist.")});
-        QVERIFY(arguments().isNull());
+        station.slotReportDaily();
+        QCOMPARE(shownMessages().size(), 2);
+        // Whatever is started is logged first; a program takes its time to show that it runs.
+        QCOMPARE(log.count(QStringLiteral("cmd :")), 0);
     }
 
     void saysWhichProgramIsMissing_data()

@@ -29,7 +29,9 @@ SorvantoMain *shownStation()
 }
 
 /// Runs the station from splash to exit; @p use is called with the window once it is shown.
-int runAndUse(const std::function<void(SorvantoMain &)> &use, const StartOptions &options = {})
+int runAndUse(
+    const std::function<void(SorvantoMain &)> &use, const StartOptions &options = {},
+    const std::function<void(unsigned long)> &pause = [](unsigned long) {})
 {
     QTimer watch;
     bool used = false;
@@ -41,7 +43,7 @@ int runAndUse(const std::function<void(SorvantoMain &)> &use, const StartOptions
         use(*station);
     });
     watch.start(10);
-    return runStation(*qobject_cast<QApplication *>(QCoreApplication::instance()), options);
+    return runStation(*qApp, options, pause);
 }
 
 /// Whether a station's window was shown at any moment.
@@ -123,6 +125,27 @@ private slots:
         });
         QCOMPARE(code, 0);
         QVERIFY(shown);
+    }
+
+    void theSplashStaysForTwoAndAHalfSeconds()
+    {
+        const WindowWatch watch;
+        QList<unsigned long> pauses;
+        bool splashIsShown = false;
+        bool windowWasShown = true;
+        const int code = runAndUse([](SorvantoMain &station) { station.endProgram(); }, {},
+                                   [&](unsigned long ms) {
+                                       pauses << ms;
+                                       windowWasShown = watch.wasShown();
+                                       const QWidgetList windows = QApplication::topLevelWidgets();
+                                       for (QWidget *window : windows)
+                                           splashIsShown = splashIsShown || (qobject_cast<QSplashScreen *>(window) &&
+                                                                             window->isVisible());
+                                   });
+        QCOMPARE(code, 0);
+        QCOMPARE(pauses, QList<unsigned long>{2500});
+        QVERIFY(splashIsShown);
+        QVERIFY(!windowWasShown);
     }
 
     void theWindowAppearsWithTheRecentProject()

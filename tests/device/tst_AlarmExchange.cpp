@@ -156,7 +156,8 @@ void tst_AlarmExchange::joinsAConnectThatIsUnderWay()
     run.device.pollForRecord(); // starts to connect
     run.device.startSyncTelnet();
     QVERIFY(run.success.wait());
-    QCOMPARE(run.logger.commands(), allCommands);
+    QCOMPARE(run.logger.commands().mid(0, allCommands.size()), allCommands);
+    QTRY_COMPARE(run.logger.commands(), allCommands + QList<QByteArray>{"ATDC"});
 }
 
 void tst_AlarmExchange::numbersItsRuns()

@@ -37,7 +37,8 @@ private slots:
     void recordsEveryLineOfAReply();
     void recordsThousandsOfLines();
     void gapRowFollowsTheLastRecordedOne();
-    void gapRowBeforeAnyReading();
+    void noGapRowWithoutAReading();
+    void oneGapRowForASeries();
     void logsAlarms();
 };
 
@@ -389,14 +390,30 @@ void tst_ConfiguredDevice::gapRowFollowsTheLastRecordedOne()
     QVERIFY(rows[1].channel1.isNull() && rows[1].channel2.isNull());
 }
 
-void tst_ConfiguredDevice::gapRowBeforeAnyReading()
+void tst_ConfiguredDevice::noGapRowWithoutAReading()
 {
-    const qint64 before = QDateTime::currentSecsSinceEpoch();
-    ConfiguredDevice device("A1", NetworkInterface);
-    device.insertNoValue();
-    const QList<RecordedRow> rows = takeRecordedRows();
-    QCOMPARE(rows.size(), 1);
-    QVERIFY(rows[0].time >= before + 1 && rows[0].time <= QDateTime::currentSecsSinceEpoch() + 1);
+    ClockedDevice bench;
+    bench.device.setRecording(true);
+    bench.device.pollForRecord();
+    LogCapture log;
+    bench.device.insertNoValue();
+    QCOMPARE(log.lines(), QStringList("- ConfiguredDevice::insertNoValue() : A1"));
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+}
+
+void tst_ConfiguredDevice::oneGapRowForASeries()
+{
+    ClockedDevice bench;
+    bench.device.setRecording(true);
+    bench.reply("1,2\n");
+    bench.device.insertNoValue();
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
+    bench.device.insertNoValue();
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
+    bench.reply("1,2\n", 60000);
+    bench.device.insertNoValue();
+    QCOMPARE(InsertSerialData::pendingCount(), 4);
+    QCOMPARE(takeRecordedRows().last().time, 1700000061U);
 }
 
 void tst_ConfiguredDevice::logsAlarms()

@@ -12,6 +12,8 @@ class tst_DeviceViews : public QObject
 private slots:
     void pushesIntoItsViews();
     void disconnectEmptiesEverything();
+    void closingTheLinkEmptiesEverything_data();
+    void closingTheLinkEmptiesEverything();
     void listEntryStartsDisconnected();
     void detachedViewsHearNothing();
     void mayBeDeletedByAView_data();
@@ -65,6 +67,37 @@ void tst_DeviceViews::disconnectEmptiesEverything()
     History channel2{};
     bench.device.history(times, channel1, channel2);
     QCOMPARE(channel1.back(), 99.0); // the history stays
+}
+
+void tst_DeviceViews::closingTheLinkEmptiesEverything_data()
+{
+    QTest::addColumn<bool>("forgetting");
+    QTest::newRow("closed") << false;
+    QTest::newRow("port forgotten") << true;
+}
+
+void tst_DeviceViews::closingTheLinkEmptiesEverything()
+{
+    QFETCH(bool, forgetting);
+    ClockedDevice bench;
+    bench.device.setAlarmRange(10, 30, 10, 30);
+    bench.reply("99,99");
+    FakeTile tile;
+    FakeChart chart;
+    FakeListEntry entry;
+    bench.device.setTiles(&tile, nullptr);
+    bench.device.setChartView(&chart);
+    bench.device.setListItem(&entry);
+    forgetting ? bench.device.forgetPort() : bench.device.closeDevice();
+    QVERIFY(!bench.device.isConnected());
+    QVERIFY(!bench.device.alarmOnChannel1() && !bench.device.alarmOnChannel2());
+    QCOMPARE(bench.device.ch1Value(), QString());
+    QCOMPARE(bench.device.ch2Value(), QString());
+    QCOMPARE(tile.calls, QStringList("disconnected A1"));
+    QCOMPARE(chart.calls, QStringList("disconnected A1"));
+    QCOMPARE(entry.states, QList<bool>({false, false}));
+    bench.device.closeDevice();
+    QCOMPARE(tile.calls.size(), 1);
 }
 
 void tst_DeviceViews::listEntryStartsDisconnected()

@@ -1,4 +1,5 @@
 #include "device/ConfiguredDevice.h"
+#include "device/LoggerConversation.h"
 #include "device/TelnetDevice.h"
 #include "support/LogCapture.h"
 #include "support/RecordedRows.h"
@@ -14,9 +15,16 @@ class tst_OwedReply : public QObject
     Q_OBJECT
 
 private slots:
-    void linkKnowsWhetherAReplyIsOwed();
+    void cleanup();
+
+    void linkTellsWhetherAReplyIsOwed();
     void waitsForAReplyOnItsWay_data();
     void waitsForAReplyOnItsWay();
+    void waitsForEveryReplyOnItsWay();
+    void replyAfterTheWaitIsNoAcknowledgement_data();
+    void replyAfterTheWaitIsNoAcknowledgement();
+    void pollWhoseConnectionIsStillMadeComesAfter_data();
+    void pollWhoseConnectionIsStillMadeComesAfter();
     void doesNotWaitForEver_data();
     void doesNotWaitForEver();
     void lateAcknowledgementBelongsToTheLastTry();
@@ -57,32 +65,39 @@ const QList<QByteArray> allCommands{"ATBMIN1 10.00", "ATBMAX1 30.00", "ATBMIN2 0
 
 } // namespace
 
-void tst_OwedReply::linkKnowsWhetherAReplyIsOwed()
+void tst_OwedReply::cleanup()
+{
+    takeRecordedRows();
+}
+
+void tst_OwedReply::linkTellsWhetherAReplyIsOwed()
 {
     ScriptedLogger logger;
     logger.setSilent();
     const TemporaryInterval interval(1000);
+    LoggerConversation conversation(0);
     TelnetDevice link;
-    QVERIFY(!link.owesReply());
+    link.setConversation(&conversation);
+    QVERIFY(!conversation.owesReply());
     link.setDeviceInfo(logger.address(), logger.port());
     link.open();
     QTRY_COMPARE(logger.commands().size(), 1);
-    QVERIFY(link.owesReply());
+    QVERIFY(conversation.owesReply());
     QSignalSpy arrived(link.findChild<QTcpSocket *>(), &QTcpSocket::readyRead);
     logger.send("ATDC 21.5");
     QVERIFY(arrived.wait());
-    QVERIFY2(link.owesReply(), "the rest of the line is still to come");
+    QVERIFY2(conversation.owesReply(), "the rest of the line is still to come");
     logger.send("0,45.10\r\n");
     QVERIFY(arrived.wait());
-    QVERIFY(!link.owesReply());
+    QVERIFY(!conversation.owesReply());
     link.write();
-    QVERIFY(link.owesReply());
+    QVERIFY(conversation.owesReply());
     link.close();
-    QVERIFY(!link.owesReply());
+    QVERIFY(!conversation.owesReply());
     link.open();
-    QTRY_VERIFY(link.owesReply());
+    QTRY_VERIFY(conversation.owesReply());
     logger.dropConnections();
-    QTRY_VERIFY(!link.owesReply());
+    QTRY_VERIFY(!conversation.owesReply());
 }
 
 void tst_OwedReply::waitsForAReplyOnItsWay_data()
@@ -120,6 +135,93 @@ void tst_OwedReply::waitsForAReplyOnItsWay()
     QCOMPARE(rows.first().channel1.toDouble(), 21.5);
     QCOMPARE(run.logger.commands(), QList<QByteArray>{"ATDC"} + allCommands);
     QCOMPARE(run.logger.accepted(), connections);
+}
+
+void tst_OwedReply::waitsForEveryReplyOnItsWay()
+{
+    Exchange run(1000);
+    run.device.setRecording(true);
+    run.device.pollForRecord();
+    QTRY_COMPARE(run.logger.commands().size(), 1);
+    run.device.pollForDisplay();
+    QTRY_COMPARE(run.logger.commands().size(), 2);
+    run.device.startSyncTelnet();
+    run.logger.send("ATDC 21.50,45.10\r\n");
+    QTRY_COMPARE(run.device.ch1Value(), QString("21.50"));
+    for (int turn = 0; turn < 10; ++turn)
+        QCoreApplication::processEvents();
+    QCOMPARE(run.logger.commands().size(), 2);
+    run.logger.setReply("OK\r\n");
+    run.logger.send("ATDC 22.50,45.10\r\n");
+    QTRY_COMPARE(run.success.count() + run.error.count(), 1);
+    QCOMPARE(run.error.count(), 0);
+    QCOMPARE(run.logger.commands(), QList<QByteArray>({"ATDC", "ATDC"}) + allCommands);
+    const QList<RecordedRow> rows = takeRecordedRows();
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.first().channel1.toDouble(), 21.5);
+}
+
+void tst_OwedReply::replyAfterTheWaitIsNoAcknowledgement_data()
+{
+    QTest::addColumn<QList<QByteArray>>("pieces");
+    QTest::newRow("apart") << QList<QByteArray>{"ATDC 21.50,45.10\r\n", "OK\r\n"};
+    QTest::newRow("together") << QList<QByteArray>{"ATDC 21.50,45.10\r\nOK\r\n"};
+}
+
+void tst_OwedReply::replyAfterTheWaitIsNoAcknowledgement()
+{
+    QFETCH(QList<QByteArray>, pieces);
+    Exchange run(1000);
+    run.device.setRecording(true);
+    QVERIFY(run.startWithAPollOnItsWay());
+    QTRY_COMPARE(run.logger.commands().size(), 2);
+    run.logger.setReply("OK\r\n"); // from the second command on
+    for (const QByteArray &piece : pieces) {
+        run.logger.send(piece);
+        QTRY_COMPARE(run.device.ch1Value(), QString("21.50"));
+    }
+    QTRY_COMPARE(run.success.count() + run.error.count(), 1);
+    QCOMPARE(run.error.count(), 0);
+    QCOMPARE(run.logger.commands(), QList<QByteArray>{"ATDC"} + allCommands);
+    QCOMPARE(takeRecordedRows().size(), 1);
+}
+
+void tst_OwedReply::pollWhoseConnectionIsStillMadeComesAfter_data()
+{
+    QTest::addColumn<int>("interval");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<bool>("stopped");
+    QTest::newRow("success") << 10000 << QByteArray("OK\r\n") << false;
+    QTest::newRow("refusal") << 10000 << QByteArray("ERR\r\n") << false;
+    QTest::newRow("no answer") << 10000 << QByteArray() << true;
+    QTest::newRow("the command comes too early") << 1000 << QByteArray() << true;
+}
+
+void tst_OwedReply::pollWhoseConnectionIsStillMadeComesAfter()
+{
+    QFETCH(int, interval);
+    QFETCH(QByteArray, answer);
+    QFETCH(bool, stopped);
+    Exchange run(interval);
+    run.logger.setScript([answer](const QByteArray &command) {
+        const QByteArray reply = command.startsWith("ATDC") ? QByteArray("ATDC 21.50,45.10\r\n") : answer;
+        return reply.isEmpty() ? QList<QByteArray>() : QList<QByteArray>{reply};
+    });
+    qint64 now = 1700000000;
+    run.device.setClock([&now] { return QDateTime::fromSecsSinceEpoch(now); });
+    run.device.setRecording(true);
+    run.device.pollForRecord();
+    run.device.startSyncTelnet();
+    now += 2;
+    QVERIFY(run.logger.commands().isEmpty());
+    QTRY_VERIFY(run.logger.accepted() > 0);
+    if (stopped)
+        run.device.stopSyncTelnet();
+    QList<RecordedRow> rows;
+    QTRY_COMPARE((rows += takeRecordedRows()).size(), 1);
+    QCOMPARE(rows.first().time, 1700000000U);
+    QVERIFY2(run.logger.received().endsWith("ATDC\r\n"), run.logger.received());
+    QCOMPARE(run.logger.received().count("ATDC"), 1);
 }
 
 void tst_OwedReply::doesNotWaitForEver_data()

@@ -1,4 +1,5 @@
 #include "UsbLoggerCases.h"
+#include "support/LogCapture.h"
 
 #include <QTest>
 #include <memory>
@@ -42,6 +43,7 @@ private slots:
     void serialPortWithoutUsbIsSkipped();
     void loggerBehindAHub();
     void severalPortsOfOneLogger();
+    void loggerWithoutAUsableKeyIsLeftOut();
     void pluggedAndUnpluggedWhileRunning();
     void replugUnderAnotherName();
 
@@ -161,6 +163,29 @@ void tst_UsbLoggers::severalPortsOfOneLogger()
     const QByteArray second = add("usb", "1-1:1.2", usb, {}, {"DEVTYPE", "usb_interface"});
     add("tty", "ttyACM1", second, {"dev", "166:1"}, {"DEVNAME", "/dev/ttyACM1"});
     QCOMPARE(findUsbLoggers(), one("ttyACM0", "12345678") + one("ttyACM1", "12345678"));
+}
+
+void tst_UsbLoggers::loggerWithoutAUsableKeyIsLeftOut()
+{
+    LogCapture log;
+    const QByteArrayList strange =
+        plug({"1-1", "04d8", "000a", QByteArray("ZP_SERIES__\xEF\xBB\xBF") + "1", "ttyACM0"});
+    plug({"1-2", "04d8", "000a", "ZP_SERIES__" + QByteArray(256, '2'), "ttyACM1"});
+    plug({"1-3", "04d8", "000a", QByteArray("ZP_SERIES__K\xC3\xBC 'o'"), "ttyACM2"});
+    const auto refusals = [&log](const QByteArray &port) {
+        return log.count("[ERROR] findUsbLoggers : [" + port + "] : the serial number ");
+    };
+    for (int scan = 0; scan < 3; ++scan) {
+        QCOMPARE(findUsbLoggers(), one("ttyACM2", QStringLiteral("K\u00FC 'o'")));
+        QCOMPARE(refusals("ttyACM0"), 1);
+        QCOMPARE(refusals("ttyACM1"), 1);
+    }
+    unplug(strange);
+    QCOMPARE(findUsbLoggers().size(), 1);
+    plug({"1-1", "04d8", "000a", QByteArray("ZP_SERIES__\xEF\xBB\xBF") + "1", "ttyACM0"});
+    QCOMPARE(findUsbLoggers().size(), 1);
+    QCOMPARE(refusals("ttyACM0"), 2);
+    QCOMPARE(refusals("ttyACM1"), 1);
 }
 
 void tst_UsbLoggers::pluggedAndUnpluggedWhileRunning()

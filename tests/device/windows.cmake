@@ -49,5 +49,6 @@ add_test(NAME windows_sources
     COMMAND ${MINGW_CXX} -std=c++17 -Wall -Wextra -Werror -fsyntax-only "-I${PROJECT_SOURCE_DIR}/src"
         -isystem "$<JOIN:${qt_includes},;-isystem;>"
         "${PROJECT_SOURCE_DIR}/src/device/UsbLoggers_windows.cpp"
+        "${PROJECT_SOURCE_DIR}/src/project/SettingsStore_windows.cpp"
         "${PROJECT_SOURCE_DIR}/src/app/TerminationSignals_windows.cpp"
     COMMAND_EXPAND_LISTS)

@@ -31,6 +31,10 @@ void tst_ManualDeviceEntry::objections_data()
     QTest::newRow("no MAC") << "Oven"
                             << ""
                             << "" << 0 << hint << "Enter the Mac Address.";
+    QTest::newRow("a MAC that is no key")
+        << "Oven"
+        << "00\t1"
+        << "10.0.0.7" << 23 << error << "The Mac Address contains a control character.";
     QTest::newRow("no address") << "Oven"
                                 << "001"
                                 << "" << 0 << hint << "Enter the IP Address.";

@@ -11,8 +11,8 @@ class tst_OptionDialogLifetimes : public QObject
 
 private slots:
     void closedDialogFinishesItsExchange();
-    void closedDialogReportsNothing_data();
-    void closedDialogReportsNothing();
+    void closedDialogNamesItsLogger_data();
+    void closedDialogNamesItsLogger();
     void ignoresAnotherDialogsExchange_data();
     void ignoresAnotherDialogsExchange();
     void doesNotCancelALaterDialogsExchange();
@@ -43,28 +43,28 @@ void tst_OptionDialogLifetimes::closedDialogFinishesItsExchange()
     QCOMPARE(cellar.device->alarmRange().min1, 12.0F);
 }
 
-void tst_OptionDialogLifetimes::closedDialogReportsNothing_data()
+void tst_OptionDialogLifetimes::closedDialogNamesItsLogger_data()
 {
     QTest::addColumn<QByteArray>("reply");
-    QTest::newRow("silence") << QByteArray();
-    QTest::newRow("refusal") << QByteArray("ERR\r\n");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("silence") << QByteArray() << "Cellar: This command has exceeded the time limit.\nPlease retry.";
+    QTest::newRow("refusal") << QByteArray("ERR\r\n") << "Cellar: Device Setup Failed.\nPlease retry.";
 }
 
-void tst_OptionDialogLifetimes::closedDialogReportsNothing()
+void tst_OptionDialogLifetimes::closedDialogNamesItsLogger()
 {
     QFETCH(QByteArray, reply);
+    QFETCH(QString, message);
     Cellar cellar;
     cellar.logger.setSilent();
     const auto dialog = cellar.open();
     confirmMin1(dialog, 12);
     QTRY_COMPARE(cellar.logger.commands().size(), 1);
     dialog->close();
-    QSignalSpy deleted(dialog, &QObject::destroyed);
-    int messages = 0;
-    connect(dialog, &QObject::destroyed, this, [&] { messages = QApplication::activeModalWidget() ? 1 : 0; });
+    QCOMPARE(messagesOf(cellar.window.get()), QStringList());
     cellar.logger.send(reply);
-    QTRY_COMPARE_WITH_TIMEOUT(deleted.count(), 1, patienceMs);
-    QCOMPARE(messages, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!dialog, patienceMs);
+    QCOMPARE(messagesOf(cellar.window.get()), QStringList("ERROR: " + message));
     QVERIFY(cellar.device->alarmRange() == (AlarmRange{10, 30, 0, 0}));
     QVERIFY(cellar.isPolledAgain());
 }
@@ -125,6 +125,7 @@ void tst_OptionDialogLifetimes::doesNotCancelALaterDialogsExchange()
     cellar.logger.send("OK\r\n");
     QTRY_VERIFY_WITH_TIMEOUT(!later || !messagesOf(later).isEmpty(), patienceMs);
     QVERIFY(!later);
+    QCOMPARE(messagesOf(cellar.window.get()), QStringList());
     QCOMPARE(cellar.logger.commands().mid(before), commandsFor("15.00"));
     QCOMPARE(cellar.device->alarmRange().min1, 15.0F);
 }

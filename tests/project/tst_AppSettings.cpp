@@ -1,10 +1,14 @@
 #include "project/AppSettings.h"
 #include "support/WriteObstacles.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <thread>
+#include <vector>
 
 class tst_AppSettings : public QObject
 {
@@ -31,10 +35,18 @@ private slots:
     void autoLoadPath_data();
     void autoLoadPath();
     void fullDiskLeavesTheOldSettings();
+    void craftedObjectsReadLikeNothing();
+    void otherSectionsStayAsTheyAre();
+    void anotherStationsProjectsStay();
+    void stationsThatAddAtOnceLoseNothing();
+    void renamedProjectIsListedOnce();
+    void copiedProjectIsListedOnce();
+    void systemWideSettingsHold();
 
 private:
     QString makeProject(const QString &name) const;
     QByteArray content() const;
+    bool writeStore(const QByteArray &bytes) const;
 
     QTemporaryDir m_folder;
     std::unique_ptr<QTemporaryDir> m_projects;
@@ -51,10 +63,7 @@ void tst_AppSettings::initTestCase()
 void tst_AppSettings::init()
 {
     m_projects = std::make_unique<QTemporaryDir>();
-    QSettings store(QStringLiteral("SorvantoLite"), QStringLiteral("Sorvanto Lite"));
-    store.clear();
-    store.sync();
-    QCOMPARE(store.status(), QSettings::NoError);
+    QVERIFY(!QFile::exists(m_storePath) || QFile::remove(m_storePath));
 }
 
 /// The path of a new project file.
@@ -69,6 +78,12 @@ QByteArray tst_AppSettings::content() const
 {
     QFile file(m_storePath);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool tst_AppSettings::writeStore(const QByteArray &bytes) const
+{
+    QFile file(m_storePath);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 void tst_AppSettings::emptyStoreGivesDefaults()
@@ -312,6 +327,124 @@ void tst_AppSettings::fullDiskLeavesTheOldSettings()
     QVERIFY(settings.save());
     next.load();
     QCOMPARE(next.recentProjectList, settings.recentProjectList);
+}
+
+void tst_AppSettings::craftedObjectsReadLikeNothing()
+{
+    // Each would take the memory or the stack from the toolkit's own reader.
+    const QByteArray bomb = "\\x40Variant(\\0\\0\\0\\t\\xf\\xff\\xff\\xff)";
+    const QByteArray nested = "@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\x1").repeated(100000) + ')';
+    const QByteArray before = "[General]\nx=" + bomb + "\n\n[RecentProjects]\nautoLoad=" + bomb + "\nlist=" + bomb +
+                              ", a\nother=" + nested + "\nprojects=" + nested + "\n";
+    QVERIFY(writeStore(before));
+    AppSettings settings;
+    settings.load();
+    QVERIFY(!settings.autoLoad);
+    QCOMPARE(settings.recentProjectList, QStringList({"", "a"}));
+    QVERIFY(settings.recentProjects.isEmpty());
+    QVERIFY(settings.saveAutoFlags());
+    QCOMPARE(content(),
+             QByteArray(before).replace("autoLoad=" + bomb, "autoLoad=false\nautoRecord=false\nkeepAlive=false"));
+}
+
+void tst_AppSettings::otherSectionsStayAsTheyAre()
+{
+    const QByteArray foreign = "; by hand\n[Viewer]\nzoom=@Rect(1 2 3 4) ; large\nwords\n[\n=\n";
+    QVERIFY(writeStore(foreign));
+    AppSettings settings;
+    settings.addRecentProject("a", makeProject("a"));
+    QVERIFY2(content().startsWith(foreign), content().constData());
+    AppSettings next;
+    next.load();
+    QCOMPARE(next.recentProjectList, QStringList("a"));
+}
+
+void tst_AppSettings::anotherStationsProjectsStay()
+{
+    AppSettings first;
+    AppSettings second;
+    QVERIFY(first.addRecentProject("old", makeProject("old")));
+    first.load();
+    second.load();
+    QVERIFY(first.addRecentProject("a", makeProject("a")));
+    QVERIFY(first.addRecentProject("b", makeProject("b")));
+    QVERIFY(second.addRecentProject("c", makeProject("c")));
+    QCOMPARE(second.recentProjectList, QStringList({"c", "b", "a", "old"}));
+    QCOMPARE(second.recentProjects.value("b").toString(), m_projects->filePath("b.tpc"));
+
+    // Both had the same one opened: it is listed once, where it came first.
+    QVERIFY(first.addRecentProject("c", makeProject("elsewhere")));
+    QCOMPARE(first.recentProjectList, QStringList({"c", "b", "a", "old"}));
+    QCOMPARE(first.recentProjects.value("c").toString(), m_projects->filePath("c.tpc"));
+    AppSettings next;
+    next.load();
+    QCOMPARE(next.recentProjectList, first.recentProjectList);
+    QCOMPARE(next.recentProjects, first.recentProjects);
+}
+
+void tst_AppSettings::stationsThatAddAtOnceLoseNothing()
+{
+    constexpr int stations = 2;
+    constexpr int projects = 10;
+    std::vector<std::thread> threads;
+    for (int station = 0; station < stations; ++station) {
+        QStringList paths;
+        for (int i = 0; i < projects; ++i)
+            paths += makeProject(QStringLiteral("%1-%2").arg(station).arg(i));
+        threads.emplace_back([paths] {
+            AppSettings settings;
+            for (const QString &path : paths)
+                settings.addRecentProject(QFileInfo(path).baseName(), path);
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    AppSettings settings;
+    settings.load();
+    QCOMPARE(settings.recentProjectList.size(), stations * projects);
+    QCOMPARE(settings.recentProjects.size(), stations * projects);
+}
+
+/// Its list of devices is confirmed under the name that it was created with.
+void tst_AppSettings::renamedProjectIsListedOnce()
+{
+    AppSettings settings;
+    const QString path = makeProject("Cellar");
+    QVERIFY(settings.addRecentProject("Cellar", path));
+    QVERIFY(settings.addRecentProject("Kitchen", path));
+    QCOMPARE(settings.recentProjectList, QStringList("Cellar"));
+    QCOMPARE(settings.recentProjects.keys(), QStringList("Cellar"));
+}
+
+void tst_AppSettings::copiedProjectIsListedOnce()
+{
+    AppSettings settings;
+    QVERIFY(settings.addRecentProject("Kitchen", makeProject("Kitchen")));
+    const QString copy = makeProject("Copy");
+    QVERIFY(settings.addRecentProject("Copy", copy));
+    QVERIFY(settings.addRecentProject("Kitchen", copy));
+    const QString link = m_projects->filePath("Link.tpc");
+    QVERIFY(QFile::link(copy, link));
+    QVERIFY(settings.addRecentProject("Link", link));
+    QCOMPARE(settings.recentProjectList, QStringList({"Copy", "Kitchen"}));
+}
+
+void tst_AppSettings::systemWideSettingsHold()
+{
+    const QTemporaryDir system;
+    const QByteArray dirs = qgetenv("XDG_CONFIG_DIRS");
+    qputenv("XDG_CONFIG_DIRS", QFile::encodeName(system.path()));
+    QVERIFY(QDir(system.path()).mkdir("SorvantoLite"));
+    QFile file(system.filePath("SorvantoLite/Sorvanto Lite.conf"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[RecentProjects]\nautoLoad=true\nkeepAlive=true\n");
+    file.close();
+    QVERIFY(writeStore("[RecentProjects]\nkeepAlive=false\n"));
+    AppSettings settings;
+    settings.load();
+    qputenv("XDG_CONFIG_DIRS", dirs);
+    QVERIFY(settings.autoLoad);
+    QVERIFY(!settings.keepAlive);
 }
 
 QTEST_GUILESS_MAIN(tst_AppSettings)

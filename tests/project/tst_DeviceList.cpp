@@ -1,5 +1,9 @@
 #include "project/DeviceList.h"
 
+#include "json/QJsonDocument.h"
+#include "json/QJsonValueRef.h"
+#include "json/Reader.h"
+
 #include <QTest>
 #include <cmath>
 #include <limits>
@@ -35,6 +39,9 @@ private slots:
     void documentsWithoutDevices();
     void unreadableTexts_data();
     void unreadableTexts();
+    void refusesWhatCannotBeAKey_data();
+    void refusesWhatCannotBeAKey();
+    void whatIsRefusedIsNotLost();
     void tenThousandDevices();
 };
 
@@ -60,13 +67,25 @@ DeviceEntry sample()
     return entry;
 }
 
-/// The one device of a list whose object has these members.
+/// The one device, number 7, of a list whose object has these members.
 std::optional<DeviceEntry> deviceOf(const QByteArray &members)
 {
-    const auto devices = decodeDeviceList("{\"devices\": [{" + members + "}]}");
+    const auto devices = decodeDeviceList("{\"devices\": [{\"DeviceNumber\": \"7\"," + members + "}]}");
     if (!devices || devices->size() != 1)
         return std::nullopt;
     return devices->first();
+}
+
+DeviceEntry defaults()
+{
+    DeviceEntry entry;
+    entry.serialNumber = QStringLiteral("7");
+    return entry;
+}
+
+json::QJsonObject elementOf(const QByteArray &list, int index)
+{
+    return json::QJsonDocument(json::parse(list)).object()[QStringLiteral("devices")].toArray().at(index).toObject();
 }
 
 } // namespace
@@ -143,8 +162,8 @@ void tst_DeviceList::survivesARoundTrip()
 {
     QFETCH(QString, text);
     DeviceEntry entry = sample();
-    for (QString *field : {&entry.name, &entry.ch1Name, &entry.ch2Name, &entry.serialNumber, &entry.address,
-                           &entry.ch1CustomUnit, &entry.ch2CustomUnit, &entry.buzzerAlarm})
+    for (QString *field : {&entry.name, &entry.ch1Name, &entry.ch2Name, &entry.address, &entry.ch1CustomUnit,
+                           &entry.ch2CustomUnit, &entry.buzzerAlarm})
         *field = text;
     const auto read = decodeDeviceList(encodeDeviceList({sample(), entry}));
     QVERIFY(read);
@@ -310,7 +329,7 @@ void tst_DeviceList::missingMembersGiveDefaults()
 {
     const auto entry = deviceOf("\"DeviceType\": \"TELNET\"");
     QVERIFY(entry);
-    QVERIFY(*entry == DeviceEntry());
+    QVERIFY(*entry == defaults());
     QCOMPARE(int(entry->port), 23);
     QCOMPARE(entry->buzzerAlarm, QStringLiteral("OFF"));
 }
@@ -318,13 +337,12 @@ void tst_DeviceList::missingMembersGiveDefaults()
 void tst_DeviceList::membersOfTheWrongKindGiveDefaults()
 {
     QByteArray members = "\"DeviceType\": {}";
-    for (const char *name :
-         {"DeviceName", "Ch1Name", "Ch2Name", "DeviceNumber", "DeviceInterface", "DevicePort", "ch1_unit", "ch1_min",
-          "ch1_max", "ch1_custom", "ch2_unit", "ch2_min", "ch2_max", "ch2_custom", "buzzerAlarm"})
+    for (const char *name : {"DeviceName", "Ch1Name", "Ch2Name", "DeviceInterface", "DevicePort", "ch1_unit", "ch1_min",
+                             "ch1_max", "ch1_custom", "ch2_unit", "ch2_min", "ch2_max", "ch2_custom", "buzzerAlarm"})
         members += QByteArray(",\"") + name + "\": [1,{\"a\": true}]";
     const auto entry = deviceOf(members);
     QVERIFY(entry);
-    QVERIFY(*entry == DeviceEntry());
+    QVERIFY(*entry == defaults());
 }
 
 void tst_DeviceList::documentsWithoutDevices_data()
@@ -363,6 +381,50 @@ void tst_DeviceList::unreadableTexts()
 {
     QFETCH(QByteArray, text);
     QVERIFY(!decodeDeviceList(text));
+}
+
+void tst_DeviceList::refusesWhatCannotBeAKey_data()
+{
+    QTest::addColumn<QByteArray>("number");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("empty") << QByteArray("\"\"") << "is empty";
+    QTest::newRow("no text") << QByteArray("[1]") << "is empty";
+    QTest::newRow("control character") << QByteArray("\"00\\t8\"") << "contains a control character";
+    QTest::newRow("zeros") << "\"" + QByteArray("\\u0000").repeated(200) + "\""
+                           << "contains a control character";
+    QTest::newRow("byte-order mark") << QByteArray("\"\\uFEFF0008DC5A11F0\"") << "contains a byte-order mark";
+    QTest::newRow("long") << '"' + QByteArray(256, '0') + '"' << "is longer than 255 characters";
+}
+
+void tst_DeviceList::refusesWhatCannotBeAKey()
+{
+    QFETCH(QByteArray, number);
+    QFETCH(QString, reason);
+    const QByteArray text = "{\"devices\": [{\"DeviceType\": \"TELNET\",\"DeviceName\": \"<b>Oven</b>\","
+                            "\"DeviceNumber\": " +
+                            number + "},{\"DeviceType\": \"TELNET\",\"DeviceNumber\": \"7\"}]}";
+    const auto devices = decodeDeviceList(text);
+    QVERIFY(devices);
+    QCOMPARE(devices->size(), 1);
+    QCOMPARE(devices->first().serialNumber, QStringLiteral("7"));
+    QCOMPARE(refusedDevices(text),
+             QStringList{QStringLiteral("The device \"<b>Oven</b>\" is left out: its number %1.").arg(reason)});
+}
+
+/// Saved again and again with other devices, it stands in the file as it always did, unknown members included.
+void tst_DeviceList::whatIsRefusedIsNotLost()
+{
+    const QByteArray refused =
+        "{\"DeviceNumber\": \"\\u0000\\uFEFF7\",\"DeviceType\": \"SERIAL\",\"later\": [1,{\"x\": null}]}";
+    QByteArray text = "{\"devices\": [" + refused + "]}";
+    const json::QJsonObject before = elementOf(text, 0);
+    for (int round = 0; round < 3; ++round) {
+        text = encodeDeviceList({sample()}, text);
+        QCOMPARE(decodeDeviceList(text)->size(), 1);
+        QCOMPARE(refusedDevices(text).size(), 1);
+        QVERIFY(elementOf(text, 1) == before);
+    }
+    QCOMPARE(refusedDevices(encodeDeviceList({sample()}, encodeDeviceList({sample()}))), QStringList());
 }
 
 void tst_DeviceList::tenThousandDevices()

@@ -30,6 +30,11 @@ private slots:
     void missingListIsNothing_data();
     void missingListIsNothing();
     void hostileValuesDoNoHarm();
+    void craftedObjectsReadLikeNothing_data();
+    void craftedObjectsReadLikeNothing();
+    void whatOpensCanBeSaved_data();
+    void whatOpensCanBeSaved();
+    void largerFilesAreNoProjects();
     void replacesTheFileWhole();
     void linkAndPermissionsStay();
     void readsWhatWasJustWritten();
@@ -261,7 +266,8 @@ void tst_ProjectFile::hostileValuesDoNoHarm()
 {
     writeContent("[General]\nprojectName=a, b\nDataInterval=soon\ndatabaseName=@Rect(1 2 3 4)\n"
                  "dashboardNames=@Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xff)\n"
-                 "DeviceList=\"{\\\"devices\\\": [{\\\"DeviceType\\\": \\\"SERIAL\\\",\\\"ch1_min\\\": \\\"nan\\\","
+                 "DeviceList=\"{\\\"devices\\\": [{\\\"DeviceNumber\\\": \\\"7\\\",\\\"DeviceType\\\": "
+                 "\\\"SERIAL\\\",\\\"ch1_min\\\": \\\"nan\\\","
                  "\\\"DevicePort\\\": \\\"99999\\\",\\\"DashboardNumber\\\": \\\"2\\\"}]}\"\n");
     const ProjectFile project(m_path);
     QCOMPARE(project.dataInterval(), 0);
@@ -274,6 +280,80 @@ void tst_ProjectFile::hostileValuesDoNoHarm()
     QCOMPARE(list->first().range.min1, 0.0F);
     QCOMPARE(int(list->first().port), 23);
     QCOMPARE(list->first().dashboardNumber, 0);
+}
+
+void tst_ProjectFile::craftedObjectsReadLikeNothing_data()
+{
+    QTest::addColumn<QByteArray>("object");
+    QTest::newRow("list of 268 million") << QByteArray("@Variant(\\0\\0\\0\\t\\xf\\xff\\xff\\xff)");
+    QTest::newRow("its mark escaped") << QByteArray("\\x40Variant(\\0\\0\\0\\t\\xf\\xff\\xff\\xff)");
+    QTest::newRow("nested lists") << QByteArray("@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\x1").repeated(10000) +
+                                                ')');
+}
+
+/// Each would take the memory or the stack from the toolkit's own reader.
+void tst_ProjectFile::craftedObjectsReadLikeNothing()
+{
+    QFETCH(QByteArray, object);
+    // The smallest such file.
+    writeContent("x=" + object);
+    QVERIFY(!ProjectFile(m_path).readDevices());
+    QVERIFY(ProjectFile(m_path).saveLayout(1000, {}));
+
+    QByteArray text = "[Viewer]\nzoom=" + object + "\n[General]\n";
+    for (const char *key : {"Backup", "DataInterval", "dashboardNames", "databaseName", "%70rojectName", "x"})
+        text += QByteArray(key) + '=' + object + '\n';
+    writeContent(text + "DeviceList=@ByteArray({})\n");
+    const ProjectFile project(m_path);
+    QVERIFY(project.readDevices());
+    QCOMPARE(project.dataInterval(), 0);
+    QCOMPARE(project.projectName(), QString());
+    QCOMPARE(project.dashboardNames(), QStringList());
+    QVERIFY(ProjectFile(m_path).saveDevices(devices(1)));
+    QVERIFY(content().startsWith("[Viewer]\nzoom=" + object + "\n"));
+    QVERIFY(content().contains("\nx=" + object + "\n"));
+}
+
+void tst_ProjectFile::whatOpensCanBeSaved_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    const QByteArray list = "DeviceList=@ByteArray({})\n";
+    QTest::newRow("without a section or a line end") << QByteArray("DeviceList={}");
+    QTest::newRow("a line [") << QByteArray("[\n[General]\n" + list);
+    QTest::newRow("a line [ at the end") << QByteArray(list + "[");
+    QTest::newRow("a line =") << QByteArray("[General]\n=\n" + list);
+    QTest::newRow("words") << QByteArray("[General]\nA note\n" + list);
+    QTest::newRow("a quotation without end") << QByteArray(list + "x=\"");
+    QTest::newRow("an escape without end") << QByteArray(list + "x=\\");
+    QTest::newRow("windows line ends") << QByteArray("[General]\r\nDeviceList={}\r\n");
+    QTest::newRow("a byte-order mark") << QByteArray("\xEF\xBB\xBF[General]\n" + list);
+    QTest::newRow("several lists") << QByteArray(list + "[General]\n%44eviceList={}\n");
+}
+
+void tst_ProjectFile::whatOpensCanBeSaved()
+{
+    QFETCH(QByteArray, text);
+    writeContent(text);
+    ProjectFile project(m_path);
+    QVERIFY(project.readDevices());
+    QVERIFY(project.saveDevices(devices(2)));
+    QVERIFY(project.saveLayout(5000, {"a"}));
+    QVERIFY(project.setRecordStartTime(QStringLiteral("2024-05-06 07:08:09")));
+    QVERIFY(project.readDevices() == devices(2));
+    QCOMPARE(project.dataInterval(), 5000);
+    QCOMPARE(stored(QStringLiteral("DataInterval")).toInt(), 5000);
+    QCOMPARE(stored(QStringLiteral("Backup")).toByteArray(), QByteArray("{}"));
+    QCOMPARE(stored(QStringLiteral("record_start_time")).toString(), QStringLiteral("2024-05-06 07:08:09"));
+    QVERIFY(stored(QStringLiteral("DeviceList")).toByteArray().startsWith("{\"devices\": [{"));
+}
+
+void tst_ProjectFile::largerFilesAreNoProjects()
+{
+    writeContent("DeviceList={}\n" + QByteArray(4 * 1024 * 1024, '\n'));
+    const QByteArray before = content();
+    QVERIFY(!ProjectFile(m_path).readDevices());
+    QVERIFY(!ProjectFile(m_path).saveLayout(1000, {}));
+    QCOMPARE(content(), before);
 }
 
 void tst_ProjectFile::replacesTheFileWhole()

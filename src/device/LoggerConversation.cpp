@@ -1,0 +1,187 @@
+#include "device/LoggerConversation.h"
+
+#include "device/ReplyParser.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+/// A poll for display sent so long after one for a record is not held up by it: taken for the older one's, its answer
+/// would be recorded with a time that is far from true.
+constexpr qint64 longestReplyMs = 10000;
+/// A line that goes on beyond this is no reply; its end counts for nothing.
+constexpr int longestLine = 4096;
+
+bool isPoll(const QByteArray &command)
+{
+    return !command.startsWith("ATB");
+}
+
+bool isEcho(const QByteArray &line)
+{
+    return line.contains("ATDC") || line.contains("ATCD");
+}
+
+int lineEnd(const QByteArray &bytes, int from)
+{
+    const auto end = std::find_if(bytes.cbegin() + from, bytes.cend(), [](char c) { return c == '\n' || c == '\r'; });
+    return static_cast<int>(end - bytes.cbegin());
+}
+
+} // namespace
+
+void LoggerConversation::ask(const Poll &poll)
+{
+    if (m_isClosed)
+        leaveClosedConnection();
+    if (poll.isForRecord) {
+        m_recordTimeMs = poll.timeMs;
+        m_unasked = Unasked::Recorded;
+        // A logger that has answered since the last one is awake: what it has left out it has lost.
+        settle();
+    } else if (!m_due || !m_due->isForRecord) {
+        m_unasked = Unasked::RecordedAfterTheFirst;
+    }
+    if (poll.isForRecord || !m_due)
+        m_due = poll;
+}
+
+void LoggerConversation::forgetPollNotSent()
+{
+    if (!m_isOpening)
+        m_due.reset();
+}
+
+void LoggerConversation::answer(const QVector<Reading> &readings)
+{
+    if (m_unanswered.isEmpty()) {
+        takeUnasked(readings);
+    } else if (readings.isEmpty()) {
+        m_unanswered.removeFirst(); // with something that is no reading
+    } else {
+        for (const Reading &reading : readings)
+            m_held.append({reading.channel1.value, reading.channel2.value});
+        if (m_held.size() >= m_unanswered.size())
+            settle();
+    }
+    if (m_isClosed)
+        leaveClosedConnection();
+}
+
+void LoggerConversation::takeUnasked(const QVector<Reading> &readings)
+{
+    for (const Reading &reading : readings) {
+        if (m_unasked == Unasked::Recorded)
+            m_recorded.append({m_recordTimeMs, reading.channel1.value, reading.channel2.value});
+        else if (m_unasked == Unasked::RecordedAfterTheFirst)
+            m_unasked = Unasked::Recorded;
+    }
+}
+
+/// Answers come in the order of the polls; lines beyond the last poll belong to its reply.
+void LoggerConversation::settle()
+{
+    if (m_held.isEmpty())
+        return;
+    dropPollsTooMany();
+    for (int i = 0; i < m_held.size(); ++i) {
+        const Poll &poll = m_unanswered.at(std::min(i, static_cast<int>(m_unanswered.size()) - 1));
+        if (poll.isForRecord)
+            m_recorded.append({poll.timeMs, m_held.at(i).channel1, m_held.at(i).channel2});
+    }
+    m_held.clear();
+    m_unanswered.clear();
+}
+
+/// Of the polls that got no answer those for display are the ones that nobody misses, then the oldest.
+void LoggerConversation::dropPollsTooMany()
+{
+    while (m_unanswered.size() > m_held.size()) {
+        const auto forDisplay =
+            std::find_if(m_unanswered.begin(), m_unanswered.end(), [](const Poll &poll) { return !poll.isForRecord; });
+        m_unanswered.erase(forDisplay == m_unanswered.end() ? m_unanswered.begin() : forDisplay);
+    }
+}
+
+QVector<LoggerConversation::RecordedReading> LoggerConversation::takeRecorded()
+{
+    return std::exchange(m_recorded, {});
+}
+
+std::optional<LoggerConversation::Poll> LoggerConversation::takeDueRecordPoll()
+{
+    const std::optional<Poll> due = std::exchange(m_due, std::nullopt);
+    return due && due->isForRecord ? due : std::nullopt;
+}
+
+std::optional<LoggerConversation::Poll> LoggerConversation::unansweredRecordPoll() const
+{
+    const auto latest =
+        std::find_if(m_unanswered.crbegin(), m_unanswered.crend(), [](const Poll &poll) { return poll.isForRecord; });
+    return latest == m_unanswered.crend() ? std::nullopt : std::make_optional(*latest);
+}
+
+void LoggerConversation::linkOpening()
+{
+    if (m_isClosed)
+        leaveClosedConnection();
+    m_isOpening = true;
+}
+
+void LoggerConversation::linkSent(const QByteArray &command)
+{
+    if (m_isClosed)
+        leaveClosedConnection();
+    m_isOpening = false;
+    if (m_owedReplies++ == 0)
+        m_lineBegun.clear();
+    if (!isPoll(command))
+        return;
+    // A link that is opened for its own sake polls too; nobody has asked for a record then.
+    const Poll poll = std::exchange(m_due, std::nullopt).value_or(Poll());
+    if (!poll.isForRecord)
+        giveUpPollsOlderThan(poll.timeMs - longestReplyMs);
+    m_unanswered.append(poll);
+    m_unasked = Unasked::NotRecorded;
+}
+
+void LoggerConversation::giveUpPollsOlderThan(qint64 timeMs)
+{
+    if (!m_held.isEmpty())
+        return;
+    m_unanswered.erase(std::remove_if(m_unanswered.begin(), m_unanswered.end(),
+                                      [timeMs](const Poll &poll) { return poll.timeMs < timeMs; }),
+                       m_unanswered.end());
+}
+
+/// A reply to a poll is a line with its echo, one to a command any line; neither is there before its line has ended.
+void LoggerConversation::linkHeard(const QByteArray &bytes)
+{
+    int begin = 0;
+    for (int end = lineEnd(bytes, begin); m_owedReplies > 0 && end < bytes.size(); end = lineEnd(bytes, begin)) {
+        m_lineBegun += bytes.mid(begin, end - begin);
+        if (isEcho(m_lineBegun) || (m_unanswered.isEmpty() && !m_lineBegun.isEmpty()))
+            --m_owedReplies;
+        m_lineBegun.clear();
+        begin = end + 1;
+    }
+    if (m_owedReplies > 0 && m_lineBegun.size() < longestLine)
+        m_lineBegun += bytes.mid(begin);
+}
+
+void LoggerConversation::linkClosed()
+{
+    m_due.reset();
+    m_owedReplies = 0;
+    m_lineBegun.clear();
+    m_isOpening = false;
+    m_isClosed = true;
+}
+
+void LoggerConversation::leaveClosedConnection()
+{
+    settle();
+    m_unanswered.clear();
+    m_isClosed = false;
+}
