@@ -57,7 +57,10 @@ private:
 
 std::unique_ptr<chart::XYChart> chartOf(const Readings &readings)
 {
-    return channelChart(label, readings.times(), readings.values(), {QStringLiteral("CH1"), Qt::red}, interval);
+    History intervals;
+    intervals.fill(interval);
+    return channelChart(label, readings.times(), intervals, readings.values(), {QStringLiteral("CH1"), Qt::red},
+                        interval);
 }
 
 void rebuild(benchmark::State &state)

@@ -35,7 +35,7 @@ public:
     {
         for (int i = 0; i < deviceCount; ++i) {
             auto device = std::make_unique<ConfiguredDevice>(QStringLiteral("0200AA%1").arg(i, 6, 10, QLatin1Char('0')),
-                                                             UsbInterface);
+                                                             NetworkInterface);
             device->setDeviceInfo(QStringLiteral("Room %1").arg(i + 1), QStringLiteral("Temperature"),
                                   QStringLiteral("Humidity"), {}, defaultDevicePort);
             device->setClock([this] { return m_now; });
@@ -61,7 +61,7 @@ public:
         ++m_second;
         m_now = m_now.addSecs(1);
         for (int i = 0; i < deviceCount; ++i) {
-            // Stamps the time; a port that is not open takes no command.
+            // Stamps the time; there is no address to connect to.
             m_list.at(i)->pollForRecord();
             m_list.at(i)->readData(reading(m_second, i));
         }

@@ -77,9 +77,15 @@ void LineLayer::setLineWidth(double pixels)
     m_lineWidth = pixels;
 }
 
+void LineLayer::setLargestSteps(std::vector<double> steps)
+{
+    m_largestSteps = std::move(steps);
+    m_largestSteps.resize(m_xValues.size(), std::numeric_limits<double>::infinity());
+}
+
 void LineLayer::setLargestStep(double x)
 {
-    m_largestStep = x;
+    setLargestSteps(std::vector<double>(m_xValues.size(), x));
 }
 
 int LineLayer::nearestIndex(double x, const Range &within) const
@@ -120,7 +126,7 @@ void LineLayer::draw(QPainter &painter, const Scale &x, const Scale &y, const QR
     const double density = painter.device()->devicePixelRatioF();
     // Ends of lines that leave the picture must not show.
     const QRectF around = clip.adjusted(-m_lineWidth, -m_lineWidth, m_lineWidth, m_lineWidth);
-    const LineField field{x, y, around, 1 / density, m_largestStep};
+    const LineField field{x, y, around, 1 / density, m_largestSteps.empty() ? nullptr : &m_largestSteps};
     painter.save();
     painter.setClipRect(clip);
     painter.setRenderHint(QPainter::Antialiasing);

@@ -4,7 +4,6 @@
 #include "chart/Scale.h"
 
 #include <QRectF>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -25,8 +24,10 @@ public:
     const std::vector<std::unique_ptr<DataSet>> &dataSets() const;
     const std::vector<double> &xValues() const;
     void setLineWidth(double pixels);
-    /// Of two neighbours further apart in x, either way, the line does not pretend to know what was between. Without it
-    /// all are joined.
+    /// How far in x, either way, a point may lie from the one before to be joined to it: one number for each point,
+    /// those that are missing at the end are infinite. Of what lies between two points further apart nothing is known.
+    void setLargestSteps(std::vector<double> steps);
+    /// The same for every point.
     void setLargestStep(double x);
 
     /// The sample whose x is nearest among those within the range; of several the newest. -1: there is none.
@@ -40,7 +41,7 @@ private:
     std::vector<double> m_xValues;
     std::vector<std::unique_ptr<DataSet>> m_dataSets;
     double m_lineWidth = 2;
-    double m_largestStep = std::numeric_limits<double>::infinity();
+    std::vector<double> m_largestSteps; ///< empty: all are joined
 };
 
 } // namespace chart

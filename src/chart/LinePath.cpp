@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace chart {
@@ -95,10 +96,10 @@ class Builder
 public:
     explicit Builder(const LineField &field) : m_field(field) {}
 
-    void add(double xValue, double value)
+    void add(double xValue, double value, double largestStep)
     {
         if (!m_column.holds(xValue)) {
-            if (std::abs(xValue - m_lastX) > m_field.largestStep)
+            if (std::abs(xValue - m_lastX) > largestStep)
                 breakLine();
             endColumn();
             m_column.start(columnAround(xValue));
@@ -166,11 +167,14 @@ LinePath linePath(const std::vector<double> &xs, const std::vector<double> &ys, 
 {
     Builder builder(field);
     const size_t count = std::min(xs.size(), ys.size());
+    const auto largestStep = [&](size_t i) {
+        return field.largestSteps ? field.largestSteps->at(i) : std::numeric_limits<double>::infinity();
+    };
     for (size_t i = 0; i < count; ++i) {
         if (!isValue(xs[i]))
             continue;
         if (isValue(ys[i]))
-            builder.add(xs[i], ys[i]);
+            builder.add(xs[i], ys[i], largestStep(i));
         else
             builder.breakLine();
     }

@@ -6,7 +6,6 @@
 #include <QPointF>
 #include <QRectF>
 #include <QVector>
-#include <limits>
 #include <vector>
 
 namespace chart {
@@ -23,9 +22,10 @@ struct LineField
 {
     Scale x;
     Scale y;
-    QRectF visible;                                               ///< what lies outside is left away
-    double column = 1;                                            ///< width of the device's pixels
-    double largestStep = std::numeric_limits<double>::infinity(); ///< in x; neighbours further apart are not joined
+    QRectF visible;    ///< what lies outside is left away
+    double column = 1; ///< width of the device's pixels
+    /// In x, of each point from the one before; null: all are joined.
+    const std::vector<double> *largestSteps = nullptr;
 };
 
 /// Joins the points in the order given. A missing value breaks the line, a missing x is passed over. However many

@@ -19,9 +19,10 @@ ChannelHistory::ChannelHistory()
     m_times.fill(noValue);
     m_channel1.fill(noValue);
     m_channel2.fill(noValue);
+    m_intervals.fill(noValue);
 }
 
-void ChannelHistory::add(double time, double value1, double value2)
+void ChannelHistory::add(double time, double value1, double value2, qint32 intervalMs)
 {
     if (m_times.back() == time) {
         m_channel1.back() = value1;
@@ -31,4 +32,5 @@ void ChannelHistory::add(double time, double value1, double value2)
     shiftIn(m_times, time);
     shiftIn(m_channel1, value1);
     shiftIn(m_channel2, value2);
+    shiftIn(m_intervals, intervalMs);
 }

@@ -103,6 +103,8 @@ public:
     bool alarmOnChannel2() const;
     /// Times are chartTime2() values; noValue where there is no sample yet.
     void history(History &times, History &channel1, History &channel2) const;
+    /// The data interval that was in force at each of these samples, in milliseconds.
+    const History &historyIntervals() const;
     /// Judges the values shown against the range in force, after that range was changed.
     void checkAlarmAll();
     /// Queues a row without values one second after the last recorded one, so that a chart shows a gap; nothing when

@@ -161,7 +161,7 @@ void ConfiguredDevice::showReading(const Reading &reading)
     m_ch2Value = reading.channel2.text();
     judgeAlarms(value1, value2);
     const qint64 seconds = m_pollMs / 1000;
-    m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2);
+    m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2, dataIntervalMs);
     m_views.showReading(m_history, m_ch1Value, m_ch2Value);
 }
 
@@ -237,4 +237,9 @@ void ConfiguredDevice::history(History &times, History &channel1, History &chann
     times = m_history.times();
     channel1 = m_history.channel1();
     channel2 = m_history.channel2();
+}
+
+const History &ConfiguredDevice::historyIntervals() const
+{
+    return m_history.intervals();
 }

@@ -56,10 +56,18 @@ std::vector<double> copyOf(const History &history)
     return {history.cbegin(), history.cend()};
 }
 
+std::vector<double> largestSteps(const History &intervals)
+{
+    std::vector<double> steps;
+    for (const double intervalMs : intervals)
+        steps.push_back(largestStepInIntervals * intervalMs / msPerSecond);
+    return steps;
+}
+
 } // namespace
 
-std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &times, const History &values,
-                                             const ChannelLine &line, qint32 intervalMs)
+std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &times, const History &intervals,
+                                             const History &values, const ChannelLine &line, qint32 intervalMs)
 {
     auto picture = std::make_unique<chart::XYChart>(label.width() - besideChart, label.height(),
                                                     chart::colour(backgroundColour), chart::colour(clear));
@@ -77,7 +85,7 @@ std::unique_ptr<chart::XYChart> channelChart(const QSize &label, const History &
         return picture;
     picture->xAxis().setScale(newest - double(span), newest);
     chart::LineLayer &layer = picture->addLineLayer(copyOf(times));
-    layer.setLargestStep(largestStepInIntervals * intervalMs / msPerSecond);
+    layer.setLargestSteps(largestSteps(intervals));
     layer.addDataSet(copyOf(values), line.name, line.colour);
     return picture;
 }

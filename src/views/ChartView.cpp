@@ -107,6 +107,7 @@ void ChartView::setDevice(ConfiguredDevice *device)
     }
     refreshHeader();
     device->history(m_times, m_channels[0].values, m_channels[1].values);
+    m_intervals = device->historyIntervals();
     updateChart();
 }
 
@@ -167,6 +168,7 @@ void ChartView::updateData(const History &times, const History &channel1, const 
     if (!m_device)
         return;
     m_times = times;
+    m_intervals = m_device->historyIntervals();
     m_channels[0].values = channel1;
     m_channels[1].values = channel2;
     updateChart();
@@ -291,7 +293,8 @@ void ChartView::applyBackgrounds()
 
 void ChartView::draw(Channel &channel)
 {
-    auto picture = channelChart(channel.chartLabel->size(), m_times, channel.values, channel.line, dataIntervalMs);
+    auto picture =
+        channelChart(channel.chartLabel->size(), m_times, m_intervals, channel.values, channel.line, dataIntervalMs);
     const bool tracked = channel.viewer->isMouseOnPlotArea();
     chart::drawTrackCursor(*picture, tracked ? channel.viewer->plotAreaMouseX() : picture->plotArea().right(),
                            channelSpanText(dataIntervalMs));

@@ -101,6 +101,7 @@ private:
     std::array<QPixmap, PictureCount> m_pictures;
     QPointer<ConfiguredDevice> m_device;
     History m_times{};
+    History m_intervals{};
     std::array<Channel, 2> m_channels;
     bool m_backgroundsPending = false;
 };

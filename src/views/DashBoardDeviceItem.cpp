@@ -27,6 +27,7 @@ DashBoardDeviceItem::DashBoardDeviceItem(ConfiguredDevice *device, Channel chann
     readNames();
     readUnit();
     presizeFonts();
+    m_form->verticalLayout_value->holdStill();
 }
 
 DashBoardDeviceItem::~DashBoardDeviceItem() = default;

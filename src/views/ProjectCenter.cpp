@@ -124,6 +124,7 @@ void ProjectCenter::setRecordingRefused(const QString &reason)
 void ProjectCenter::setWriteTrouble(const QString &reason)
 {
     m_form->label_record_error->setText(reason);
+    m_form->label_record_error->setToolTip(plainToolTip(reason)); // a long one is cut at the bar's edge
     m_form->label_record_error->setVisible(!reason.isEmpty());
 }
 

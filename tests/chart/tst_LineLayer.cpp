@@ -98,6 +98,10 @@ private slots:
         QCOMPARE(draw(layer).pixelColor(70, 50), QColor(Qt::red));
         layer.setLargestStep(30);
         QCOMPARE(draw(layer).pixelColor(45, 50), QColor(Qt::red));
+        // Those that are not told are infinite.
+        layer.setLargestSteps({0, 10});
+        QCOMPARE(draw(layer).pixelColor(20, 50), QColor(Qt::black));
+        QCOMPARE(draw(layer).pixelColor(45, 50), QColor(Qt::red));
     }
 
     void oneReadingIsVisible()

@@ -47,7 +47,8 @@ private slots:
     void breaksWhereNeighboursLieTooFarApart()
     {
         LineField stepwise = field();
-        stepwise.largestStep = 15;
+        const std::vector<double> steps(6, 15);
+        stepwise.largestSteps = &steps;
         const LinePath path = linePath({10, 25, 41, 56, 36, 26}, {0, 0, 50, 50, 100, 100}, stepwise);
         QCOMPARE(path.segments, QVector<QLineF>({{10, 100, 25, 100}, {41, 50, 56, 50}, {36, 0, 26, 0}}));
         // From wherever the last point was, the missing ones apart.
@@ -55,10 +56,21 @@ private slots:
                  QVector<QLineF>({{10, 100, 20, 100}}));
     }
 
+    void eachPointHasALargestStepOfItsOwn()
+    {
+        LineField stepwise = field();
+        const std::vector<double> steps{0, 5, 30, 5, 30};
+        stepwise.largestSteps = &steps;
+        const LinePath path = linePath({10, 20, 40, 60, 80}, {50, 50, 50, 50, 50}, stepwise);
+        QCOMPARE(path.segments, QVector<QLineF>({{20, 50, 40, 50}, {60, 50, 80, 50}}));
+        QCOMPARE(path.dots, QVector<QPointF>({{10, 50}}));
+    }
+
     void aPointFarFromItsNeighboursIsADot()
     {
         LineField stepwise = field();
-        stepwise.largestStep = 15;
+        const std::vector<double> steps(5, 15);
+        stepwise.largestSteps = &steps;
         const LinePath path = linePath({10, 20, 50, 80, 90}, {50, 50, 50, 50, 50}, stepwise);
         QCOMPARE(path.dots, QVector<QPointF>({{50, 50}}));
         QCOMPARE(path.segments.size(), 2);
@@ -67,9 +79,10 @@ private slots:
     void manyGapsInAColumnAreNotToldApart()
     {
         LineField stepwise = field();
-        stepwise.largestStep = 1e-6;
         std::vector<double> xs;
         constexpr int count = 100000;
+        const std::vector<double> steps(count, 1e-6);
+        stepwise.largestSteps = &steps;
         for (int i = 0; i < count; ++i)
             xs.push_back(100.0 * i / count);
         const LinePath path = linePath(xs, std::vector<double>(count, 50), stepwise);

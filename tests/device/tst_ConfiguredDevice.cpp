@@ -3,6 +3,7 @@
 #include "support/LogCapture.h"
 #include "support/MetaMethods.h"
 #include "support/RecordedRows.h"
+#include "support/TemporaryInterval.h"
 
 #include <QTest>
 
@@ -18,6 +19,7 @@ private slots:
     void declaresSignalsAndSlotsInOrder();
     void keepsItsSettings();
     void readsOneReply();
+    void keepsTheIntervalOfEachSample();
     void showsMissingValuesAsSent();
     void readsWhatIsNoNumberAsZero_data();
     void readsWhatIsNoNumberAsZero();
@@ -116,6 +118,23 @@ void tst_ConfiguredDevice::keepsItsSettings()
     ConfiguredDevice serial("B2", UsbInterface);
     serial.setKeepConnection(true);
     QVERIFY(!serial.keepConnection());
+}
+
+void tst_ConfiguredDevice::keepsTheIntervalOfEachSample()
+{
+    ClockedDevice bench;
+    {
+        const TemporaryInterval often(1000);
+        bench.reply("21.50,45.10\n");
+    }
+    const TemporaryInterval seldom(60000);
+    bench.reply("21.60,45.20\n", 60000);
+    bench.reply("21.70,45.30\n", 60000);
+    const History &intervals = bench.device.historyIntervals();
+    QVERIFY(isNoValue(intervals[historyLength - 4]));
+    QCOMPARE(intervals[historyLength - 3], 1000.0);
+    QCOMPARE(intervals[historyLength - 2], 60000.0);
+    QCOMPARE(intervals[historyLength - 1], 60000.0);
 }
 
 void tst_ConfiguredDevice::readsOneReply()

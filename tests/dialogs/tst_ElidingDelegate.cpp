@@ -6,13 +6,44 @@
 #include <QTest>
 #include <QToolTip>
 
+namespace {
+
+bool isInk(const QImage &row, int x)
+{
+    for (int y = 0; y < row.height(); ++y) {
+        if (row.pixelColor(x, y).lightness() < 128)
+            return true;
+    }
+    return false;
+}
+
+/// The widest gap between letters of a row, and where the text goes on behind it.
+QPair<int, int> gapAndSecondColumn(const QPixmap &picture)
+{
+    const QImage row = picture.toImage();
+    QPair<int, int> widest(0, 0);
+    int lastInk = -1;
+    for (int x = 0; x < row.width(); ++x) {
+        if (!isInk(row, x))
+            continue;
+        if (lastInk >= 0 && x - lastInk - 1 > widest.first)
+            widest = {x - lastInk - 1, x};
+        lastInk = x;
+    }
+    return widest;
+}
+
+} // namespace
+
 class tst_ElidingDelegate : public QObject
 {
     Q_OBJECT
 
 private slots:
     void rowsAreNoWiderThanTheList();
-    void columnsKeepAGap();
+    void secondColumnStandsClear_data();
+    void secondColumnStandsClear();
+    void longSecondColumnIsCutInItself();
     void toolTip_data();
     void toolTip();
 };
@@ -28,11 +59,48 @@ void tst_ElidingDelegate::rowsAreNoWiderThanTheList()
     QCOMPARE(list.visualItemRect(list.item(0)).width(), list.viewport()->width());
 }
 
-void tst_ElidingDelegate::columnsKeepAGap()
+void tst_ElidingDelegate::secondColumnStandsClear_data()
 {
-    const ElidingDelegate delegate;
-    QCOMPARE(delegate.displayText(QStringLiteral("Greenhouse 1\t[COM5]"), QLocale::c()),
-             QStringLiteral("Greenhouse 1  \t[COM5]"));
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("one tab stop wide") << QStringList{"Attic", "Archive 1", "A"};
+    QTest::newRow("of all widths") << QStringList{"A", "Greenhouse 1", "Server room 1", "Clean room number 12"};
+    QTest::newRow("too wide") << QStringList{"A", QString(60, QLatin1Char('m'))};
+    QStringList growing; // one of them ends right at a tab stop
+    for (int i = 10; i < 40; ++i)
+        growing << QString(i, QLatin1Char('i'));
+    QTest::newRow("growing") << growing;
+}
+
+void tst_ElidingDelegate::secondColumnStandsClear()
+{
+    QFETCH(QStringList, names);
+    QListWidget list;
+    list.setItemDelegate(new ElidingDelegate(&list));
+    list.setStyleSheet("background: white; color: black;");
+    for (const QString &name : std::as_const(names))
+        list.addItem(name + "\t[10.77.0.2:23]");
+    list.resize(400, 700);
+    list.show();
+    QSet<int> begins;
+    for (int row = 0; row < names.size(); ++row) {
+        const auto [gap, begin] = gapAndSecondColumn(list.viewport()->grab(list.visualItemRect(list.item(row))));
+        QVERIFY2(gap >= 8, qPrintable(names.at(row)));
+        begins << begin;
+    }
+    QCOMPARE(begins.size(), 1);
+}
+
+void tst_ElidingDelegate::longSecondColumnIsCutInItself()
+{
+    QListWidget list;
+    list.setItemDelegate(new ElidingDelegate(&list));
+    list.setStyleSheet("background: white; color: black;");
+    list.addItem("Kitchen\t[" + QString(100, QLatin1Char('m')) + "]");
+    list.addItem("Kitchen\t[10.77.0.2:23]");
+    list.resize(300, 100);
+    list.show();
+    const auto cut = gapAndSecondColumn(list.viewport()->grab(list.visualItemRect(list.item(0))));
+    QCOMPARE(cut, gapAndSecondColumn(list.viewport()->grab(list.visualItemRect(list.item(1)))));
 }
 
 void tst_ElidingDelegate::toolTip_data()

@@ -85,6 +85,26 @@ private slots:
         }
     }
 
+    void readingsOfAnEarlierIntervalStayJoined()
+    {
+        m_fixture->attach();
+        for (int i = 0; i < 4; ++i)
+            m_fixture->reply("21.50,45.10", 10000);
+        dataIntervalMs = 1000;
+        m_fixture->reply("21.50,45.10", 1000);
+        m_fixture->show(QSize(810, 404));
+        chart::XYChart &picture = *m_fixture->viewer(0)->chart();
+        const double newest = picture.layers().front()->xValues().back();
+        const int y = picture.yCoordinate(21.5).value();
+        const int between = picture.xCoordinate(newest - 6).value();
+        QCOMPARE(picture.finishedPicture(1).pixelColor(between, y), QColor(255, 0, 0));
+        // Nor does another view of the same device tell otherwise.
+        view().clear();
+        view().setDevice(&m_fixture->device());
+        chart::XYChart &again = *m_fixture->viewer(0)->chart();
+        QCOMPARE(again.finishedPicture(1).pixelColor(between, y), QColor(255, 0, 0));
+    }
+
     // The cursor
 
     void theCursorFollowsTheMouseOverTheFinishedPicture()

@@ -1,4 +1,5 @@
 #include "device/ConfiguredDevice.h"
+#include "dialogs/PlainToolTip.h"
 #include "views/ProjectCenter.h"
 
 #include <QDateTime>
@@ -103,6 +104,7 @@ private slots:
         QVERIFY(!trouble->isHidden());
         QCOMPARE(trouble->text(), QStringLiteral("The disk is <b>full</b>."));
         QCOMPARE(trouble->textFormat(), Qt::PlainText);
+        QCOMPARE(trouble->toolTip(), plainToolTip(trouble->text()));
         center.setWriteTrouble({});
         QVERIFY(trouble->isHidden());
     }

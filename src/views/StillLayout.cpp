@@ -1,0 +1,7 @@
+#include "views/StillLayout.h"
+
+void StillLayout::invalidate()
+{
+    if (!m_isStill)
+        QVBoxLayout::invalidate();
+}
