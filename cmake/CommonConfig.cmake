@@ -34,6 +34,7 @@ target_compile_definitions(sorvanto_options INTERFACE
 target_compile_options(sorvanto_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wnull-dereference
 )
+include(Hardening)
 if(SORVANTO_SANITIZE)
     target_compile_options(sorvanto_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(sorvanto_options INTERFACE -fsanitize=address,undefined)

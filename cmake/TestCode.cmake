@@ -1,7 +1,7 @@
 # How the code of tests is compiled and linked: quickly, as it is built far more often than it runs. The layers under test
 # are those of the station, as they are shipped.
 
-set(test_options -O0)
+set(test_options -O0 -U_FORTIFY_SOURCE)
 if(SORVANTO_QT GREATER_EQUAL 6)
     # Folders that differ from test to test, which no test asks for; headers compiled beforehand serve all tests.
     list(APPEND test_options -UQT_TESTCASE_BUILDDIR -UQT_TESTCASE_SOURCEDIR)

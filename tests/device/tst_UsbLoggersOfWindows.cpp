@@ -102,6 +102,8 @@ QByteArray tst_UsbLoggersOfWindows::run(const QString &prefix, const QString &pr
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("WINEPREFIX"), prefix);
+    // Its server leaves a folder there.
+    environment.insert(QStringLiteral("TMPDIR"), prefix);
     environment.insert(QStringLiteral("WINESERVER"), QStringLiteral(WINESERVER));
     environment.insert(QStringLiteral("WINEARCH"), QStringLiteral("win64"));
     environment.insert(QStringLiteral("WINEBOOTSTRAPMODE"), QStringLiteral("1"));
