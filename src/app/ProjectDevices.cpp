@@ -31,7 +31,7 @@ ConfiguredDevice *ProjectDevices::find(const QString &key) const
 ConfiguredDevice *ProjectDevices::findUsb(const QString &key) const
 {
     ConfiguredDevice *device = find(key);
-    return device && device->interfaceKind() == UsbInterface ? device : nullptr;
+    return device && linkKind(device->interfaceKind()).isPluggedIn ? device : nullptr;
 }
 
 QList<DeviceEntry> ProjectDevices::entries() const

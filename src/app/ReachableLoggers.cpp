@@ -20,7 +20,7 @@ QList<AvailDevice *> ReachableLoggers::usb() const
 {
     QList<AvailDevice *> records;
     for (const auto &record : m_records) {
-        if (record->kind == UsbInterface)
+        if (linkKind(record->kind).isPluggedIn)
             records.append(record.get());
     }
     return records;
@@ -38,7 +38,7 @@ QStringList ReachableLoggers::vanished(const QList<UsbLogger> &found) const
         const bool isFound = std::any_of(found.cbegin(), found.cend(), [&record](const UsbLogger &logger) {
             return logger.serialNumber == record->key;
         });
-        if (record->kind == UsbInterface && !isFound)
+        if (linkKind(record->kind).isPluggedIn && !isFound)
             keys.append(record->key);
     }
     return keys;
@@ -102,7 +102,7 @@ void ReachableLoggers::removeUsb()
     for (const AvailDevice *record : leaving)
         m_index.remove(record->key);
     m_records.erase(std::remove_if(m_records.begin(), m_records.end(),
-                                   [](const auto &record) { return record->kind == UsbInterface; }),
+                                   [](const auto &record) { return linkKind(record->kind).isPluggedIn; }),
                     m_records.end());
 }
 

@@ -68,6 +68,12 @@ void SorvantoMain::projectLoaded(const QString &path)
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("There is no device information!"));
         return;
     }
+    const QString refusal = ProjectFile(path).refusal();
+    if (!refusal.isEmpty()) {
+        // A message takes for markup what looks like it.
+        showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(refusal));
+        return;
+    }
     const auto claim = claimProject(path, ProjectFile(path).databasePath());
     if (!claim)
         return;
@@ -153,6 +159,7 @@ void SorvantoMain::openProjectView()
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_devices.all());
     showScreen(m_projectCenter);
+    m_projectCenter->takeFocus();
 
     slotKeepAlive(m_settings.keepAlive);
     openUsbDevicesAnew();

@@ -18,6 +18,7 @@ void SorvantoMain::showStartScreen()
     connect(m_projectMain, &ProjectMain::projectCreated, this, &SorvantoMain::projectCreated);
     connect(m_projectMain, &ProjectMain::projectLoaded, this, &SorvantoMain::projectLoaded);
     showScreen(m_projectMain);
+    m_projectMain->takeFocus();
 }
 
 ProjectManager *SorvantoMain::showProjectManager()
@@ -26,6 +27,7 @@ ProjectManager *SorvantoMain::showProjectManager()
     connect(m_projectManager, &ProjectManager::refreshAvailDeviceList, this, &SorvantoMain::slotRefreshAvailDeviceList);
     connect(m_projectManager, &ProjectManager::projectListConfirm, this, &SorvantoMain::projectListConfirm);
     showScreen(m_projectManager);
+    m_projectManager->takeFocus();
     return m_projectManager;
 }
 
@@ -39,7 +41,6 @@ void SorvantoMain::showScreen(QWidget *screen)
 {
     m_form->centralFrame->layout()->addWidget(screen);
     screen->show();
-    screen->setFocus();
 }
 
 /// Deleted later, because this may run inside one of the screen's signals; until then nothing of it is heard any more.

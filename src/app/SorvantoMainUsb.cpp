@@ -27,7 +27,7 @@ void SorvantoMain::openUsbDevicesAnew()
 {
     const QList<ConfiguredDevice *> devices = m_devices.all();
     for (ConfiguredDevice *device : devices) {
-        if (device->interfaceKind() == UsbInterface)
+        if (linkKind(device->interfaceKind()).isPluggedIn)
             device->forgetPort();
     }
     m_usbPresentBefore = false;

@@ -20,5 +20,6 @@ QString projectFileProblem(const QString &path)
         return QStringLiteral("This is not a project file.") + place;
     if (!file.readDevices())
         return QStringLiteral("There is no device information!") + place;
-    return {};
+    const QString refusal = file.refusal();
+    return refusal.isEmpty() ? QString() : refusal + place;
 }

@@ -102,9 +102,11 @@ std::vector<double> everySeconds(const Range &range, qint64 step)
 {
     const LocalTime local({range.low - double(step), range.high});
     std::vector<double> ticks;
-    for (double at = roundUp(range.low, step, local); at <= range.high; at = roundUp(at + 1, step, local)) {
+    double at = roundUp(range.low, step, local);
+    while (at <= range.high) {
         if (!isRepeated(at, step, local))
             ticks.push_back(at);
+        at = roundUp(at + 1, step, local);
     }
     return ticks;
 }

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "device/LinkKind.h"
 
-/// How a device is reached; the numbers are those of project files and links.
-enum InterfaceKind { NoInterface = 0, UsbInterface = 1, NetworkInterface = 2 };
+#include <QString>
 
 constexpr quint16 defaultDevicePort = 23;
 

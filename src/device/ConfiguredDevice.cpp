@@ -1,6 +1,5 @@
 #include "device/ConfiguredDevice.h"
 
-#include "device/SerialDevice.h"
 #include "device/TelnetDevice.h"
 
 #include <QPointer>
@@ -9,25 +8,21 @@ ConfiguredDevice::ConfiguredDevice(const QString &serialNumber, int interfaceKin
     : QObject(parent),
       m_serialNumber(serialNumber),
       m_interfaceKind(interfaceKind),
+      m_kind(linkKind(interfaceKind)),
       m_clock([] { return QDateTime::currentDateTime(); }),
       m_pollTime(m_clock()),
       m_pollMs(m_pollTime.toMSecsSinceEpoch()),
       m_conversation(m_pollMs),
+      m_link(m_kind.makeLink(&m_conversation)),
+      m_telnet(dynamic_cast<TelnetDevice *>(m_link.get())),
       m_series(serialNumber)
 {
-    if (interfaceKind == UsbInterface) {
-        auto serial = std::make_unique<SerialDevice>();
-        serial->setConversation(&m_conversation);
-        m_link = std::move(serial);
+    if (m_kind.tellsLoss) {
         m_link->connect(SIGNAL(connected()), this, SLOT(deviceConnected()));
         m_link->connect(SIGNAL(disconnected()), this, SLOT(deviceDisconnected()));
-    } else {
-        auto telnet = std::make_unique<TelnetDevice>();
-        telnet->setConversation(&m_conversation);
-        m_telnet = telnet.get();
-        m_link = std::move(telnet);
-        m_link->connect(SIGNAL(writeStartSync()), this, SLOT(slotWriteStartSync()));
     }
+    if (m_telnet)
+        m_link->connect(SIGNAL(writeStartSync()), this, SLOT(slotWriteStartSync()));
     m_link->connect(SIGNAL(readyRead(QString)), this, SLOT(readData(QString)));
 
     m_owedReplyTimer.setSingleShot(true);
@@ -186,7 +181,7 @@ bool ConfiguredDevice::keepConnection() const
 
 void ConfiguredDevice::setKeepConnection(bool keep)
 {
-    if (m_interfaceKind != NetworkInterface)
+    if (!m_kind.hasTcpPort)
         return;
     m_settings.keepConnection = keep;
     m_telnet->setKeepConnection(keep);
@@ -226,7 +221,7 @@ void ConfiguredDevice::detachViews()
 
 bool ConfiguredDevice::openDevice()
 {
-    if (m_interfaceKind == NoInterface)
+    if (!m_kind.isPolled)
         return false;
     m_isPortForgotten = false;
     m_opensWithNextPoll = false;

@@ -144,6 +144,7 @@ private:
     void stampPollTime();
 
     void takeReadings(const QString &text);
+    void takeReading(const Reading &reading);
     void showReading(const Reading &reading);
     void recordAnswered();
     void judgeAlarms(double value1, double value2);
@@ -159,6 +160,7 @@ private:
 
     const QString m_serialNumber;
     const int m_interfaceKind;
+    const LinkKind &m_kind;
     DeviceSettings m_settings;
 
     Clock m_clock;

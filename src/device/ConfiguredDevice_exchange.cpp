@@ -18,7 +18,7 @@ constexpr int owedReplyMs = 1000;
 
 void ConfiguredDevice::startSyncTelnet()
 {
-    if (m_interfaceKind != NetworkInterface)
+    if (!m_kind.takesAlarmSettings)
         return;
     m_exchange.start();
     if (!m_conversation.owesReply()) {
@@ -46,13 +46,13 @@ void ConfiguredDevice::beginExchange()
 
 void ConfiguredDevice::slotWriteStartSync()
 {
-    if (m_interfaceKind == NetworkInterface && m_exchange.isAtFirstCommand() && !sendExchangeCommand())
+    if (m_exchange.isAtFirstCommand() && !sendExchangeCommand())
         m_exchange.stop();
 }
 
 void ConfiguredDevice::stopSyncTelnet()
 {
-    if (m_interfaceKind != NetworkInterface)
+    if (!m_kind.takesAlarmSettings)
         return;
     logDevice() << "- ConfiguredDevice::stopSyncTelnet() : set buzzerflag false";
     m_exchange.stop();

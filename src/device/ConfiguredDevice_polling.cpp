@@ -38,7 +38,7 @@ void ConfiguredDevice::pollForDisplay()
 {
     if (restsFromPolling() || !openLinkForPoll() || !sendPoll({false, m_clock().toMSecsSinceEpoch()}))
         return;
-    if (m_interfaceKind == UsbInterface && !m_link->isOpen())
+    if (m_kind.tellsLoss && !m_link->isOpen())
         m_link->open();
     else
         countMissedReply();
@@ -55,7 +55,7 @@ void ConfiguredDevice::pollForRecord()
 
 bool ConfiguredDevice::restsFromPolling() const
 {
-    return m_interfaceKind == NoInterface || m_exchange.isRunning();
+    return !m_kind.isPolled || m_exchange.isRunning();
 }
 
 /// Gives a USB logger that had stopped to answer another chance. Like sendPoll() false when a view had this device
@@ -91,9 +91,9 @@ void ConfiguredDevice::askPostponedPoll()
 
 void ConfiguredDevice::countMissedReply()
 {
-    const int limit = dataIntervalMs <= 1000 ? 5 : 2;
+    const int limit = dataIntervalMs <= 1000 ? m_kind.missedRepliesOfSeconds : m_kind.missedReplies;
     m_unansweredPolls = m_link->isOpen() ? m_unansweredPolls + 1 : 0;
-    if (m_interfaceKind == UsbInterface && !m_link->isOpen())
+    if (m_kind.tellsLoss && !m_link->isOpen())
         return; // that was reported at once
     if (++m_missedReplies > limit)
         giveUpSilentLink(limit);
@@ -112,12 +112,12 @@ void ConfiguredDevice::giveUpSilentLink(int missedLimit)
         return;
     m_unansweredPolls = 0;
     m_link->close();
-    m_opensWithNextPoll = m_interfaceKind == UsbInterface;
+    m_opensWithNextPoll = m_kind.tellsLoss;
 }
 
 void ConfiguredDevice::readData(const QString &text)
 {
-    if (m_interfaceKind == NetworkInterface && m_exchange.isRunning() && !m_owedReplyTimer.isActive()) {
+    if (m_exchange.isRunning() && !m_owedReplyTimer.isActive()) {
         takeExchangeText(text);
         return;
     }
@@ -137,11 +137,11 @@ void ConfiguredDevice::takeReadings(const QString &text)
     recordAnswered();
     const QPointer<ConfiguredDevice> self(this);
     deviceConnected();
-    for (const Reading &reading : readings) {
-        if (!self)
-            return;
-        showReading(reading);
-    }
+    if (!self || readings.isEmpty())
+        return;
+    for (const Reading &reading : readings)
+        takeReading(reading);
+    showReading(readings.last());
 }
 
 void ConfiguredDevice::recordAnswered()
@@ -153,15 +153,20 @@ void ConfiguredDevice::recordAnswered()
     }
 }
 
-void ConfiguredDevice::showReading(const Reading &reading)
+void ConfiguredDevice::takeReading(const Reading &reading)
 {
     const double value1 = reading.channel1.value;
     const double value2 = reading.channel2.value;
-    m_ch1Value = reading.channel1.text();
-    m_ch2Value = reading.channel2.text();
     judgeAlarms(value1, value2);
     const qint64 seconds = m_pollMs / 1000;
     m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2, dataIntervalMs);
+}
+
+/// Of a reply's readings only the newest: nobody would see the others, and each would be formatted and drawn.
+void ConfiguredDevice::showReading(const Reading &reading)
+{
+    m_ch1Value = reading.channel1.text();
+    m_ch2Value = reading.channel2.text();
     m_views.showReading(m_history, m_ch1Value, m_ch2Value);
 }
 
@@ -197,7 +202,7 @@ void ConfiguredDevice::deviceConnected()
 void ConfiguredDevice::deviceDisconnected()
 {
     m_connected = false;
-    if (m_interfaceKind == UsbInterface)
+    if (m_kind.tellsLoss)
         m_missedReplies = 0; // its open port will count as connected again
     m_ch1Value.clear();
     m_ch2Value.clear();

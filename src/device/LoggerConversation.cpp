@@ -2,7 +2,9 @@
 
 #include "device/ReplyParser.h"
 
+#include <QList>
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -21,6 +23,24 @@ bool isPoll(const QByteArray &command)
 bool isEcho(const QByteArray &line)
 {
     return line.contains("ATDC") || line.contains("ATCD");
+}
+
+/// The number of readings in each reply.
+QVector<int> replySizes(const QByteArray &bytes)
+{
+    QVector<int> sizes;
+    bool isNext = true;
+    const QList<QByteArray> lines = bytes.split('\n');
+    for (const QByteArray &line : lines) {
+        isNext = isNext || isEcho(line);
+        if (!line.contains(','))
+            continue;
+        if (isNext)
+            sizes.append(0);
+        ++sizes.last();
+        isNext = false;
+    }
+    return sizes;
 }
 
 int lineEnd(const QByteArray &bytes, int from)
@@ -60,8 +80,7 @@ void LoggerConversation::answer(const QVector<Reading> &readings)
     } else if (readings.isEmpty()) {
         m_unanswered.removeFirst(); // with something that is no reading
     } else {
-        for (const Reading &reading : readings)
-            m_held.append({reading.channel1.value, reading.channel2.value});
+        hold(readings);
         if (m_held.size() >= m_unanswered.size())
             settle();
     }
@@ -79,16 +98,34 @@ void LoggerConversation::takeUnasked(const QVector<Reading> &readings)
     }
 }
 
-/// Answers come in the order of the polls; lines beyond the last poll belong to its reply.
+/// Every reply begins with its echo; other lines go on with the last one.
+void LoggerConversation::hold(const QVector<Reading> &readings)
+{
+    const bool isKnown = std::accumulate(m_repliesHeard.cbegin(), m_repliesHeard.cend(), 0) == readings.size();
+    const QVector<int> sizes = isKnown ? m_repliesHeard : QVector<int>(1, static_cast<int>(readings.size()));
+    auto reading = readings.cbegin();
+    for (const int size : sizes) {
+        Answer answer;
+        for (int i = 0; i < size; ++i, ++reading)
+            answer.append({reading->channel1.value, reading->channel2.value});
+        m_held.append(answer);
+    }
+}
+
+/// Answers come in the order of the polls. What is too much comes before: from a logger that has hung it is the answers
+/// to what it was asked on an earlier connection.
 void LoggerConversation::settle()
 {
     if (m_held.isEmpty())
         return;
     dropPollsTooMany();
+    m_held.remove(0, m_held.size() - m_unanswered.size());
     for (int i = 0; i < m_held.size(); ++i) {
-        const Poll &poll = m_unanswered.at(std::min(i, static_cast<int>(m_unanswered.size()) - 1));
-        if (poll.isForRecord)
-            m_recorded.append({poll.timeMs, m_held.at(i).channel1, m_held.at(i).channel2});
+        const Poll &poll = m_unanswered.at(i);
+        for (const Values &values : m_held.at(i)) {
+            if (poll.isForRecord)
+                m_recorded.append({poll.timeMs, values.channel1, values.channel2});
+        }
     }
     m_held.clear();
     m_unanswered.clear();
@@ -158,6 +195,7 @@ void LoggerConversation::giveUpPollsOlderThan(qint64 timeMs)
 /// A reply to a poll is a line with its echo, one to a command any line; neither is there before its line has ended.
 void LoggerConversation::linkHeard(const QByteArray &bytes)
 {
+    m_repliesHeard = replySizes(bytes);
     int begin = 0;
     for (int end = lineEnd(bytes, begin); m_owedReplies > 0 && end < bytes.size(); end = lineEnd(bytes, begin)) {
         m_lineBegun += bytes.mid(begin, end - begin);

@@ -72,6 +72,10 @@ private:
         double channel2;
     };
 
+    /// The readings of one reply.
+    using Answer = QVector<Values>;
+
+    void hold(const QVector<Reading> &readings);
     void takeUnasked(const QVector<Reading> &readings);
     void giveUpPollsOlderThan(qint64 timeMs);
     void dropPollsTooMany();
@@ -79,12 +83,13 @@ private:
 
     std::optional<Poll> m_due;
     QVector<Poll> m_unanswered; ///< sent on this connection, oldest first
-    QVector<Values> m_held;     ///< readings, too few yet to tell which of the unanswered polls they answer
+    QVector<Answer> m_held;     ///< too few yet to tell which of the unanswered polls they answer
     QVector<RecordedReading> m_recorded;
     qint64 m_recordTimeMs;
     Unasked m_unasked = Unasked::Recorded;
     int m_owedReplies = 0;
-    QByteArray m_lineBegun; ///< of a reply that is owed
+    QVector<int> m_repliesHeard; ///< the number of readings in each reply of what arrived last
+    QByteArray m_lineBegun;      ///< of a reply that is owed
     bool m_isOpening = false;
     bool m_isClosed = false;
 };

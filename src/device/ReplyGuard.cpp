@@ -10,7 +10,7 @@ constexpr qint64 secondMs = 1000;
 
 int lineCount(const QByteArray &bytes)
 {
-    return bytes.count('\n') + (bytes.endsWith('\n') ? 0 : 1);
+    return int(bytes.count('\n')) + (bytes.endsWith('\n') ? 0 : 1);
 }
 
 int longestField(const QByteArray &bytes)
@@ -61,8 +61,8 @@ QString ReplyGuard::excessIn(const QByteArray &bytes)
         m_secondBegan = now;
         m_bytesOfSecond = 0;
     }
-    m_bytesOfSecond += bytes.size();
-    m_bytesOfPoll += bytes.size();
+    m_bytesOfSecond += int(bytes.size());
+    m_bytesOfPoll += int(bytes.size());
     // Before the bytes are looked at one by one.
     if (m_bytesOfPoll > bytesPerPoll)
         return QStringLiteral("more than %1 bytes for one poll").arg(bytesPerPoll);

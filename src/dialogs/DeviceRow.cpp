@@ -1,6 +1,7 @@
 #include "dialogs/DeviceRow.h"
 
 #include "device/ConfiguredDevice.h"
+#include "dialogs/LinkKindView.h"
 
 #include <QListWidget>
 #include <QScrollBar>
@@ -19,22 +20,19 @@ QString textOf(const QString &name, const QString &address)
 
 QListWidgetItem *makeRow(const QString &text, int interfaceKind, const QString &key)
 {
-    const bool isUsb = interfaceKind == UsbInterface;
-    const QIcon icon(isUsb ? QStringLiteral(":/img/icon_usb.png") : QStringLiteral(":/img/icon_lan.png"));
-    auto *row = new QListWidgetItem(icon, text);
+    auto *row = new QListWidgetItem(QIcon(linkKindView(interfaceKind).picture), text);
     row->setData(keyRole, key);
     return row;
 }
 
-QString withPort(const QString &address, quint16 port)
+QString addressText(int interfaceKind, const QString &address, quint16 port)
 {
-    return address + QLatin1Char(':') + QString::number(port);
+    return linkKind(interfaceKind).hasTcpPort ? address + QLatin1Char(':') + QString::number(port) : address;
 }
 
 QString foundText(const AvailDevice &device)
 {
-    const bool isNetwork = device.kind == NetworkInterface;
-    return textOf(device.key, isNetwork ? withPort(device.address, device.port) : device.address);
+    return textOf(device.key, addressText(device.kind, device.address, device.port));
 }
 
 QString displayName(const ConfiguredDevice &device)
@@ -88,15 +86,8 @@ QListWidgetItem *makeFoundRow(const AvailDevice &device)
 
 QListWidgetItem *makeConfiguredRow(const ConfiguredDevice &device)
 {
-    const bool isNetwork = device.interfaceKind() == NetworkInterface;
-    const QString address = isNetwork ? withPort(device.address(), device.port()) : device.address();
+    const QString address = addressText(device.interfaceKind(), device.address(), device.port());
     return makeRow(textOf(displayName(device), address), device.interfaceKind(), device.serialNumber());
-}
-
-QListWidgetItem *makeManualRow(const ConfiguredDevice &device)
-{
-    return makeRow(textOf(displayName(device), withPort(device.address(), device.port())), NetworkInterface,
-                   device.serialNumber());
 }
 
 void showFoundRows(const QList<AvailDevice> &devices, QListWidget *list)

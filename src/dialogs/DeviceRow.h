@@ -16,7 +16,6 @@ bool isSameKey(const QString &a, const QString &b);
 /// The rows are not in a list yet; the list they are put into owns them.
 QListWidgetItem *makeFoundRow(const AvailDevice &device);
 QListWidgetItem *makeConfiguredRow(const ConfiguredDevice &device);
-QListWidgetItem *makeManualRow(const ConfiguredDevice &device);
 
 /// Lists what the search has found. Each logger's answer does so anew while the operator works with the list: rows that
 /// stay keep their selection, the cursor and their place in the window. The list scrolls by rows.

@@ -44,15 +44,6 @@ qreal widest(QString (*column)(const QString &), const QAbstractItemModel &model
     return width;
 }
 
-/// The tab stop, counted from 1, that leaves room for the first columns of all rows, unless the second ones would be
-/// cut for it; those get half of the row at most.
-int stopOfSecondColumn(const QAbstractItemModel &model, const QFontMetricsF &metrics, qreal width)
-{
-    const qreal wanted = std::ceil((widest(firstColumn, model, metrics) + columnGap) / tabDistance);
-    const qreal last = std::floor(qMax(width - widest(secondColumn, model, metrics), width / 2) / tabDistance);
-    return int(qMax(qMin(wanted, last), 1.0));
-}
-
 /// @p name and as many tabs as lead from its end to the tab stop.
 QString upToStop(QString name, int stop, const QFontMetricsF &metrics)
 {
@@ -66,6 +57,37 @@ QString upToStop(QString name, int stop, const QFontMetricsF &metrics)
 
 } // namespace
 
+ElidingDelegate::ElidingDelegate(QAbstractItemView *view) : QStyledItemDelegate(view)
+{
+    const auto forget = [this] {
+        m_widths.reset();
+    };
+    const QAbstractItemModel *model = view->model();
+    connect(model, &QAbstractItemModel::dataChanged, this, forget);
+    connect(model, &QAbstractItemModel::rowsInserted, this, forget);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, forget);
+    connect(model, &QAbstractItemModel::modelReset, this, forget);
+}
+
+const ElidingDelegate::Widths &ElidingDelegate::widths(const QAbstractItemModel &model, const QFont &font) const
+{
+    if (!m_widths || m_widths->font != font) {
+        const QFontMetricsF metrics(font);
+        m_widths = Widths{font, widest(firstColumn, model, metrics), widest(secondColumn, model, metrics)};
+    }
+    return *m_widths;
+}
+
+/// The tab stop, counted from 1, that leaves room for the first columns of all rows, unless the second ones would be
+/// cut for it; those get half of the row at most.
+int ElidingDelegate::stopOfSecondColumn(const QAbstractItemModel &model, const QFont &font, qreal width) const
+{
+    const Widths &texts = widths(model, font);
+    const qreal wanted = std::ceil((texts.first + columnGap) / tabDistance);
+    const qreal last = std::floor(qMax(width - texts.second, width / 2) / tabDistance);
+    return int(qMax(qMin(wanted, last), 1.0));
+}
+
 /// The row as it is drawn: with a text that fits.
 QStyleOptionViewItem ElidingDelegate::fitted(const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
@@ -77,7 +99,7 @@ QStyleOptionViewItem ElidingDelegate::fitted(const QStyleOptionViewItem &option,
         row.text = metrics.elidedText(row.text, row.textElideMode, width);
         return row;
     }
-    const int stop = stopOfSecondColumn(*index.model(), metrics, width);
+    const int stop = stopOfSecondColumn(*index.model(), row.font, width);
     const qreal second = stop * tabDistance;
     const QString first = metrics.elidedText(firstColumn(row.text), row.textElideMode, second - columnGap);
     row.text =

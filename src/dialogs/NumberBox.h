@@ -34,23 +34,19 @@ protected:
             return;
         }
         this->lineEdit()->event(event);
-        QWidget::focusOutEvent(event);
+        this->update();
     }
 
     void hideEvent(QHideEvent *event) override
     {
         if (this->hasAcceptableInput())
             SpinBox::hideEvent(event);
-        else
-            QWidget::hideEvent(event);
     }
 
     void showEvent(QShowEvent *event) override
     {
         if (this->hasAcceptableInput())
             SpinBox::showEvent(event);
-        else
-            QWidget::showEvent(event);
     }
 
     QAbstractSpinBox::StepEnabled stepEnabled() const override

@@ -3,7 +3,10 @@
 #include "dialogs/ElidingDelegate.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/TransientMessage.h"
+#include "project/ProjectFile.h"
 #include "project/ProjectLock.h"
+#include "project/RecordingLock.h"
+#include "project/RecordingName.h"
 #include "ui_ProjectMain.h"
 
 #include <QDir>
@@ -20,6 +23,8 @@ constexpr int longestFileName = 20;
 
 constexpr int longestFolderText = 70;
 
+constexpr int mostProposals = 99;
+
 const QString suffix = QStringLiteral("tpc");
 
 QString rowText(const QString &name, const QString &path)
@@ -31,6 +36,46 @@ QString rowText(const QString &name, const QString &path)
     return name + QStringLiteral("\t[") + folder + QLatin1Char('/') + file.baseName() + QStringLiteral(".tpc]");
 }
 
+/// Where a new project at @p path will record.
+QString newRecording(const QString &path)
+{
+    return ProjectFile(path).newDatabasePath(QFileInfo(path).baseName());
+}
+
+/// Why a project at @p path could not record, in words for the operator; empty when it could.
+QString newRecordingProblem(const QString &path)
+{
+    const QString recording = newRecording(path);
+    const QString name = QFileInfo(path).baseName();
+    if (const QString problem = recordingNameProblem(name); !problem.isEmpty())
+        return QStringLiteral("\"%1\" cannot be the name of a recording: it %2.\nPlease choose another name.")
+            .arg(name, problem);
+    const QString other = otherProjectWithRecording(recording, path);
+    if (other.isEmpty())
+        return {};
+    return QStringLiteral("The project \"%1\" records into \"%2\" already.\nPlease choose another name.")
+        .arg(other, QFileInfo(recording).fileName());
+}
+
+/// A path like @p path at which nothing is in a new project's way: the recording is named by what stands in front of
+/// the first point.
+QString proposedPath(const QString &path)
+{
+    const QFileInfo file(path);
+    QString name = file.suffix() == suffix ? file.completeBaseName() : file.fileName();
+    name.replace(QLatin1Char('.'), QLatin1Char('-')).replace(QLatin1Char('\\'), QLatin1Char('-'));
+    for (int number = 1; number <= mostProposals; ++number) {
+        const QString end = number == 1 ? QString() : QStringLiteral(" %1").arg(number);
+        const QString proposed = file.absolutePath() + QLatin1Char('/') +
+                                 name.left(longestFileName - int(suffix.size()) - 1 - int(end.size())) + end +
+                                 QLatin1Char('.') + suffix;
+        if (!QFileInfo::exists(proposed) && !QFileInfo::exists(newRecording(proposed)) &&
+            newRecordingProblem(proposed).isEmpty())
+            return proposed;
+    }
+    return {};
+}
+
 } // namespace
 
 ProjectMain::ProjectMain(const QStringList &recentList, const QHash<QString, QVariant> &recentProjects, QWidget *parent)
@@ -40,16 +85,20 @@ ProjectMain::ProjectMain(const QStringList &recentList, const QHash<QString, QVa
     m_form->listWidget->setItemDelegate(new ElidingDelegate(m_form->listWidget));
     for (const QString &name : recentList)
         addRecentProject(name, recentProjects.value(name).toString());
-    if (recentList.isEmpty())
-        setFocusProxy(m_form->btn_create);
-    else
-        setFocusProxy(m_form->listWidget);
     connect(m_form->btn_create, &QPushButton::clicked, this, &ProjectMain::slotCreateProject);
     connect(m_form->btn_open, &QPushButton::clicked, this, &ProjectMain::slotOpenProject);
     connect(m_form->listWidget, &QListWidget::itemActivated, this, &ProjectMain::slotRecentProject);
 }
 
 ProjectMain::~ProjectMain() = default;
+
+void ProjectMain::takeFocus()
+{
+    if (m_paths.isEmpty())
+        m_form->btn_create->setFocus();
+    else
+        m_form->listWidget->setFocus();
+}
 
 void ProjectMain::addRecentProject(const QString &name, const QString &path)
 {
@@ -103,10 +152,15 @@ void ProjectMain::createProject(const QString &chosen)
     const QString path = isComplete ? chosen : chosen + QLatin1Char('.') + suffix;
     if (!isNameShortEnough(path))
         return;
-    if (QFileInfo(path).isFile())
+    const QString problem = newRecordingProblem(path);
+    if (!problem.isEmpty()) {
+        askForNewFile(proposedPath(path));
+        showError(problem);
+    } else if (QFileInfo(path).isFile()) {
         askForReplacement(path);
-    else
-        writeEmptyProject(path);
+    } else {
+        writeEmptyProject(path, Existing::Keep);
+    }
 }
 
 void ProjectMain::askForReplacement(const QString &path)
@@ -120,23 +174,32 @@ void ProjectMain::askForReplacement(const QString &path)
     box->setDefaultButton(QMessageBox::No);
     connect(box, &QDialog::finished, this, [this, path](int answer) {
         if (answer == QMessageBox::Yes)
-            writeEmptyProject(path);
+            writeEmptyProject(path, Existing::Replace);
         else
             askForNewFile(path);
     });
     box->open();
 }
 
-void ProjectMain::writeEmptyProject(const QString &path)
+void ProjectMain::writeEmptyProject(const QString &path, Existing existing)
 {
-    if (!isFree(path))
-        return;
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        showError(QStringLiteral("Unable to open the project file."));
-        return;
+    {
+        // Nobody may open it before it is empty, or record into what will be its recording.
+        ProjectLock project(path);
+        RecordingLock recording(newRecording(path));
+        if (!isFree(project) || !isFree(recording))
+            return;
+        QFile file(path);
+        const bool mayReplace = existing == Existing::Replace;
+        if (!file.open(mayReplace ? QIODevice::WriteOnly : QIODevice::WriteOnly | QIODevice::NewOnly)) {
+            // Another program may have made it since it was looked for.
+            if (!mayReplace && (file.exists() || QFileInfo(path).isSymLink()))
+                askForReplacement(path);
+            else
+                showError(QStringLiteral("Unable to open the project file."));
+            return;
+        }
     }
-    file.close();
     emit projectCreated(path);
 }
 
@@ -153,9 +216,9 @@ void ProjectMain::openProject(const QString &path)
     emit projectLoaded(path);
 }
 
-bool ProjectMain::isFree(const QString &path)
+template <typename Lock>
+bool ProjectMain::isFree(Lock &lock)
 {
-    ProjectLock lock(path);
     if (lock.acquire())
         return true;
     showError(lock.refusal());

@@ -24,6 +24,9 @@ public:
                 QWidget *parent = nullptr);
     ~ProjectMain() override;
 
+    /// Puts the keyboard on the latest project, or where there is none on the button that creates one.
+    void takeFocus();
+
 signals:
     /// A new, empty project file exists at @p path.
     void projectCreated(const QString &path);
@@ -36,16 +39,19 @@ public slots:
     void slotRecentProject(QListWidgetItem *item);
 
 private:
+    enum class Existing { Keep, Replace };
+
     void addRecentProject(const QString &name, const QString &path);
     QFileDialog *makeFileDialog(const QString &caption);
     /// @p proposed is preselected; none when empty.
     void askForNewFile(const QString &proposed);
     void createProject(const QString &chosen);
     void askForReplacement(const QString &path);
-    void writeEmptyProject(const QString &path);
+    void writeEmptyProject(const QString &path, Existing existing);
     void openProject(const QString &path);
-    /// Whether no other station has the project open; tells the operator when one has.
-    bool isFree(const QString &path);
+    /// Takes a lock; tells the operator who has it when that fails.
+    template <typename Lock>
+    bool isFree(Lock &lock);
     /// Tells the operator when it is not.
     bool isNameShortEnough(const QString &path);
     void showError(const QString &text);

@@ -49,12 +49,16 @@ ProjectManager::ProjectManager(QWidget *parent)
         board->setItemDelegate(new ElidingDelegate(board));
     for (QPushButton *button : {m_form->btn_add, m_form->btn_timeInterval})
         fadeWhenDisabled(button);
-    setFocusProxy(m_form->availlable_list);
     buildIntervalMenu();
     connectForm();
 }
 
 ProjectManager::~ProjectManager() = default;
+
+void ProjectManager::takeFocus()
+{
+    m_form->availlable_list->setFocus();
+}
 
 void ProjectManager::connectForm()
 {

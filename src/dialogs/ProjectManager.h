@@ -32,6 +32,8 @@ public:
     explicit ProjectManager(QWidget *parent = nullptr);
     ~ProjectManager() override;
 
+    /// Puts the keyboard into the list of found loggers.
+    void takeFocus();
     /// The interval can only be chosen when a project is created.
     void setIntervalDisabled(bool disabled);
     /// The devices of the project that is edited; to be called before setAvailDeviceList().

@@ -43,7 +43,7 @@ void ProjectManager::slotManualConfigDevice(ConfiguredDevice *device)
         m_configuredList.end());
     m_configuredList.append(device);
     logDialogs() << "ProjectManager::slotManualConfigDevice : " << m_configuredList.size();
-    board->addItem(makeManualRow(*device));
+    board->addItem(makeConfiguredRow(*device));
     delete rowOfKey(*m_form->availlable_list, key);
     if (m_configuredList.size() >= maxDevices)
         setAddingEnabled(false);
@@ -83,7 +83,7 @@ ConfiguredDevice *ProjectManager::deviceOfRow(const QListWidgetItem &row) const
     const AvailDevice *found = availDevice(keyOf(row));
     if (ConfiguredDevice *device = configuredDevice(keyOf(row))) {
         // A network logger that was taken out and moved back as found is where the search has found it.
-        if (found && isFoundRow(row) && found->kind == NetworkInterface && device->interfaceKind() == NetworkInterface)
+        if (found && isFoundRow(row) && found->kind == device->interfaceKind() && linkKind(found->kind).hasTcpPort)
             device->setDeviceInfo(device->deviceName(), device->ch1Name(), device->ch2Name(), found->address,
                                   found->port);
         return device;

@@ -12,8 +12,6 @@
 namespace {
 
 const QString devicesKey = QStringLiteral("devices");
-const QString serialType = QStringLiteral("SERIAL");
-const QString telnetType = QStringLiteral("TELNET");
 
 namespace key {
 const QString name = QStringLiteral("DeviceName");
@@ -68,7 +66,7 @@ json::QJsonObject encode(const DeviceEntry &entry)
         {key::ch1Name, entry.ch1Name},
         {key::ch2Name, entry.ch2Name},
         {key::number, entry.serialNumber},
-        {key::type, entry.interfaceKind == UsbInterface ? serialType : telnetType},
+        {key::type, linkKind(entry.interfaceKind).word},
         {key::interface, entry.address},
         {key::port, QString::number(entry.port)},
         {key::ch1Unit, QString::number(entry.ch1Unit)},
@@ -91,7 +89,7 @@ DeviceEntry decode(const json::QJsonObject &device)
     entry.ch1Name = device[key::ch1Name].toString();
     entry.ch2Name = device[key::ch2Name].toString();
     entry.serialNumber = device[key::number].toString();
-    entry.interfaceKind = device[key::type].toString() == serialType ? UsbInterface : NetworkInterface;
+    entry.interfaceKind = linkKindOfWord(device[key::type].toString()).number;
     entry.address = device[key::interface].toString();
     entry.port = portOf(device[key::port]);
     entry.ch1Unit = unitOf(device[key::ch1Unit]);

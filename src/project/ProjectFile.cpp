@@ -2,6 +2,7 @@
 
 #include "project/DeviceList.h"
 #include "project/IniFile.h"
+#include "project/RecordingName.h"
 
 #include <QFileInfo>
 
@@ -19,6 +20,8 @@ const QString backup = QStringLiteral("Backup");
 const QString recordStartTime = QStringLiteral("record_start_time");
 const QString recordStopTime = QStringLiteral("record_stop_time");
 } // namespace key
+
+constexpr int longestShownName = 60;
 
 IniValue read(const QString &path, const QString &key)
 {
@@ -107,5 +110,17 @@ QString ProjectFile::newDatabasePath(const QString &projectName) const
 
 QString ProjectFile::databasePath() const
 {
-    return QFileInfo(m_path).absolutePath() + QLatin1Char('/') + read(m_path, key::databaseName).toText();
+    const QString name = read(m_path, key::databaseName).toText();
+    const QString folder = QFileInfo(m_path).absolutePath() + QLatin1Char('/');
+    return recordingNameProblem(name).isEmpty() ? folder + name : folder;
+}
+
+QString ProjectFile::refusal() const
+{
+    const QString name = read(m_path, key::databaseName).toText();
+    const QString problem = recordingNameProblem(name);
+    if (problem.isEmpty())
+        return {};
+    return QStringLiteral("The project is not opened: the name of its recording, \"%1\", %2.")
+        .arg(name.left(longestShownName), problem);
 }

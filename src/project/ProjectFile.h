@@ -39,6 +39,9 @@ public:
     QString newDatabasePath(const QString &projectName) const;
     /// The recording's path: the project's folder, "/" and the stored database name.
     QString databasePath() const;
+    /// Why the project must not be opened, in words for the operator: its recording has a name that leads out of the
+    /// project's folder. databasePath() is then that of a project without a recording. Empty for any other project.
+    QString refusal() const;
 
 private:
     QString m_path;

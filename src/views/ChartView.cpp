@@ -7,6 +7,7 @@
 #include "device/ChannelUnit.h"
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
+#include "dialogs/LinkKindView.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/SharpPixmap.h"
 #include "ui_ChartView.h"
@@ -33,8 +34,7 @@ ChartView::ChartView(QWidget *parent) : QWidget(parent), m_form(std::make_unique
 {
     m_form->setupUi(this);
     const std::array<const char *, PictureCount> paths{
-        ":/img/DeviceConnectedSymbol.png", ":/img/DeviceConnectingSymbol.png", ":/img/DeviceDisconnectedSymbol.png",
-        ":/img/icon_lan.png", ":/img/icon_usb.png"};
+        ":/img/DeviceConnectedSymbol.png", ":/img/DeviceConnectingSymbol.png", ":/img/DeviceDisconnectedSymbol.png"};
     for (size_t i = 0; i < paths.size(); ++i)
         m_pictures[i] = sharpPixmap(QLatin1String(paths[i]));
     m_form->label_device_type->setPixmap(sharpPixmap(QStringLiteral(":/img/DeviceImg.png")));
@@ -133,11 +133,10 @@ void ChartView::refreshHeader()
     if (!m_device)
         return;
     const QString name = orElse(m_device->deviceName(), m_device->address());
-    const bool usb = m_device->interfaceKind() == UsbInterface;
+    const LinkKindView &kind = linkKindView(m_device->interfaceKind());
     setPlainText(m_form->label_device, name);
-    setPlainText(m_form->label_serialnumber,
-                 (usb ? QStringLiteral("SN : ") : QStringLiteral("MAC : ")) + m_device->serialNumber());
-    m_form->label_device_type->setPixmap(m_pictures[usb ? UsbPicture : LanPicture]);
+    setPlainText(m_form->label_serialnumber, kind.keyCaption + m_device->serialNumber());
+    m_form->label_device_type->setPixmap(sharpPixmap(kind.picture));
     for (Channel &channel : m_channels)
         setPlainText(channel.deviceLabel, name);
     setPlainText(m_channels[0].nameLabel, orElse(m_device->ch1Name(), m_channels[0].line.name));
@@ -146,7 +145,7 @@ void ChartView::refreshHeader()
     m_channels[1].unitText = unitText(channelUnitFromCode(m_device->ch2Unit()), m_device->ch2CustomUnit());
     refreshValue(m_channels[0], m_device->alarmOnChannel1());
     refreshValue(m_channels[1], m_device->alarmOnChannel2());
-    if (m_device->interfaceKind() == NetworkInterface)
+    if (kind.makeAddressDialog)
         m_form->btn_network->show();
 }
 

@@ -63,7 +63,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    enum Picture { ConnectedPicture, ConnectingPicture, DisconnectedPicture, LanPicture, UsbPicture, PictureCount };
+    enum Picture { ConnectedPicture, ConnectingPicture, DisconnectedPicture, PictureCount };
 
     /// What is shown of one channel.
     struct Channel

@@ -2,7 +2,6 @@
 
 #include "device/ConfiguredDevice.h"
 #include "ui_DashBoard.h"
-#include "views/DashBoardDeviceItem.h"
 
 #include <algorithm>
 
@@ -39,20 +38,23 @@ void DashBoard::setDevices(const QList<ConfiguredDevice *> &devices)
             row = 0;
             column = (column + columnsPerDevice) % columnCount;
         }
-        DashBoardDeviceItem *tile1 = addTile(std::make_unique<DashBoardDeviceItem>(device, Channel::One), row, column);
-        DashBoardDeviceItem *tile2 =
-            addTile(std::make_unique<DashBoardDeviceItem>(device, Channel::Two), row, column + 1);
+        DashBoardDeviceItem *tile1 = addTile(device, Channel::One, row, column);
+        DashBoardDeviceItem *tile2 = addTile(device, Channel::Two, row, column + 1);
         device->setTiles(tile1, tile2);
         ++row;
     }
 }
 
-DashBoardDeviceItem *DashBoard::addTile(std::unique_ptr<DashBoardDeviceItem> tile, int row, int column)
+/// A tile is made within its cell: put there later, it would look up all its styles again.
+DashBoardDeviceItem *DashBoard::addTile(ConfiguredDevice *device, DashBoardDeviceItem::Channel channel, int row,
+                                        int column)
 {
-    connect(tile.get(), &DashBoardDeviceItem::clicked, this, &DashBoard::slotClicked);
-    m_form->gridLayout_2->itemAtPosition(row, column)->widget()->layout()->addWidget(tile.get());
-    m_tiles.push_back(std::move(tile));
-    return m_tiles.back().get();
+    QWidget *cell = m_form->gridLayout_2->itemAtPosition(row, column)->widget();
+    m_tiles.push_back(std::make_unique<DashBoardDeviceItem>(device, channel, cell));
+    DashBoardDeviceItem *tile = m_tiles.back().get();
+    connect(tile, &DashBoardDeviceItem::clicked, this, &DashBoard::slotClicked);
+    cell->layout()->addWidget(tile);
+    return tile;
 }
 
 void DashBoard::showEmptyCells(bool show)

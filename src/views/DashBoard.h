@@ -1,12 +1,13 @@
 #pragma once
 
+#include "views/DashBoardDeviceItem.h"
+
 #include <QList>
 #include <QWidget>
 #include <memory>
 #include <vector>
 
 class ConfiguredDevice;
-class DashBoardDeviceItem;
 
 namespace Ui {
 class DashBoard;
@@ -34,7 +35,7 @@ private slots:
     void slotClicked(ConfiguredDevice *device);
 
 private:
-    DashBoardDeviceItem *addTile(std::unique_ptr<DashBoardDeviceItem> tile, int row, int column);
+    DashBoardDeviceItem *addTile(ConfiguredDevice *device, DashBoardDeviceItem::Channel channel, int row, int column);
 
     std::unique_ptr<Ui::DashBoard> m_form;
     std::vector<std::unique_ptr<DashBoardDeviceItem>> m_tiles;

@@ -1,10 +1,9 @@
 #include "views/ProjectCenter.h"
 
 #include "device/ConfiguredDevice.h"
-#include "dialogs/NetworkSettingDialog.h"
+#include "dialogs/LinkKindView.h"
 #include "dialogs/PlainToolTip.h"
-#include "dialogs/SensingOptionTelnetDialog.h"
-#include "dialogs/SensingOptionUsbDialog.h"
+#include "dialogs/SensingOptionDialog.h"
 #include "ui_ProjectCenter.h"
 #include "views/ChartView.h"
 #include "views/ContentMinimum.h"
@@ -58,7 +57,6 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
     new ContentMinimum(m_form->widget_board);
     keepPlace(m_form->label_record_error);
     m_form->label_record_error->hide();
-    setFocusProxy(m_projectList);
 
     connect(m_form->btn_record, &QAbstractButton::clicked, this, &ProjectCenter::slotRecord);
     connect(m_projectList, &ProjectList::dashboardClicked, this, &ProjectCenter::slotDashboardClicked);
@@ -70,6 +68,11 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
 }
 
 ProjectCenter::~ProjectCenter() = default;
+
+void ProjectCenter::takeFocus()
+{
+    m_projectList->takeFocus();
+}
 
 void ProjectCenter::setDashboardNames(const QStringList &names)
 {
@@ -189,25 +192,14 @@ void ProjectCenter::slotPopupSensingOption()
     if (!m_currentDevice)
         return;
     deleteClosedOptionDialogs();
-    SensingOptionDialog *dialog = makeOptionDialog(m_currentDevice);
-    if (!dialog)
+    const auto makeDialog = linkKindView(m_currentDevice->interfaceKind()).makeOptionDialog;
+    if (!makeDialog)
         return;
+    SensingOptionDialog *dialog = makeDialog(m_currentDevice, this);
     // A dialog that was closed during an exchange may report when another device is the current one.
     connect(dialog, &SensingOptionDialog::sensingConfirm, m_currentDevice, &ConfiguredDevice::checkAlarmAll);
     connect(dialog, &SensingOptionDialog::sensingConfirm, this, &ProjectCenter::slotSensingConfirm);
     dialog->show();
-}
-
-SensingOptionDialog *ProjectCenter::makeOptionDialog(ConfiguredDevice *device)
-{
-    switch (device->interfaceKind()) {
-    case UsbInterface:
-        return new SensingOptionUsbDialog(device, this);
-    case NetworkInterface:
-        return new SensingOptionTelnetDialog(device, this);
-    default:
-        return nullptr;
-    }
 }
 
 /// One that was closed by its window is hidden only, and may still await its logger's answer.
@@ -234,11 +226,14 @@ void ProjectCenter::slotSensingConfirm()
 
 void ProjectCenter::slotNetworkSetting()
 {
-    if (!m_currentDevice || m_currentDevice->interfaceKind() != NetworkInterface)
+    if (!m_currentDevice)
+        return;
+    const auto makeDialog = linkKindView(m_currentDevice->interfaceKind()).makeAddressDialog;
+    if (!makeDialog)
         return;
     // One that was closed by its window is hidden only.
     delete m_networkDialog;
-    m_networkDialog = new NetworkSettingDialog(m_currentDevice, this);
+    m_networkDialog = makeDialog(m_currentDevice, this);
     m_networkDialog->show();
 }
 

@@ -10,7 +10,7 @@
 class ChartView;
 class ConfiguredDevice;
 class DashboardTab;
-class NetworkSettingDialog;
+class QDialog;
 class ProjectList;
 class SensingOptionDialog;
 class QVBoxLayout;
@@ -29,6 +29,8 @@ public:
     explicit ProjectCenter(const QString &projectFile, QWidget *parent = nullptr);
     ~ProjectCenter() override;
 
+    /// Puts the keyboard into the list of devices.
+    void takeFocus();
     void setDashboardNames(const QStringList &names);
     /// To be called once. Devices are not owned; they must be detached from their views before this panel goes away.
     void setDevices(const QList<ConfiguredDevice *> &devices);
@@ -68,7 +70,6 @@ private slots:
     void slotNetworkSetting();
 
 private:
-    SensingOptionDialog *makeOptionDialog(ConfiguredDevice *device);
     void deleteClosedOptionDialogs();
     void showOnBoard(QWidget *shown, QWidget *hidden);
 
@@ -81,5 +82,5 @@ private:
     QVBoxLayout *m_boardLayout;
     QPointer<ConfiguredDevice> m_currentDevice; ///< whose chart was opened last
     bool m_dashboardsShowing = true;
-    QPointer<NetworkSettingDialog> m_networkDialog;
+    QPointer<QDialog> m_networkDialog;
 };

@@ -60,7 +60,6 @@ ProjectList::ProjectList(const QString &projectName, QWidget *parent)
       m_disconnectedIcon(QStringLiteral(":/img/DeviceDisconnectedSymbol.png"))
 {
     m_form->setupUi(this);
-    setFocusProxy(m_form->list_project);
     m_form->button_project->setText(QString(projectName).replace(QLatin1Char('&'), QStringLiteral("&&")));
     m_form->list_project->setItemDelegate(new ElidingDelegate(m_form->list_project));
     m_form->list_project->verticalScrollBar()->setStyleSheet(scrollBarStyle);
@@ -75,6 +74,11 @@ ProjectList::ProjectList(const QString &projectName, QWidget *parent)
 }
 
 ProjectList::~ProjectList() = default;
+
+void ProjectList::takeFocus()
+{
+    m_form->list_project->setFocus();
+}
 
 void ProjectList::setDevices(const QList<ConfiguredDevice *> &devices)
 {

@@ -23,6 +23,8 @@ public:
     explicit ProjectList(const QString &projectName, QWidget *parent = nullptr);
     ~ProjectList() override;
 
+    /// Puts the keyboard among the devices.
+    void takeFocus();
     /// Lists the devices and gives each its row; the devices must forget their rows before this panel goes away.
     /// A device listed twice keeps its last row only.
     void setDevices(const QList<ConfiguredDevice *> &devices);

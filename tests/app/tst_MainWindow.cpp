@@ -1,6 +1,10 @@
 #include "StationParts.h"
 
+#include "app/AlarmSound.h"
+
+#include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 
 /// The main window's own parts: its bands, labels and menus.
 class tst_MainWindow : public QObject
@@ -31,6 +35,27 @@ private slots:
         QVERIFY(!m_station->windowFlags().testFlag(Qt::FramelessWindowHint));
         QVERIFY(
             isPicture(m_station->windowIcon().pixmap(32, 32), QIcon(QStringLiteral(":/img/I_2.png")).pixmap(32, 32)));
+    }
+
+    void nobodyWaitsForTheAnswerToABoxAboutTheSound()
+    {
+        const QString text = QStringLiteral("Could not find file \"critical.wav\"!");
+        bool goesOn = false;
+        QString seen;
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, this, [&] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box || !seen.isNull())
+                return;
+            seen = (goesOn ? QString() : QStringLiteral("held up: ")) + box->windowTitle() + QLatin1Char('|') +
+                   box->text();
+            box->button(QMessageBox::Ok)->click();
+        });
+        watch.start(10);
+        emit m_station->findChild<AlarmSound *>()->setUpFailed(QStringLiteral("critical.wav"), text);
+        goesOn = true;
+        QTRY_COMPARE(seen, QStringLiteral("critical.wav|") + text);
+        QTRY_VERIFY(!m_station->findChild<QMessageBox *>());
     }
 
     void bandsAreAsDesigned()

@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
+#include "project/IniFile.h"
 #include "support/ScriptedLogger.h"
 
 #include <QDir>
@@ -90,6 +91,23 @@ private slots:
         station.projectLoaded(path);
         QVERIFY(!station.isProjectOpen());
         QCOMPARE(shownMessages(), QStringList{QStringLiteral("There is no device information!")});
+        QVERIFY(recentList().isEmpty());
+    }
+
+    /// It would put a table into any database that a crafted project names.
+    void aRecordingElsewhereIsNeverOpened()
+    {
+        m_fixture->writeProject(QStringLiteral("Kitchen"), {m_fixture->addLogger()});
+        const QString path = m_fixture->projectPath(QStringLiteral("Kitchen"));
+        const QString other = QFileInfo(path).absolutePath() + QStringLiteral("/sub/other.db");
+        QVERIFY(QDir().mkpath(QFileInfo(other).absolutePath()));
+        QVERIFY(rewriteIniFile(path, {{QStringLiteral("databaseName"), IniValue::fromText("sub/other.db")}}));
+        SorvantoMain station;
+        station.projectLoaded(path);
+        QVERIFY(!station.isProjectOpen());
+        QCOMPARE(shownMessages(), QStringList("The project is not opened: the name of its recording, \"sub/other.db\", "
+                                              "is a path."));
+        QVERIFY(!QFile::exists(other));
         QVERIFY(recentList().isEmpty());
     }
 

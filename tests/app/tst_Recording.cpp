@@ -5,7 +5,6 @@
 #include "store/InsertSerialData.h"
 #include "support/ScriptedLogger.h"
 
-#include <QAbstractButton>
 #include <QAction>
 #include <QDateTime>
 #include <QSqlDatabase>
@@ -109,6 +108,26 @@ private slots:
         QCOMPARE(timer->interval(), 1500);
         pollUntilPending(8);
         QTRY_COMPARE(m_fixture->readingCount(m_name), 8);
+    }
+
+    void aRefreshInVainCostsNoReading()
+    {
+        open(1);
+        m_station->slotStartRecord();
+        pollUntilPending(1);
+        m_fixture->logger(0).stopListening();
+        m_fixture->logger(0).dropConnections();
+        QTRY_COMPARE(m_fixture->logger(0).openConnections(), 0);
+        m_station->slotRefreshDevice();
+        QVERIFY(m_fixture->logger(0).listenAgain());
+        QTRY_VERIFY(!m_station->configuredDevices().first()->isOpen());
+        const int served = m_fixture->served();
+        const auto isServed = [&] {
+            m_station->writeDevice();
+            return QTest::qWaitFor([&] { return m_fixture->served() > served; }, 200);
+        };
+        QVERIFY(QTest::qWaitFor(isServed));
+        QTRY_COMPARE(InsertSerialData::pendingCount(), 2);
     }
 
     void stoppingWritesEverything()
@@ -385,52 +404,6 @@ private slots:
         for (const RecordedRow &row : rows)
             values.insert(row.channel1.toString() + QLatin1Char(' ') + row.channel2.toString());
         QCOMPARE(values, (QSet<QString>{QStringLiteral("1234570 "), QStringLiteral("0 21.1235"), QStringLiteral(" ")}));
-    }
-
-    void aWriteProtectedRecordingIsOpenedForLooking_data()
-    {
-        QTest::addColumn<bool>("autoRecord");
-        QTest::newRow("by hand") << false;
-        QTest::newRow("recording by itself") << true;
-    }
-
-    void aWriteProtectedRecordingIsOpenedForLooking()
-    {
-        QFETCH(bool, autoRecord);
-        open(1);
-        m_station->slotStartRecord();
-        pollUntilPending(3);
-        m_station->slotStopRecord();
-        const QString start = labelText(*m_station, "label_record_starttime");
-        const QString end = labelText(*m_station, "label_record_endtime");
-        m_station.reset();
-        const QString reason = QStringLiteral("The recording is write-protected. It can be looked at, but nothing can "
-                                              "be recorded.");
-        QVERIFY(QFile::setPermissions(m_fixture->recordingPath(m_name), QFile::ReadOwner));
-        m_fixture->listProject(m_name, true, autoRecord);
-        m_station = std::make_unique<SorvantoMain>();
-        QVERIFY(m_station->isProjectOpen());
-        QVERIFY(!m_station->isEnding());
-        QVERIFY(!m_station->isRecording());
-        m_station->show();
-        QCOMPARE(shownMessages(), QStringList{reason});
-        const auto *button = child<QAbstractButton>(*m_station, "btn_record");
-        QVERIFY(!button->isEnabled());
-        QVERIFY(button->toolTip().contains(reason));
-        QCOMPARE(labelText(*m_station, "label_record_starttime"), start);
-        QCOMPARE(labelText(*m_station, "label_record_endtime"), end);
-        QTRY_VERIFY(m_station->configuredDevices().first()->isConnected());
-
-        m_station->slotStartRecord();
-        QVERIFY(!m_station->isRecording());
-        QVERIFY(!m_station->configuredDevices().first()->isRecording());
-        m_station->slotCloseProject();
-        QCOMPARE(m_fixture->rows(m_name).size(), 4);
-        QVERIFY(QFile::setPermissions(m_fixture->recordingPath(m_name), QFile::ReadOwner | QFile::WriteOwner));
-        loadAgain();
-        QVERIFY(child<QAbstractButton>(*m_station, "btn_record")->isEnabled());
-        m_station->slotStartRecord();
-        QVERIFY(m_station->isRecording());
     }
 
     void endingTheProgramStopsTheRecording()

@@ -83,12 +83,15 @@ private slots:
 
     void recordingDoesNotWaitForTheAnswer()
     {
-        int servedAtFirst = -1;
+        int pendingBefore = -1;
+        int readings = 0;
         bool windowIsShown = false;
         const int code = runAndUseBoxes([&](QMessageBox &box) {
-            if (servedAtFirst == -1)
-                servedAtFirst = m_fixture->served();
-            if (m_fixture->served() < servedAtFirst + 2)
+            const int pending = InsertSerialData::pendingCount();
+            if (pendingBefore != -1)
+                readings += qMax(0, pending - pendingBefore);
+            pendingBefore = pending;
+            if (readings < 2)
                 return false;
             windowIsShown = box.parentWidget() && box.parentWidget()->isVisible();
             ::raise(SIGTERM);
@@ -96,7 +99,7 @@ private slots:
         });
         QCOMPARE(code, 0);
         QVERIFY(windowIsShown);
-        QVERIFY(m_fixture->readingCount(m_name) >= 3);
+        QVERIFY(m_fixture->readingCount(m_name) >= 2);
         QVERIFY(m_fixture->rows(m_name).last().isGap());
     }
 

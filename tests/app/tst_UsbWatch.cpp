@@ -42,6 +42,9 @@ private slots:
     void aPortThatIsAnotherLoggersNow_data();
     void aPortThatIsAnotherLoggersNow();
     void aSecondLoggerReopensAll();
+    void aReadingUnderWayIsAskedForAgain();
+    void aHangingLoggerIsOpenedByItsNextPoll();
+    void editingShowsNothingOldAnyMore();
     void theFirstOfTwoWithOneKeyCounts();
 
 private:
@@ -388,6 +391,71 @@ void tst_UsbWatch::aSecondLoggerReopensAll()
     QCOMPARE(log.count(opening.arg(UsbBench::port(2))), 1);
     QVERIFY(m_bench->answers(1));
     QVERIFY(m_bench->answers(2));
+}
+
+void tst_UsbWatch::aReadingUnderWayIsAskedForAgain()
+{
+    m_bench->plugIn(1);
+    m_bench->open({1, 2});
+    m_bench->scan();
+    QVERIFY(m_bench->answers(1));
+    qint64 now = QDateTime::currentSecsSinceEpoch();
+    ConfiguredDevice *device = m_bench->device(1);
+    device->setClock([&now] { return QDateTime::fromSecsSinceEpoch(now); });
+    const int before = InsertSerialData::pendingCount();
+    m_bench->logger(1).setFault({loggersim::FaultKind::Silent, 0, {}});
+    const quint64 commands = m_bench->logger(1).commands();
+    const qint64 polled = now += 100;
+    m_bench->station().writeDevice();
+    QTRY_COMPARE(m_bench->logger(1).commands(), commands + 1);
+    m_bench->logger(1).setFault({});
+    now += 50;
+    m_bench->plugIn(2);
+    m_bench->scan();
+    QTRY_COMPARE(InsertSerialData::pendingCount(), before + 1);
+    QVERIFY(m_bench->answers(2));
+    m_bench->station().stopRunningRecording();
+    const QList<RecordedRow> rows = m_bench->fixture().rows(QStringLiteral("Kitchen"));
+    QVERIFY(std::any_of(rows.cbegin(), rows.cend(), [polled](const RecordedRow &row) {
+        return row.serial == UsbBench::key(1) && row.time == polled && !row.isGap();
+    }));
+}
+
+void tst_UsbWatch::aHangingLoggerIsOpenedByItsNextPoll()
+{
+    m_bench->plugIn(1);
+    m_bench->open({1});
+    m_bench->scan();
+    QVERIFY(m_bench->answers(1));
+    m_bench->logger(1).setFault({loggersim::FaultKind::Stall, 0, {}});
+    for (int poll = 1; poll <= 3; ++poll) {
+        QVERIFY(m_bench->device(1)->isConnected());
+        m_bench->station().writeDevice();
+        m_bench->scan();
+    }
+    QVERIFY(!m_bench->device(1)->isConnected());
+    QCOMPARE(m_bench->device(1)->ch1Value(), QString());
+    m_bench->scan();
+    QVERIFY(!m_bench->isOpen(1));
+    m_bench->logger(1).setFault({});
+    QVERIFY(m_bench->answers(1));
+    QVERIFY(m_bench->isOpen(1));
+}
+
+void tst_UsbWatch::editingShowsNothingOldAnyMore()
+{
+    m_bench->plugIn(1);
+    m_bench->open({1});
+    m_bench->scan();
+    ConfiguredDevice *device = m_bench->device(1);
+    device->setAlarmRange(1, 2, 1, 2);
+    QVERIFY(m_bench->answers(1));
+    QVERIFY(device->alarmOnChannel1());
+    m_bench->station().stopRunningRecording();
+    m_bench->station().slotAddDeviceProject();
+    QVERIFY(!device->isConnected());
+    QCOMPARE(device->ch1Value(), QString());
+    QVERIFY(!device->alarmOnChannel1() && !device->alarmOnChannel2());
 }
 
 void tst_UsbWatch::theFirstOfTwoWithOneKeyCounts()

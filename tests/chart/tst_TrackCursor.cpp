@@ -246,7 +246,11 @@ private slots:
         const QImage alone = picture->finishedPicture(density);
         const chart::PlotArea &plotArea = picture->plotArea();
         QVERIFY(picture->xLabels().size() > 2);
-        for (int mouse = plotArea.left(); mouse <= plotArea.right(); mouse += 5) {
+        // The lowest value ends above the row of times.
+        const QRect besideAxis(0, plotArea.bottom() + 6, plotArea.left(), 2);
+        const QImage cut = Expected::cut(alone, besideAxis);
+        QCOMPARE(extentOf(cut, cut.rect(), background), cut.rect());
+        for (int mouse = plotArea.left(); mouse <= plotArea.right(); mouse += 7) {
             drawTrackCursor(*picture, mouse, {});
             const QImage image = picture->picture(density);
             for (const chart::DateAxis::Label &label : picture->xLabels()) {

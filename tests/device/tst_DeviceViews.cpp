@@ -11,6 +11,7 @@ class tst_DeviceViews : public QObject
 
 private slots:
     void pushesIntoItsViews();
+    void newestReadingOfAReplyIsShown();
     void disconnectEmptiesEverything();
     void closingTheLinkEmptiesEverything_data();
     void closingTheLinkEmptiesEverything();
@@ -31,14 +32,30 @@ void tst_DeviceViews::pushesIntoItsViews()
     bench.device.setTiles(&tile1, &tile2);
     bench.device.setChartView(&chart);
     bench.device.setListItem(&entry);
-    bench.reply("1,----\n3,4\n");
-    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 1.00", "value 3.00"}));
-    QCOMPARE(tile2.calls, QStringList({"connected A1", "value ----", "value 4.00"}));
-    QCOMPARE(chart.calls, QStringList({"connected A1", "data 1.00 ----", "data 3.00 4.00"}));
-    QCOMPARE(entry.states, QList<bool>({false, true}));
+    bench.reply("1,----\n");
+    bench.reply("3,4\n");
+    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 1.00", "connected A1", "value 3.00"}));
+    QCOMPARE(tile2.calls, QStringList({"connected A1", "value ----", "connected A1", "value 4.00"}));
+    QCOMPARE(chart.calls, QStringList({"connected A1", "data 1.00 ----", "connected A1", "data 3.00 4.00"}));
+    QCOMPARE(entry.states, QList<bool>({false, true, true}));
     QCOMPARE(chart.times.back(), 1700000000.0);
     QCOMPARE(chart.channel1.back(), 3.0);
     QCOMPARE(chart.channel2.back(), 4.0);
+}
+
+/// A hundred numbers of 309 digits each would take as long to format as the station may think about all its loggers.
+void tst_DeviceViews::newestReadingOfAReplyIsShown()
+{
+    ClockedDevice bench;
+    FakeTile tile1;
+    FakeTile tile2;
+    FakeChart chart;
+    bench.device.setTiles(&tile1, &tile2);
+    bench.device.setChartView(&chart);
+    bench.reply(QString("1e308,1e308\n").repeated(100) + "3,4\nno reading\n");
+    QCOMPARE(tile1.calls, QStringList({"connected A1", "value 3.00"}));
+    QCOMPARE(tile2.calls, QStringList({"connected A1", "value 4.00"}));
+    QCOMPARE(chart.calls, QStringList({"connected A1", "data 3.00 4.00"}));
 }
 
 void tst_DeviceViews::disconnectEmptiesEverything()

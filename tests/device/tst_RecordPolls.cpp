@@ -24,6 +24,8 @@ private slots:
     void answersInTheOrderOfThePolls_data();
     void answersInTheOrderOfThePolls();
     void repliesThatComeTogether();
+    void repliesOfAnEarlierConnection();
+    void repliesOfManyLines();
     void lostReplyShiftsNoTimes();
     void pollUnansweredForLongTakesNoDisplayReading();
     void replyThatNobodyAskedForIsNotRecordedTwice();
@@ -224,6 +226,28 @@ void tst_RecordPolls::repliesThatComeTogether()
     bench.logger.send("ATDC 1,1\r\nATDC 2,1\r\nATDC 3,1\r\nATDC 4,1\r\n");
     QTRY_COMPARE(bench.device.ch1Value(), QString("4.00"));
     QCOMPARE(rowsTaken(), QStringList({"1@0", "2@1", "4@2"}));
+}
+
+void tst_RecordPolls::repliesOfAnEarlierConnection()
+{
+    Bench bench(1000);
+    QVERIFY(bench.connect());
+    bench.poll("r");
+    QVERIFY(bench.hasHeard(2));
+    bench.logger.send("ATDC 1,1\r\nATDC 2,1\r\nATDC 3,1\r\n");
+    QTRY_COMPARE(bench.device.ch1Value(), QString("3.00"));
+    QCOMPARE(rowsTaken(), QStringList("3@0"));
+}
+
+void tst_RecordPolls::repliesOfManyLines()
+{
+    Bench bench(1000);
+    QVERIFY(bench.connect());
+    bench.poll("rdr");
+    QVERIFY(bench.hasHeard(4));
+    bench.logger.send("ATDC 1,1\r\n2,1\r\nATDC\r\n3,1\r\n4,1\r\nATDC 5,1\r\n6,1\r\n");
+    QTRY_COMPARE(bench.device.ch1Value(), QString("6.00"));
+    QCOMPARE(rowsTaken(), QStringList({"1@0", "2@0", "5@1", "6@1"}));
 }
 
 void tst_RecordPolls::lostReplyShiftsNoTimes()

@@ -43,6 +43,7 @@ private slots:
     void rowsAreNoWiderThanTheList();
     void secondColumnStandsClear_data();
     void secondColumnStandsClear();
+    void secondColumnFollowsItsRows();
     void longSecondColumnIsCutInItself();
     void toolTip_data();
     void toolTip();
@@ -88,6 +89,29 @@ void tst_ElidingDelegate::secondColumnStandsClear()
         begins << begin;
     }
     QCOMPARE(begins.size(), 1);
+}
+
+void tst_ElidingDelegate::secondColumnFollowsItsRows()
+{
+    QListWidget list;
+    list.setItemDelegate(new ElidingDelegate(&list));
+    list.setStyleSheet("background: white; color: black;");
+    list.addItem("A\t[10.77.0.2:23]");
+    list.resize(400, 100);
+    list.show();
+    const auto begin = [&list] {
+        return gapAndSecondColumn(list.viewport()->grab(list.visualItemRect(list.item(0)))).second;
+    };
+    const int narrow = begin();
+    list.addItem("Clean room number 12\t[10.77.0.3:23]");
+    const int wide = begin();
+    QVERIFY(wide > narrow);
+    list.item(1)->setText("B\t[10.77.0.3:23]");
+    QCOMPARE(begin(), narrow);
+    list.item(1)->setText("Clean room number 12\t[10.77.0.3:23]");
+    QCOMPARE(begin(), wide);
+    delete list.item(1);
+    QCOMPARE(begin(), narrow);
 }
 
 void tst_ElidingDelegate::longSecondColumnIsCutInItself()

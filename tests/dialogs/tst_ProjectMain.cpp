@@ -1,5 +1,6 @@
 #include "dialogs/MessageDialog.h"
 #include "dialogs/ProjectMain.h"
+#include "project/StationLock.h"
 
 #include <QFileDialog>
 #include <QGroupBox>
@@ -42,6 +43,13 @@ private slots:
     void questionIsAboutTheFileThatIsWritten_data();
     void questionIsAboutTheFileThatIsWritten();
     void refusedReplacementAsksForAnotherName();
+
+    void anotherProjectsRecordingIsLeftToIt_data();
+    void anotherProjectsRecordingIsLeftToIt();
+    void proposedNamesWork();
+    void openProjectIsNotEmptied_data();
+    void openProjectIsNotEmptied();
+    void fileMadeMeanwhileIsNotEmptied();
 
     void existingFileIsHandedOn();
     void tooLongExistingNameIsRefused();
@@ -239,14 +247,15 @@ void tst_ProjectMain::recentProjectOpensWithEnter()
 
 void tst_ProjectMain::keyboardStartsAtTheWayInThatIsThere()
 {
-    QCOMPARE(m_panel->focusProxy(), m_panel->findChild<QPushButton *>(QStringLiteral("btn_create")));
+    m_panel->takeFocus();
+    QCOMPARE(m_panel->focusWidget(), m_panel->findChild<QPushButton *>(QStringLiteral("btn_create")));
 
     ProjectMain panel({QStringLiteral("Lab"), QStringLiteral("Attic")},
                       {{QStringLiteral("Lab"), QStringLiteral("/data/lab.tpc")}});
     QSignalSpy loaded(&panel, &ProjectMain::projectLoaded);
     panel.show();
     QVERIFY(QTest::qWaitForWindowActive(&panel));
-    panel.setFocus();
+    panel.takeFocus();
     QCOMPARE(QApplication::focusWidget(), panel.findChild<QListWidget *>());
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
     QCOMPARE(loaded.count(), 0);
@@ -388,6 +397,103 @@ void tst_ProjectMain::refusedReplacementAsksForAnotherName()
     QCOMPARE(m_created->count(), 1);
     QCOMPARE(m_created->first().at(0).toString(), path(QStringLiteral("Cellar.tpc")));
     QCOMPARE(content(QStringLiteral("Kitchen.tpc")), QByteArray("precious"));
+}
+
+void tst_ProjectMain::anotherProjectsRecordingIsLeftToIt_data()
+{
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("recording");
+    QTest::addColumn<QString>("proposed");
+    QTest::newRow("the same up to a point") << "Room 1.1"
+                                            << "Room 1.2"
+                                            << "Room 1.dat"
+                                            << "Room 1-2.tpc";
+    QTest::newRow("with the usual suffix") << "Room 1.1.tpc"
+                                           << "Room 1.2.tpc"
+                                           << "Room 1.dat"
+                                           << "Room 1-2.tpc";
+    QTest::newRow("of a renamed project") << "Cellar.tpc"
+                                          << "Kitchen"
+                                          << "Kitchen.dat"
+                                          << "Kitchen 2.tpc";
+    QTest::newRow("of a copied project") << "Copy of Kitchen.tpc"
+                                         << "Kitchen.1234567890"
+                                         << "Kitchen.dat"
+                                         << "Kitchen-12345678.tpc";
+}
+
+void tst_ProjectMain::anotherProjectsRecordingIsLeftToIt()
+{
+    QFETCH(QString, other);
+    QFETCH(QString, typed);
+    QFETCH(QString, recording);
+    QFETCH(QString, proposed);
+    write(other, "projectName=x\ndatabaseName=" + recording.toUtf8() + "\n");
+    write(QStringLiteral("Kitchen.tpc.lock"), "no project");
+    button("btn_create")->click();
+    choose(typed);
+    QVERIFY(message());
+    QCOMPARE(shownText(), QStringLiteral("The project \"%1\" records into \"%2\" already.\nPlease choose another name.")
+                              .arg(other, recording));
+    QCOMPARE(m_created->count(), 0);
+    QVERIFY(!QFile::exists(path(typed)));
+    // The name that is proposed works.
+    message()->close();
+    QVERIFY(fileDialog());
+    QCOMPARE(fileDialog()->selectedFiles(), QStringList(path(proposed)));
+    choose(proposed);
+    QCOMPARE(m_created->count(), 1);
+    QCOMPARE(m_created->first().at(0).toString(), path(proposed));
+}
+
+void tst_ProjectMain::proposedNamesWork()
+{
+    write(QStringLiteral("Room 1.1"), "projectName=x\ndatabaseName=Room 1.dat\n");
+    write(QStringLiteral("Room 1-2.tpc"), "");
+    write(QStringLiteral("Room 1-2 2.dat"), "");
+    button("btn_create")->click();
+    choose(QStringLiteral("Room 1.2"));
+    QVERIFY(fileDialog());
+    QCOMPARE(fileDialog()->selectedFiles(), QStringList(path(QStringLiteral("Room 1-2 3.tpc"))));
+}
+
+void tst_ProjectMain::openProjectIsNotEmptied_data()
+{
+    QTest::addColumn<QString>("locked");
+    QTest::addColumn<QString>("refusal");
+    QTest::newRow("project") << "Kitchen.tpc"
+                             << "The project is open in another Sorvanto Lite.\nPlease retry.";
+    QTest::newRow("recording") << "Kitchen.dat"
+                               << "Another open project records into \"Kitchen.dat\".\nPlease retry.";
+}
+
+void tst_ProjectMain::openProjectIsNotEmptied()
+{
+    QFETCH(QString, locked);
+    QFETCH(QString, refusal);
+    write(QStringLiteral("Kitchen.tpc"), "precious");
+    StationLock other(path(locked));
+    QVERIFY(other.acquire());
+    button("btn_create")->click();
+    choose(QStringLiteral("Kitchen"));
+    QVERIFY(question());
+    question()->button(QMessageBox::Yes)->click();
+    QCOMPARE(shownText(), refusal);
+    QCOMPARE(m_created->count(), 0);
+    QCOMPARE(content(QStringLiteral("Kitchen.tpc")), QByteArray("precious"));
+}
+
+/// As another program may have made it since it was looked for: a link to nothing is not seen as a file either.
+void tst_ProjectMain::fileMadeMeanwhileIsNotEmptied()
+{
+    QVERIFY(QFile::link(path(QStringLiteral("elsewhere")), path(QStringLiteral("Kitchen.tpc"))));
+    button("btn_create")->click();
+    choose(QStringLiteral("Kitchen"));
+    QCOMPARE(m_created->count(), 0);
+    QVERIFY(!QFile::exists(path(QStringLiteral("elsewhere"))));
+    QVERIFY(question());
+    QVERIFY(question()->text().endsWith(QStringLiteral("already exists.\nDo you want to replace it?")));
 }
 
 void tst_ProjectMain::existingFileIsHandedOn()

@@ -1,4 +1,5 @@
 #include "ManagerFixture.h"
+#include "ManagerPictures.h"
 #include "device/DataInterval.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryInterval.h"
@@ -12,14 +13,6 @@
 namespace {
 
 const QString boardFull = QStringLiteral("ERROR: cannot add more than 16 devices to the dashboard.");
-
-bool shows(const QListWidgetItem *item, const QString &picture)
-{
-    return item->icon().pixmap(16, 16).toImage() == QIcon(picture).pixmap(16, 16).toImage();
-}
-
-const QString usbPicture = QStringLiteral(":/img/icon_usb.png");
-const QString lanPicture = QStringLiteral(":/img/icon_lan.png");
 
 } // namespace
 
@@ -38,12 +31,6 @@ private slots:
     void buttonsCarryTheirIcons_data();
     void buttonsCarryTheirIcons();
     void keyboardStartsInTheSearchedList();
-    void foundDevicesAreListed();
-    void placedDevicesAreLeftOutOfTheSearch();
-    void searchKeepsTheSelectionAndNoRecord();
-    void searchKeepsThePlaceInTheList_data();
-    void searchKeepsThePlaceInTheList();
-    void searchTakesWhatIsGone();
     void configuredDevicesAreListed();
     void devicesBeyondADashboardAreSkipped();
     void sixtyFourConfiguredDevicesAreReported();
@@ -57,8 +44,6 @@ private slots:
     void sixteenthRowByDoubleClick();
     void sixtyFourRowsEndTheAdding_data();
     void sixtyFourRowsEndTheAdding();
-    void removedDevicesGoBackIfFound();
-    void refreshAsksForASearch();
 
     void intervalMenu_data();
     void intervalMenu();
@@ -145,113 +130,8 @@ void tst_ProjectManager::buttonsCarryTheirIcons()
 
 void tst_ProjectManager::keyboardStartsInTheSearchedList()
 {
-    QCOMPARE(m_manager->panel.focusProxy(), m_manager->available());
-}
-
-void tst_ProjectManager::foundDevicesAreListed()
-{
-    m_manager->find(QStringLiteral("12345678"), QStringLiteral("COM5"), 23, UsbInterface);
-    m_manager->find(QStringLiteral("02AA00000001"), QStringLiteral("10.0.0.7"), 4001, NetworkInterface);
-    m_manager->giveFound();
-    QListWidget *list = m_manager->available();
-    QCOMPARE(m_manager->texts(list),
-             (QStringList{QStringLiteral("12345678\t[COM5]"), QStringLiteral("02AA00000001\t[10.0.0.7:4001]")}));
-    QCOMPARE(m_manager->keys(list), (QStringList{QStringLiteral("12345678"), QStringLiteral("02AA00000001")}));
-    QVERIFY(shows(list->item(0), usbPicture));
-    QVERIFY(shows(list->item(1), lanPicture));
-}
-
-void tst_ProjectManager::placedDevicesAreLeftOutOfTheSearch()
-{
-    m_manager->configure(QStringLiteral("Oven"), QStringLiteral("02aa00000000"), NetworkInterface, 3);
-    m_manager->giveConfigured();
-    m_manager->findNetworkLoggers(3);
-    m_manager->giveFound();
-    // The first is on the fourth dashboard, written in the other case.
-    QCOMPARE(m_manager->keys(m_manager->available()),
-             (QStringList{m_manager->networkKey(1), m_manager->networkKey(2)}));
-    m_manager->move(1, 1);
-    m_manager->giveFound();
-    QCOMPARE(m_manager->keys(m_manager->available()), QStringList{m_manager->networkKey(2)});
-}
-
-void tst_ProjectManager::searchKeepsTheSelectionAndNoRecord()
-{
-    m_manager->findNetworkLoggers(3);
-    m_manager->giveFound();
-    m_manager->available()->item(1)->setSelected(true);
-    m_manager->forgetFound();
-    m_manager->findNetworkLoggers(4);
-    m_manager->giveFound();
-    QCOMPARE(m_manager->available()->count(), 4);
-    QCOMPARE(m_manager->available()->selectedItems(), QList<QListWidgetItem *>{m_manager->available()->item(1)});
-
-    m_manager->forgetFound();
-    m_manager->move(1, 0);
-    QSignalSpy confirmed(&m_manager->panel, &ProjectManager::projectListConfirm);
-    m_manager->button("btn_confirm")->click();
-    const auto devices = confirmed.takeFirst().at(0).value<QList<ConfiguredDevice *>>();
-    QCOMPARE(devices.size(), 1);
-    QCOMPARE(devices.first()->address(), QStringLiteral("10.0.0.1"));
-    qDeleteAll(devices);
-}
-
-void tst_ProjectManager::searchKeepsThePlaceInTheList_data()
-{
-    QTest::addColumn<int>("before");
-    QTest::addColumn<int>("behind");
-    QTest::newRow("no news") << 0 << 0;
-    QTest::newRow("one more") << 0 << 1;
-    QTest::newRow("one more above") << 1 << 0;
-}
-
-void tst_ProjectManager::searchKeepsThePlaceInTheList()
-{
-    QFETCH(int, before);
-    QFETCH(int, behind);
-    m_manager->panel.resize(1010, 464);
-    m_manager->panel.show();
-    m_manager->findNetworkLoggers(60);
-    m_manager->giveFound();
-    QListWidget *list = m_manager->available();
-    list->item(29)->setSelected(true);
-    list->setCurrentRow(31, QItemSelectionModel::Select);
-    list->scrollToItem(list->item(25), QAbstractItemView::PositionAtTop);
-    const auto isAtTop = [list](int row) {
-        return list->visualItemRect(list->item(row)).top() == 0;
-    };
-    QVERIFY(isAtTop(25));
-
-    m_manager->forgetFound();
-    for (int i = 0; i < before; ++i)
-        m_manager->find(QStringLiteral("12345678"), QStringLiteral("COM5"), 23, UsbInterface);
-    m_manager->findNetworkLoggers(60 + behind);
-    m_manager->giveFound();
-    QCOMPARE(list->count(), 60 + before + behind);
-    QVERIFY(list->item(before)->text().startsWith(m_manager->networkKey(0)));
-    QCOMPARE(list->currentRow(), 31 + before);
-    QCOMPARE(list->selectedItems().size(), 2);
-    QVERIFY(list->item(29 + before)->isSelected());
-    QVERIFY(isAtTop(25 + before));
-    QCoreApplication::processEvents();
-    QVERIFY(isAtTop(25 + before));
-    QTest::keyClick(list, Qt::Key_Down);
-    QCOMPARE(list->currentRow(), 32 + before);
-}
-
-void tst_ProjectManager::searchTakesWhatIsGone()
-{
-    m_manager->find(QStringLiteral("12345678"), QStringLiteral("COM5"), 23, UsbInterface);
-    m_manager->findNetworkLoggers(3);
-    m_manager->giveFound();
-    QListWidget *list = m_manager->available();
-    list->setCurrentRow(2);
-    m_manager->forgetFound();
-    m_manager->find(m_manager->networkKey(2), QStringLiteral("10.0.0.9"), 4001, NetworkInterface);
-    m_manager->find(m_manager->networkKey(0), QStringLiteral("10.0.0.1"), 23, NetworkInterface);
-    m_manager->giveFound();
-    QCOMPARE(m_manager->texts(list), (QStringList{m_manager->networkKey(2) + QStringLiteral("\t[10.0.0.9:4001]"),
-                                                  m_manager->networkKey(0) + QStringLiteral("\t[10.0.0.1:23]")}));
+    m_manager->panel.takeFocus();
+    QCOMPARE(m_manager->panel.focusWidget(), m_manager->available());
 }
 
 void tst_ProjectManager::configuredDevicesAreListed()
@@ -425,27 +305,6 @@ void tst_ProjectManager::sixtyFourRowsEndTheAdding()
     m_manager->remove(m_manager->networkKey(0), 0);
     QVERIFY(m_manager->button("btn_add")->isEnabled());
     QVERIFY(m_manager->button("btn_manual")->isEnabled());
-}
-
-void tst_ProjectManager::removedDevicesGoBackIfFound()
-{
-    m_manager->configure(QStringLiteral("Gone"), QStringLiteral("02AA99999999"), NetworkInterface, 0);
-    m_manager->giveConfigured();
-    m_manager->findNetworkLoggers(2);
-    m_manager->giveFound();
-    m_manager->move(2, 0);
-    m_manager->board(0)->selectAll();
-    m_manager->button("btn_remove")->click();
-    QCOMPARE(m_manager->board(0)->count(), 0);
-    QCOMPARE(m_manager->keys(m_manager->available()),
-             (QStringList{m_manager->networkKey(0), m_manager->networkKey(1)}));
-}
-
-void tst_ProjectManager::refreshAsksForASearch()
-{
-    QSignalSpy refresh(&m_manager->panel, &ProjectManager::refreshAvailDeviceList);
-    m_manager->button("pushButton_refresh")->click();
-    QCOMPARE(refresh.count(), 1);
 }
 
 void tst_ProjectManager::intervalMenu_data()

@@ -20,6 +20,8 @@ private slots:
     void fileWithoutIntervalReadsZero();
     void intervalBeyondAnIntReadsZero();
     void fileWithoutDatabaseNameGivesTheFolder();
+    void recordingIsAFileBesideTheProject_data();
+    void recordingIsAFileBesideTheProject();
     void keepsTheLayout_data();
     void keepsTheLayout();
     void backupIsTheListBefore();
@@ -152,6 +154,43 @@ void tst_ProjectFile::fileWithoutDatabaseNameGivesTheFolder()
 {
     writeContent("[General]\nprojectName=Cellar\n");
     QCOMPARE(ProjectFile(m_path).databasePath(), m_folder->path() + QLatin1Char('/'));
+}
+
+void tst_ProjectFile::recordingIsAFileBesideTheProject_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("problem");
+    QTest::newRow("a file") << QByteArray("Kitchen.dat") << "";
+    QTest::newRow("a file with points") << QByteArray("..Kitchen..dat.") << "";
+    QTest::newRow("a hidden file") << QByteArray(".dat") << "";
+    QTest::newRow("none") << QByteArray() << "";
+    QTest::newRow("elsewhere") << QByteArray("../../other.db") << "is a path";
+    QTest::newRow("below") << QByteArray("sub/other.db") << "is a path";
+    QTest::newRow("here, as a path") << QByteArray("./Kitchen.dat") << "is a path";
+    QTest::newRow("absolute") << QByteArray("/var/lib/other.db") << "is a path";
+    QTest::newRow("for Windows") << QByteArray("..\\\\other.db") << "is a path";
+    QTest::newRow("escaped") << QByteArray("\\x2e.\\x2fother.db") << "is a path";
+    QTest::newRow("empty parts") << QByteArray("//") << "is a path";
+    QTest::newRow("the folder") << QByteArray(".") << "is that of a folder";
+    QTest::newRow("the folder above") << QByteArray("..") << "is that of a folder";
+    QTest::newRow("zero character") << QByteArray("@String(other.db\\0.dat)") << "contains a zero character";
+}
+
+void tst_ProjectFile::recordingIsAFileBesideTheProject()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QString, problem);
+    writeContent("[General]\ndatabaseName=" + name + "\nDeviceList={}\n");
+    const ProjectFile project(m_path);
+    QVERIFY(project.readDevices());
+    const QString folder = m_folder->path() + QLatin1Char('/');
+    if (problem.isEmpty()) {
+        QCOMPARE(project.refusal(), QString());
+        QCOMPARE(project.databasePath(), folder + QString::fromLatin1(name));
+    } else {
+        QVERIFY2(project.refusal().endsWith("\", " + problem + '.'), qPrintable(project.refusal()));
+        QCOMPARE(project.databasePath(), folder);
+    }
 }
 
 void tst_ProjectFile::keepsTheLayout_data()
@@ -322,6 +361,10 @@ void tst_ProjectFile::whatOpensCanBeSaved_data()
     QTest::newRow("a line [") << QByteArray("[\n[General]\n" + list);
     QTest::newRow("a line [ at the end") << QByteArray(list + "[");
     QTest::newRow("a line =") << QByteArray("[General]\n=\n" + list);
+    QTest::newRow("a key behind a line [") << QByteArray(list + "[\nx=1\n");
+    QTest::newRow("a value without a key") << QByteArray("[General]\n=x\n" + list);
+    QTest::newRow("a section without a name") << QByteArray(list + "[]\nx=1\n");
+    QTest::newRow("keys of blanks and slashes") << QByteArray("\\=1\n//x=2\n%20=3\n" + list);
     QTest::newRow("words") << QByteArray("[General]\nA note\n" + list);
     QTest::newRow("a quotation without end") << QByteArray(list + "x=\"");
     QTest::newRow("an escape without end") << QByteArray(list + "x=\\");

@@ -66,7 +66,10 @@ private:
             return false;
         const QString key = logger.serialNumber;
         connect(&port, &QSerialPort::readyRead, this, [&port, key] {
-            print("reading " + key + ' ' + port.portName() + ' ' + QString::fromLatin1(port.readAll()).simplified());
+            // On a busy machine several answers may have come in.
+            while (port.canReadLine())
+                print("reading " + key + ' ' + port.portName() + ' ' +
+                      QString::fromLatin1(port.readLine()).simplified());
         });
         connect(&port, &QSerialPort::errorOccurred, this, [this, &port, key](QSerialPort::SerialPortError error) {
             if (error == QSerialPort::NoError)
