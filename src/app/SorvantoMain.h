@@ -134,7 +134,6 @@ private:
     void slotWritingRestored();
 
     // Discovery
-    bool prepareSendSocket(const QHostAddress &local);
     void closeDiscoverySockets();
     void mergeDiscovered(const DiscoveryReply &reply);
 

@@ -11,16 +11,27 @@ namespace {
 // A flood must leave the event loop time for everything else; what is left is read at its next turn.
 constexpr int datagramsPerTurn = 64;
 
+/// The send socket is bound before it is connected: only so can the receive socket share its port afterwards. One that
+/// was bound stays valid where no network leads to the broadcast address; connected it is not.
+bool connectToLoggers(QUdpSocket &socket, const QHostAddress &local)
+{
+    socket.bind(local, 0, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
+    socket.connectToHost(broadcastAddressOf(local), discoveryPort, QIODevice::ReadWrite);
+    return socket.isValid() && socket.state() == QAbstractSocket::ConnectedState;
+}
+
 } // namespace
 
 void SorvantoMain::broadcastDevice()
 {
     closeDiscoverySockets();
-    m_sndUdpSocket = new QUdpSocket(this);
-    connect(m_sndUdpSocket, &QObject::destroyed, this, &SorvantoMain::slotSndUdpSocketDeleted);
-    m_rcvUdpSocket = new QUdpSocket(this);
-    connect(m_rcvUdpSocket, &QUdpSocket::readyRead, this, &SorvantoMain::readPendingDatagrams);
-    connect(m_rcvUdpSocket, &QObject::destroyed, this, &SorvantoMain::slotRcvUdpSocketDeleted);
+    auto *sending = new QUdpSocket(this);
+    m_sndUdpSocket = sending;
+    connect(sending, &QObject::destroyed, this, &SorvantoMain::slotSndUdpSocketDeleted);
+    auto *receiving = new QUdpSocket(this);
+    m_rcvUdpSocket = receiving;
+    connect(receiving, &QUdpSocket::readyRead, this, &SorvantoMain::readPendingDatagrams);
+    connect(receiving, &QObject::destroyed, this, &SorvantoMain::slotRcvUdpSocketDeleted);
 
     QHostAddress local;
     if (!findLocalIpv4Address(local)) {
@@ -29,28 +40,19 @@ void SorvantoMain::broadcastDevice()
         return;
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::broadcastDevice : local ip address :" << local.toString();
-    if (!prepareSendSocket(local)) {
+    if (!connectToLoggers(*sending, local)) {
         qCDebug(lcApp) << "[ERROR] SorvantoMain::broadcastDevice : m_sndUdpSocket->isValid() : false";
         showTimedMessage(QStringLiteral("WARNING"), QStringLiteral("UDP Send Socket Down.\nPlease retry."));
         return;
     }
 
-    const quint16 replyPort = m_sndUdpSocket->localPort();
+    const quint16 replyPort = sending->localPort();
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->localPort :" << replyPort;
-    const bool bound = m_rcvUdpSocket->bind(local, replyPort, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
+    const bool bound = receiving->bind(local, replyPort, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_rcvUdpSocket->bind :" << bound;
-    const qint64 written = m_sndUdpSocket->write(discoveryRequest());
+    const qint64 written = sending->write(discoveryRequest());
     qCDebug(lcApp) << "SorvantoMain::broadcastDevice : m_sndUdpSocket->write :" << written;
-    m_sndUdpSocket->disconnectFromHost();
-}
-
-/// The send socket is bound before it is connected: only so can the receive socket share its port afterwards. One that
-/// was bound stays valid where no network leads to the broadcast address; connected it is not.
-bool SorvantoMain::prepareSendSocket(const QHostAddress &local)
-{
-    m_sndUdpSocket->bind(local, 0, QUdpSocket::ShareAddress | QUdpSocket::ReuseAddressHint);
-    m_sndUdpSocket->connectToHost(broadcastAddressOf(local), discoveryPort, QIODevice::ReadWrite);
-    return m_sndUdpSocket->isValid() && m_sndUdpSocket->state() == QAbstractSocket::ConnectedState;
+    sending->disconnectFromHost();
 }
 
 /// Deleted later, because this may run inside a signal of the receive socket.

@@ -218,7 +218,7 @@ void tst_UsbEndToEnd::hangingLoggerComesBack()
     const int before = closings();
     const qint64 begin = QDateTime::currentSecsSinceEpoch();
     QCOMPARE(control("fault 00001001 stall"), QByteArray("ok\n"));
-    QTRY_VERIFY_WITH_TIMEOUT(closings() >= before + 2, patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(closings() >= before + 2, 2 * patienceMs);
     QCOMPARE(control("fault 00001001 none"), QByteArray("ok\n"));
     QVERIFY(goOn({networkKey, usbKey1, usbKey2}));
     m_absences << Absence{usbKey1, begin, QDateTime::currentSecsSinceEpoch()};
