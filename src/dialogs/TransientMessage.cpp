@@ -1,11 +1,14 @@
 #include "dialogs/TransientMessage.h"
 
 #include "dialogs/MessageDialog.h"
+#include "dialogs/PlainToolTip.h"
+
 #include <QTimer>
 
 MessageDialog *showTransientMessage(const QString &title, const QString &text, QWidget *parent)
 {
-    auto *dialog = new MessageDialog(title, text, parent);
+    // The text browser guesses markup just as a tool tip does.
+    auto *dialog = new MessageDialog(title, plainToolTip(text), parent);
     auto *timer = new QTimer(dialog);
     timer->setSingleShot(true);
     QObject::connect(timer, &QTimer::timeout, dialog, &QWidget::close);
