@@ -126,6 +126,7 @@ void SorvantoMain::slotAddDeviceProject()
 {
     if (m_state.name() != StationState::Open)
         return;
+    reportCancelledExchanges();
     m_writeDeviceTimer->stop();
     m_alarmSound->stop();
     enter(StationState::Editing);
@@ -170,6 +171,7 @@ void SorvantoMain::openProjectView()
 
 void SorvantoMain::slotCloseProject()
 {
+    reportCancelledExchanges();
     closeProject();
     discardScreens();
     showStartScreen();
@@ -200,6 +202,18 @@ void SorvantoMain::closeProject()
     m_databasePath.clear();
     dataIntervalMs = defaultDataIntervalMs;
     enter(StationState::StartScreen);
+}
+
+/// An exchange whose dialog was closed goes on, but not beyond the closing of its link.
+void SorvantoMain::reportCancelledExchanges()
+{
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (const ConfiguredDevice *device : devices) {
+        if (device->isExchangeRunning())
+            showTimedMessage(QStringLiteral("ERROR"),
+                             device->deviceName() +
+                                 QStringLiteral(": This command has been cancelled.\nPlease retry."));
+    }
 }
 
 void SorvantoMain::slotUpdateProjectFile()

@@ -192,7 +192,7 @@ void ConfiguredDevice::setRecording(bool recording)
     // What was held back is recorded before the series is closed; what is still to come will be too late for it.
     if (!recording) {
         m_conversation.settle();
-        recordAnswered();
+        keepTimedReadings();
     }
     m_recording = recording;
 }
@@ -254,7 +254,7 @@ bool ConfiguredDevice::isOpen() const
 void ConfiguredDevice::releasePort()
 {
     m_conversation.settle();
-    recordAnswered();
+    keepTimedReadings();
     m_postponedPoll = m_conversation.unansweredRecordPoll();
     m_link->close();
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QVector>
 #include <optional>
+#include <vector>
 
 struct Reading;
 
@@ -17,12 +18,14 @@ public:
         bool isForRecord = false;
         qint64 timeMs = 0;
     };
-    /// A reading with the time of the poll that it answers.
-    struct RecordedReading
+    /// A reading with the time at which it stands: that of the poll that it answers, or for one that was only to be
+    /// shown that of the latest poll for a record before it.
+    struct TimedReading
     {
         qint64 timeMs;
         double value1;
         double value2;
+        bool isForRecord; ///< answers a poll for a record, and arrived while recording was on
     };
 
     /// @p startMs is the time of readings that come before the first poll for a record.
@@ -41,8 +44,8 @@ public:
     void answer(const QVector<Reading> &readings, bool isRecording);
     /// Decides about readings that could still answer more than one poll: what is missing will not come any more.
     void settle();
-    /// The readings to be recorded that came up since the last call.
-    QVector<RecordedReading> takeRecorded();
+    /// The readings, each once, of which it has become clear since the last call what they answer.
+    std::vector<TimedReading> takeTimed();
 
     /// Takes back the poll that waits for its connection, if it is one for a record.
     std::optional<Poll> takeDueRecordPoll();
@@ -67,14 +70,13 @@ private:
     /// Readings that answer nothing sent over a link: handed in without one, or more than were asked for.
     enum class Unasked { Recorded, RecordedAfterTheFirst, NotRecorded };
 
-    struct Values
+    struct SentPoll
     {
-        double channel1;
-        double channel2;
+        Poll poll;
+        qint64 readingMs; ///< where its reading stands
     };
-
-    /// What is to be recorded of one reply if it answers a poll for a record.
-    using Answer = QVector<Values>;
+    /// The readings of one reply; times and purpose follow from its poll.
+    using Answer = std::vector<TimedReading>;
 
     void hold(const QVector<Reading> &readings, bool isRecording);
     void takeUnasked(const QVector<Reading> &readings, bool isRecording);
@@ -83,9 +85,9 @@ private:
     void leaveClosedConnection();
 
     std::optional<Poll> m_due;
-    QVector<Poll> m_unanswered; ///< sent on this connection, oldest first
-    QVector<Answer> m_held;     ///< too few yet to tell which of the unanswered polls they answer
-    QVector<RecordedReading> m_recorded;
+    QVector<SentPoll> m_unanswered; ///< sent on this connection, oldest first
+    QVector<Answer> m_held;         ///< too few yet to tell which of the unanswered polls they answer
+    std::vector<TimedReading> m_timed;
     qint64 m_recordTimeMs;
     Unasked m_unasked = Unasked::Recorded;
     int m_owedReplies = 0;

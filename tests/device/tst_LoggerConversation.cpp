@@ -36,9 +36,11 @@ struct Bench
     QList<qint64> recordedTimes()
     {
         QList<qint64> times;
-        const auto readings = conversation.takeRecorded();
-        for (const LoggerConversation::RecordedReading &reading : readings)
-            times << reading.timeMs;
+        const auto readings = conversation.takeTimed();
+        for (const LoggerConversation::TimedReading &reading : readings) {
+            if (reading.isForRecord)
+                times << reading.timeMs;
+        }
         return times;
     }
 };
