@@ -90,7 +90,8 @@ bool ConfiguredDevice::sendPoll(const LoggerConversation::Poll &poll)
 
 void ConfiguredDevice::askPostponedPoll()
 {
-    if (const auto poll = std::exchange(m_postponedPoll, std::nullopt))
+    const auto poll = std::exchange(m_postponedPoll, std::nullopt);
+    if (poll && m_clock().toMSecsSinceEpoch() - poll->timeMs <= LoggerConversation::longestReplyMs)
         sendPoll(*poll);
 }
 

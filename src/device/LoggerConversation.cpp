@@ -9,9 +9,6 @@
 
 namespace {
 
-/// A poll for display sent so long after one for a record is not held up by it: taken for the older one's, its answer
-/// would be recorded with a time that is far from true.
-constexpr qint64 longestReplyMs = 10000;
 /// A line that goes on beyond this is no reply; its end counts for nothing.
 constexpr int longestLine = 4096;
 
@@ -175,6 +172,7 @@ void LoggerConversation::linkSent(const QByteArray &command)
         return;
     // A link that is opened for its own sake polls too; nobody has asked for a record then.
     const Poll poll = std::exchange(m_due, std::nullopt).value_or(Poll());
+    // Or its answer would be taken for theirs.
     if (!poll.isForRecord)
         giveUpPollsOlderThan(poll.timeMs - longestReplyMs);
     m_unanswered.append({poll, poll.isForRecord ? poll.timeMs : m_recordTimeMs});

@@ -13,6 +13,9 @@ struct Reading;
 class LoggerConversation
 {
 public:
+    /// An answer that comes longer after its poll would be recorded with a time that is far from true.
+    static constexpr qint64 longestReplyMs = 10000;
+
     struct Poll
     {
         bool isForRecord = false;

@@ -72,6 +72,7 @@ void tst_TileValue::newValuePaintsAndLaysOutNothingElse()
     m_tile->setValue(QStringLiteral("4.50"));
     QTRY_COMPARE(frame()->styleSheet(), styleSheetOf(StateBackground::Normal));
     QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(); // what the new background had laid out anew
     const auto *onValue = new Watch(value());
     const auto *onFrame = new Watch(frame());
     const auto *onTile = new Watch(m_tile.get());
