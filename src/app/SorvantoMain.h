@@ -145,6 +145,7 @@ private:
     void closeProject();
     void showProjectName();
     void showInterval();
+    void reportCancelledExchanges();
     void reportUnsavedProject();
     void reportRefusedDevices(const QStringList &sentences);
 

@@ -12,7 +12,6 @@
 
 #include <QAction>
 #include <QFileInfo>
-#include <QTextDocument>
 #include <QTimer>
 
 namespace {
@@ -70,8 +69,7 @@ void SorvantoMain::projectLoaded(const QString &path)
     }
     const QString refusal = ProjectFile(path).refusal();
     if (!refusal.isEmpty()) {
-        // A message takes for markup what looks like it.
-        showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(refusal));
+        showTimedMessage(QStringLiteral("ERROR"), refusal);
         return;
     }
     const auto claim = claimProject(path, ProjectFile(path).databasePath());
@@ -128,6 +126,7 @@ void SorvantoMain::slotAddDeviceProject()
 {
     if (m_state.name() != StationState::Open)
         return;
+    reportCancelledExchanges();
     m_writeDeviceTimer->stop();
     m_alarmSound->stop();
     enter(StationState::Editing);
@@ -172,6 +171,7 @@ void SorvantoMain::openProjectView()
 
 void SorvantoMain::slotCloseProject()
 {
+    reportCancelledExchanges();
     closeProject();
     discardScreens();
     showStartScreen();
@@ -204,6 +204,18 @@ void SorvantoMain::closeProject()
     enter(StationState::StartScreen);
 }
 
+/// An exchange whose dialog was closed goes on, but not beyond the closing of its link.
+void SorvantoMain::reportCancelledExchanges()
+{
+    const QList<ConfiguredDevice *> devices = m_devices.all();
+    for (const ConfiguredDevice *device : devices) {
+        if (device->isExchangeRunning())
+            showTimedMessage(QStringLiteral("ERROR"),
+                             device->deviceName() +
+                                 QStringLiteral(": This command has been cancelled.\nPlease retry."));
+    }
+}
+
 void SorvantoMain::slotUpdateProjectFile()
 {
     if (!ProjectFile(m_projectFile).saveDevices(m_devices.entries()))
@@ -224,8 +236,7 @@ void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
         qCWarning(lcApp) << "[ERROR] SorvantoMain::projectLoaded :" << sentence;
     const auto others = sentences.size() - 1;
     const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
-    // A message takes for markup what looks like it.
-    showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(sentences.first() + more));
+    showTimedMessage(QStringLiteral("ERROR"), sentences.first() + more);
 }
 
 void SorvantoMain::showProjectName()

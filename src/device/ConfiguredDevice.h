@@ -144,9 +144,8 @@ private:
     void stampPollTime();
 
     void takeReadings(const QString &text);
-    void takeReading(const Reading &reading);
     void showReading(const Reading &reading);
-    void recordAnswered();
+    void keepTimedReadings();
     void judgeAlarms(double value1, double value2);
 
     void beginExchange();

@@ -16,6 +16,11 @@ double shownValue(const QString &text)
     return text.isEmpty() || text.contains(QLatin1String("----")) ? noValue : text.toDouble();
 }
 
+double chartTimeOf(qint64 timeMs)
+{
+    return chartTime2(timeMs / 1000) + static_cast<double>(timeMs % 1000) / 1000.0;
+}
+
 } // namespace
 
 void ConfiguredDevice::setClock(Clock clock)
@@ -71,7 +76,7 @@ bool ConfiguredDevice::openLinkForPoll()
 bool ConfiguredDevice::sendPoll(const LoggerConversation::Poll &poll)
 {
     m_conversation.ask(poll);
-    recordAnswered();
+    keepTimedReadings();
     const QPointer<ConfiguredDevice> self(this);
     m_link->write();
     if (!self)
@@ -85,7 +90,8 @@ bool ConfiguredDevice::sendPoll(const LoggerConversation::Poll &poll)
 
 void ConfiguredDevice::askPostponedPoll()
 {
-    if (const auto poll = std::exchange(m_postponedPoll, std::nullopt))
+    const auto poll = std::exchange(m_postponedPoll, std::nullopt);
+    if (poll && m_clock().toMSecsSinceEpoch() - poll->timeMs <= LoggerConversation::longestReplyMs)
         sendPoll(*poll);
 }
 
@@ -133,33 +139,25 @@ void ConfiguredDevice::takeReadings(const QString &text)
     m_missedReplies = 0;
     m_unansweredPolls = 0;
     const QVector<Reading> readings = parseReply(text);
-    m_conversation.answer(readings);
-    recordAnswered();
+    m_conversation.answer(readings, m_recording);
+    keepTimedReadings();
     const QPointer<ConfiguredDevice> self(this);
     deviceConnected();
     if (!self || readings.isEmpty())
         return;
     for (const Reading &reading : readings)
-        takeReading(reading);
+        judgeAlarms(reading.channel1.value, reading.channel2.value);
     showReading(readings.last());
 }
 
-void ConfiguredDevice::recordAnswered()
+void ConfiguredDevice::keepTimedReadings()
 {
-    const auto readings = m_conversation.takeRecorded();
-    for (const LoggerConversation::RecordedReading &reading : readings) {
-        if (m_recording)
+    const auto readings = m_conversation.takeTimed();
+    for (const LoggerConversation::TimedReading &reading : readings) {
+        m_history.add(chartTimeOf(reading.timeMs), reading.value1, reading.value2, dataIntervalMs);
+        if (reading.isForRecord)
             m_series.add(reading.timeMs, reading.value1, reading.value2);
     }
-}
-
-void ConfiguredDevice::takeReading(const Reading &reading)
-{
-    const double value1 = reading.channel1.value;
-    const double value2 = reading.channel2.value;
-    judgeAlarms(value1, value2);
-    const qint64 seconds = m_pollMs / 1000;
-    m_history.add(chartTime2(seconds) + static_cast<double>(m_pollMs % 1000) / 1000.0, value1, value2, dataIntervalMs);
 }
 
 /// Of a reply's readings only the newest: nobody would see the others, and each would be formatted and drawn.

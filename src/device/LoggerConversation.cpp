@@ -9,9 +9,6 @@
 
 namespace {
 
-/// A poll for display sent so long after one for a record is not held up by it: taken for the older one's, its answer
-/// would be recorded with a time that is far from true.
-constexpr qint64 longestReplyMs = 10000;
 /// A line that goes on beyond this is no reply; its end counts for nothing.
 constexpr int longestLine = 4096;
 
@@ -73,14 +70,14 @@ void LoggerConversation::forgetPollNotSent()
         m_due.reset();
 }
 
-void LoggerConversation::answer(const QVector<Reading> &readings)
+void LoggerConversation::answer(const QVector<Reading> &readings, bool isRecording)
 {
     if (m_unanswered.isEmpty()) {
-        takeUnasked(readings);
+        takeUnasked(readings, isRecording);
     } else if (readings.isEmpty()) {
         m_unanswered.removeFirst(); // with something that is no reading
     } else {
-        hold(readings);
+        hold(readings, isRecording);
         if (m_held.size() >= m_unanswered.size())
             settle();
     }
@@ -88,18 +85,18 @@ void LoggerConversation::answer(const QVector<Reading> &readings)
         leaveClosedConnection();
 }
 
-void LoggerConversation::takeUnasked(const QVector<Reading> &readings)
+void LoggerConversation::takeUnasked(const QVector<Reading> &readings, bool isRecording)
 {
     for (const Reading &reading : readings) {
-        if (m_unasked == Unasked::Recorded)
-            m_recorded.append({m_recordTimeMs, reading.channel1.value, reading.channel2.value});
-        else if (m_unasked == Unasked::RecordedAfterTheFirst)
+        const bool isForRecord = isRecording && m_unasked == Unasked::Recorded;
+        m_timed.push_back({m_recordTimeMs, reading.channel1.value, reading.channel2.value, isForRecord});
+        if (m_unasked == Unasked::RecordedAfterTheFirst)
             m_unasked = Unasked::Recorded;
     }
 }
 
 /// Every reply begins with its echo; other lines go on with the last one.
-void LoggerConversation::hold(const QVector<Reading> &readings)
+void LoggerConversation::hold(const QVector<Reading> &readings, bool isRecording)
 {
     const bool isKnown = std::accumulate(m_repliesHeard.cbegin(), m_repliesHeard.cend(), 0) == readings.size();
     const QVector<int> sizes = isKnown ? m_repliesHeard : QVector<int>(1, static_cast<int>(readings.size()));
@@ -107,7 +104,7 @@ void LoggerConversation::hold(const QVector<Reading> &readings)
     for (const int size : sizes) {
         Answer answer;
         for (int i = 0; i < size; ++i, ++reading)
-            answer.append({reading->channel1.value, reading->channel2.value});
+            answer.push_back({0, reading->channel1.value, reading->channel2.value, isRecording});
         m_held.append(answer);
     }
 }
@@ -121,11 +118,9 @@ void LoggerConversation::settle()
     dropPollsTooMany();
     m_held.remove(0, m_held.size() - m_unanswered.size());
     for (int i = 0; i < m_held.size(); ++i) {
-        const Poll &poll = m_unanswered.at(i);
-        for (const Values &values : m_held.at(i)) {
-            if (poll.isForRecord)
-                m_recorded.append({poll.timeMs, values.channel1, values.channel2});
-        }
+        const SentPoll &sent = m_unanswered.at(i);
+        for (const TimedReading &held : m_held.at(i))
+            m_timed.push_back({sent.readingMs, held.value1, held.value2, held.isForRecord && sent.poll.isForRecord});
     }
     m_held.clear();
     m_unanswered.clear();
@@ -135,15 +130,15 @@ void LoggerConversation::settle()
 void LoggerConversation::dropPollsTooMany()
 {
     while (m_unanswered.size() > m_held.size()) {
-        const auto forDisplay =
-            std::find_if(m_unanswered.begin(), m_unanswered.end(), [](const Poll &poll) { return !poll.isForRecord; });
+        const auto forDisplay = std::find_if(m_unanswered.begin(), m_unanswered.end(),
+                                             [](const SentPoll &sent) { return !sent.poll.isForRecord; });
         m_unanswered.erase(forDisplay == m_unanswered.end() ? m_unanswered.begin() : forDisplay);
     }
 }
 
-QVector<LoggerConversation::RecordedReading> LoggerConversation::takeRecorded()
+std::vector<LoggerConversation::TimedReading> LoggerConversation::takeTimed()
 {
-    return std::exchange(m_recorded, {});
+    return std::exchange(m_timed, {});
 }
 
 std::optional<LoggerConversation::Poll> LoggerConversation::takeDueRecordPoll()
@@ -154,9 +149,9 @@ std::optional<LoggerConversation::Poll> LoggerConversation::takeDueRecordPoll()
 
 std::optional<LoggerConversation::Poll> LoggerConversation::unansweredRecordPoll() const
 {
-    const auto latest =
-        std::find_if(m_unanswered.crbegin(), m_unanswered.crend(), [](const Poll &poll) { return poll.isForRecord; });
-    return latest == m_unanswered.crend() ? std::nullopt : std::make_optional(*latest);
+    const auto latest = std::find_if(m_unanswered.crbegin(), m_unanswered.crend(),
+                                     [](const SentPoll &sent) { return sent.poll.isForRecord; });
+    return latest == m_unanswered.crend() ? std::nullopt : std::make_optional(latest->poll);
 }
 
 void LoggerConversation::linkOpening()
@@ -177,9 +172,10 @@ void LoggerConversation::linkSent(const QByteArray &command)
         return;
     // A link that is opened for its own sake polls too; nobody has asked for a record then.
     const Poll poll = std::exchange(m_due, std::nullopt).value_or(Poll());
+    // Or its answer would be taken for theirs.
     if (!poll.isForRecord)
         giveUpPollsOlderThan(poll.timeMs - longestReplyMs);
-    m_unanswered.append(poll);
+    m_unanswered.append({poll, poll.isForRecord ? poll.timeMs : m_recordTimeMs});
     m_unasked = Unasked::NotRecorded;
 }
 
@@ -188,7 +184,7 @@ void LoggerConversation::giveUpPollsOlderThan(qint64 timeMs)
     if (!m_held.isEmpty())
         return;
     m_unanswered.erase(std::remove_if(m_unanswered.begin(), m_unanswered.end(),
-                                      [timeMs](const Poll &poll) { return poll.timeMs < timeMs; }),
+                                      [timeMs](const SentPoll &sent) { return sent.poll.timeMs < timeMs; }),
                        m_unanswered.end());
 }
 

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QVector>
 #include <optional>
+#include <vector>
 
 struct Reading;
 
@@ -12,17 +13,22 @@ struct Reading;
 class LoggerConversation
 {
 public:
+    /// An answer that comes longer after its poll would be recorded with a time that is far from true.
+    static constexpr qint64 longestReplyMs = 10000;
+
     struct Poll
     {
         bool isForRecord = false;
         qint64 timeMs = 0;
     };
-    /// A reading with the time of the poll that it answers.
-    struct RecordedReading
+    /// A reading with the time at which it stands: that of the poll that it answers, or for one that was only to be
+    /// shown that of the latest poll for a record before it.
+    struct TimedReading
     {
         qint64 timeMs;
         double value1;
         double value2;
+        bool isForRecord; ///< answers a poll for a record, and arrived while recording was on
     };
 
     /// @p startMs is the time of readings that come before the first poll for a record.
@@ -36,12 +42,13 @@ public:
     /// After the link was told to poll: a poll that was neither sent nor waits for its connection leaves nothing
     /// behind.
     void forgetPollNotSent();
-    /// The readings of one reply, in its order.
-    void answer(const QVector<Reading> &readings);
+    /// The readings of what has arrived, in its order. Whether they are to be recorded is a matter of this moment, even
+    /// where it becomes clear only later which polls they answer.
+    void answer(const QVector<Reading> &readings, bool isRecording);
     /// Decides about readings that could still answer more than one poll: what is missing will not come any more.
     void settle();
-    /// The readings to be recorded that came up since the last call.
-    QVector<RecordedReading> takeRecorded();
+    /// The readings, each once, of which it has become clear since the last call what they answer.
+    std::vector<TimedReading> takeTimed();
 
     /// Takes back the poll that waits for its connection, if it is one for a record.
     std::optional<Poll> takeDueRecordPoll();
@@ -66,25 +73,24 @@ private:
     /// Readings that answer nothing sent over a link: handed in without one, or more than were asked for.
     enum class Unasked { Recorded, RecordedAfterTheFirst, NotRecorded };
 
-    struct Values
+    struct SentPoll
     {
-        double channel1;
-        double channel2;
+        Poll poll;
+        qint64 readingMs; ///< where its reading stands
     };
+    /// The readings of one reply; times and purpose follow from its poll.
+    using Answer = std::vector<TimedReading>;
 
-    /// The readings of one reply.
-    using Answer = QVector<Values>;
-
-    void hold(const QVector<Reading> &readings);
-    void takeUnasked(const QVector<Reading> &readings);
+    void hold(const QVector<Reading> &readings, bool isRecording);
+    void takeUnasked(const QVector<Reading> &readings, bool isRecording);
     void giveUpPollsOlderThan(qint64 timeMs);
     void dropPollsTooMany();
     void leaveClosedConnection();
 
     std::optional<Poll> m_due;
-    QVector<Poll> m_unanswered; ///< sent on this connection, oldest first
-    QVector<Answer> m_held;     ///< too few yet to tell which of the unanswered polls they answer
-    QVector<RecordedReading> m_recorded;
+    QVector<SentPoll> m_unanswered; ///< sent on this connection, oldest first
+    QVector<Answer> m_held;         ///< too few yet to tell which of the unanswered polls they answer
+    std::vector<TimedReading> m_timed;
     qint64 m_recordTimeMs;
     Unasked m_unasked = Unasked::Recorded;
     int m_owedReplies = 0;

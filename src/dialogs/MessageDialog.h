@@ -13,7 +13,7 @@ class MessageDialog : public QDialog
     Q_OBJECT
 
 public:
-    /// The text may be rich text: the caller escapes names and replies that come from outside.
+    /// The text may be rich text; showTransientMessage() takes care of names and replies that come from outside.
     MessageDialog(const QString &title, const QString &text, QWidget *parent);
     ~MessageDialog() override;
 

@@ -17,6 +17,8 @@ namespace {
 /// A dialog's two seconds, on a machine that may be busy with other things.
 constexpr int patienceMs = 20000;
 
+const QString cancelled = QStringLiteral(": This command has been cancelled.\nPlease retry.");
+
 } // namespace
 
 /// The options of a logger, from its chart to the project file, and wrong turns on that way.
@@ -131,9 +133,10 @@ void tst_OptionsFlow::aRefusalChangesNothing()
 void tst_OptionsFlow::theProjectClosesDuringAnExchange()
 {
     QFETCH(bool, isClosed);
+    device()->setDeviceInfo("<b>Cold</b> & dry", "1", "2", device()->address(), device()->port());
     startExchange(isClosed);
     m_op->station->slotCloseProject();
-    QVERIFY(!QApplication::activeModalWidget());
+    QCOMPARE(shownMessages(), QStringList("<b>Cold</b> & dry" + cancelled));
     QTRY_VERIFY(!m_dialog);
     QTRY_COMPARE(logger().openConnections(), 0);
     QVERIFY(m_op->startScreen()->isVisible());
@@ -145,6 +148,7 @@ void tst_OptionsFlow::theDevicesAreEditedDuringAnExchange()
     QFETCH(bool, isClosed);
     startExchange(isClosed);
     m_op->station->slotAddDeviceProject();
+    QCOMPARE(shownMessages(), QStringList(device()->deviceName() + cancelled));
     QTRY_VERIFY(!m_dialog);
     QVERIFY(!device()->isExchangeRunning());
     QTRY_COMPARE(logger().openConnections(), 0);

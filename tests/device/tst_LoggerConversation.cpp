@@ -31,14 +31,16 @@ struct Bench
     void hear(const QByteArray &bytes)
     {
         conversation.linkHeard(bytes);
-        conversation.answer(parseReply(QString::fromLatin1(bytes).remove('\r').remove("ATDC")));
+        conversation.answer(parseReply(QString::fromLatin1(bytes).remove('\r').remove("ATDC")), true);
     }
     QList<qint64> recordedTimes()
     {
         QList<qint64> times;
-        const auto readings = conversation.takeRecorded();
-        for (const LoggerConversation::RecordedReading &reading : readings)
-            times << reading.timeMs;
+        const auto readings = conversation.takeTimed();
+        for (const LoggerConversation::TimedReading &reading : readings) {
+            if (reading.isForRecord)
+                times << reading.timeMs;
+        }
         return times;
     }
 };

@@ -1,3 +1,4 @@
+#include "device/ChartTime.h"
 #include "device/ConfiguredDevice.h"
 #include "store/InsertSerialData.h"
 #include "support/RecordedRows.h"
@@ -29,6 +30,10 @@ private slots:
     void lostReplyShiftsNoTimes();
     void pollUnansweredForLongTakesNoDisplayReading();
     void replyThatNobodyAskedForIsNotRecordedTwice();
+    void historyStandsAtTheTimesOfThePolls_data();
+    void historyStandsAtTheTimesOfThePolls();
+    void recordsWhatArrivesWhileRecording_data();
+    void recordsWhatArrivesWhileRecording();
 };
 
 namespace {
@@ -72,6 +77,20 @@ struct Bench
     bool hasHeard(int commands)
     {
         return QTest::qWaitFor([=] { return logger.commands().size() == commands; });
+    }
+    /// "value@second" for every point of the history.
+    QStringList points() const
+    {
+        History times;
+        History channel1;
+        History channel2;
+        device.history(times, channel1, channel2);
+        QStringList texts;
+        for (size_t i = 0; i < times.size(); ++i) {
+            if (!isNoValue(times[i]))
+                texts << QString("%1@%2").arg(channel1[i]).arg(times[i] - chartTime2(1700000000));
+        }
+        return texts;
     }
     /// Sends a reading and lets the device take it.
     bool reply(int value)
@@ -290,6 +309,82 @@ void tst_RecordPolls::replyThatNobodyAskedForIsNotRecordedTwice()
     QVERIFY(bench.reply(1));
     QVERIFY(bench.reply(2));
     QCOMPARE(rowsTaken(), QStringList("1@0"));
+}
+
+/// Steps: "r" and "d" poll, "a" answers with 1, 2, ... in turn.
+void tst_RecordPolls::historyStandsAtTheTimesOfThePolls_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QStringList>("points");
+    QTest::newRow("in time") << "rara" << QStringList({"1@0", "2@1"});
+    QTest::newRow("display refreshes the newest") << "rada" << QStringList("2@0");
+    QTest::newRow("late") << "rraa" << QStringList({"1@0", "2@1"});
+    QTest::newRow("late by two") << "rrraaa" << QStringList({"1@0", "2@1", "3@2"});
+    QTest::newRow("display late") << "radraa" << QStringList({"2@0", "3@1"});
+    QTest::newRow("one lost") << "rrara" << QStringList({"1@1", "2@2"});
+    QTest::newRow("display after a lost one") << "rardra" << QStringList({"1@0", "2@2"});
+}
+
+void tst_RecordPolls::historyStandsAtTheTimesOfThePolls()
+{
+    QFETCH(QString, steps);
+    QFETCH(QStringList, points);
+    Bench bench(1000);
+    int polls = 0;
+    int value = 0;
+    bench.logger.setSilent();
+    for (const QChar step : steps) {
+        if (step == 'a') {
+            QVERIFY(bench.reply(++value));
+            continue;
+        }
+        bench.poll(step);
+        QVERIFY(bench.hasHeard(++polls));
+    }
+    // With the next poll it is clear what is not to come any more.
+    bench.poll("r");
+    QVERIFY(bench.reply(9));
+    QCOMPARE(bench.points(), points + QStringList(QString("9@%1").arg(steps.count('r'))));
+}
+
+/// Steps: "r" and "d" poll, "a" answers with 1, 2, ... in turn, "+" starts the recording, "-" stops it.
+void tst_RecordPolls::recordsWhatArrivesWhileRecording_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QStringList>("rows");
+    QTest::newRow("polled before the start") << "r+a" << QStringList("1@0");
+    QTest::newRow("answered before the start") << "ra+ra" << QStringList("2@1");
+    QTest::newRow("held back at the start") << "rra+a" << QStringList("2@1");
+    QTest::newRow("held back at the start, the rest lost") << "rra+ra" << QStringList("2@2");
+    QTest::newRow("held back at the start, display last") << "rda+a" << QStringList();
+    QTest::newRow("held back at the start, display first") << "dra+a" << QStringList("2@0");
+    QTest::newRow("held back at the stop") << "+rra-a" << QStringList("1@1");
+    QTest::newRow("held back at the stop, display last") << "+rda-a" << QStringList("1@0");
+    QTest::newRow("answered after the stop") << "+ra-a" << QStringList("1@0");
+    QTest::newRow("polled before the stop") << "+r-a" << QStringList();
+    QTest::newRow("stopped and started between poll and answer") << "+r-+a" << QStringList("1@0");
+}
+
+void tst_RecordPolls::recordsWhatArrivesWhileRecording()
+{
+    QFETCH(QString, steps);
+    QFETCH(QStringList, rows);
+    Bench bench(1000);
+    QVERIFY(bench.connect());
+    bench.device.setRecording(false);
+    int polls = 1;
+    int value = 0;
+    for (const QChar step : steps) {
+        if (step == 'a')
+            QVERIFY(bench.reply(++value));
+        else if (step == '+' || step == '-')
+            bench.device.setRecording(step == '+');
+        else
+            bench.poll(step);
+        polls += step == 'r' || step == 'd' ? 1 : 0;
+        QVERIFY(bench.hasHeard(polls));
+    }
+    QCOMPARE(rowsTaken(), rows);
 }
 
 QTEST_GUILESS_MAIN(tst_RecordPolls)

@@ -21,6 +21,7 @@ private slots:
     void hangingLoggerIsGivenUp_data();
     void hangingLoggerIsGivenUp();
     void asksAgainAfterAReopening();
+    void asksNotAgainWhatWasAskedLongAgo();
     void answerToAClosedPortIsNotTakenForTheNext();
     void unpluggedUsbLoggerDisconnects();
     void displayPollReopensAClosedPort();
@@ -152,6 +153,30 @@ void tst_UsbDevicePolling::asksAgainAfterAReopening()
     QTRY_COMPARE(pair.logger.received().count("ATCD"), 4);
     QTRY_COMPARE((rows += takeRecordedRows()).size(), 2);
     QCOMPARE(rows.last().time, 1700000020U);
+}
+
+/// What the logger says now is not what it would have said then.
+void tst_UsbDevicePolling::asksNotAgainWhatWasAskedLongAgo()
+{
+    UsbPair pair;
+    qint64 now = 1700000000;
+    pair.device.setClock([&now] { return QDateTime::fromSecsSinceEpoch(now); });
+    QVERIFY(pair.device.openDevice());
+    pair.device.setRecording(true);
+    pair.setHanging(true);
+    pair.device.pollForRecord();
+    QTRY_COMPARE(pair.logger.received(), QByteArray("ATCD\r\n"));
+    now += 300;
+    pair.device.releasePort();
+    pair.setHanging(false);
+    QVERIFY(pair.device.openDevice());
+    now += 300;
+    pair.device.pollForRecord();
+    QList<RecordedRow> rows;
+    QTRY_VERIFY(!(rows += takeRecordedRows()).isEmpty());
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.first().time, 1700000600U);
+    QCOMPARE(pair.logger.received().count("ATCD"), 2);
 }
 
 void tst_UsbDevicePolling::answerToAClosedPortIsNotTakenForTheNext()

@@ -14,6 +14,8 @@ class tst_TransientMessage : public QObject
 
 private slots:
     void messageIsShownWithoutBlocking();
+    void markupIsShownAsItIs_data();
+    void markupIsShownAsItIs();
     void eachMessageHasItsOwnFiveSeconds();
     void messageClosesByItself();
     void lateTimerOfAClosedMessageDoesNothing();
@@ -51,6 +53,23 @@ void tst_TransientMessage::messageIsShownWithoutBlocking()
     QCOMPARE(dialog->parentWidget(), &parent);
     QCOMPARE(dialog->findChild<QGroupBox *>(QStringLiteral("groupBox_message"))->title(), QStringLiteral("WARNING"));
     QCOMPARE(dialog->findChild<QTextBrowser *>(QStringLiteral("textBrowser"))->toPlainText(), QStringLiteral("text"));
+}
+
+void tst_TransientMessage::markupIsShownAsItIs_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("name of a logger") << "<b>Cold</b> & dry: Device Setup Failed.\nPlease retry.";
+    QTest::newRow("path") << "/data/<i>lab</i>/a.tpc\nis open elsewhere.";
+    QTest::newRow("entities") << "a &lt; b &amp; c";
+    QTest::newRow("script of lines") << "one\n<p>two</p>\n\nfour";
+}
+
+void tst_TransientMessage::markupIsShownAsItIs()
+{
+    QFETCH(QString, text);
+    QWidget parent;
+    const MessageDialog *dialog = showTransientMessage(QStringLiteral("ERROR"), text, &parent);
+    QCOMPARE(dialog->findChild<QTextBrowser *>()->toPlainText(), text);
 }
 
 void tst_TransientMessage::eachMessageHasItsOwnFiveSeconds()
