@@ -7,7 +7,6 @@
 
 MessageDialog *showTransientMessage(const QString &title, const QString &text, QWidget *parent)
 {
-    // The text browser guesses markup just as a tool tip does.
     auto *dialog = new MessageDialog(title, plainToolTip(text), parent);
     auto *timer = new QTimer(dialog);
     timer->setSingleShot(true);
