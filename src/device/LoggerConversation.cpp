@@ -77,10 +77,11 @@ void LoggerConversation::answer(const QVector<Reading> &readings, bool isRecordi
 {
     if (m_unanswered.isEmpty()) {
         takeUnasked(readings, isRecording);
-    } else if (readings.isEmpty()) {
-        m_unanswered.removeFirst(); // with something that is no reading
     } else {
-        hold(readings, isRecording);
+        if (readings.isEmpty())
+            m_unanswered.remove(m_held.size()); // with something that is no reading
+        else
+            hold(readings, isRecording);
         if (m_held.size() >= m_unanswered.size())
             settle();
     }
@@ -90,8 +91,11 @@ void LoggerConversation::answer(const QVector<Reading> &readings, bool isRecordi
 
 void LoggerConversation::takeUnasked(const QVector<Reading> &readings, bool isRecording)
 {
+    const bool isLate = !readings.isEmpty() && m_passedOver > 0;
+    if (isLate)
+        --m_passedOver;
     for (const Reading &reading : readings) {
-        const bool isForRecord = isRecording && m_unasked == Unasked::Recorded;
+        const bool isForRecord = isRecording && (isLate || m_unasked == Unasked::Recorded);
         m_timed.push_back({m_recordTimeMs, reading.channel1.value, reading.channel2.value, isForRecord});
         if (m_unasked == Unasked::RecordedAfterTheFirst)
             m_unasked = Unasked::Recorded;
@@ -119,7 +123,7 @@ void LoggerConversation::settle()
     if (m_held.isEmpty())
         return;
     dropPollsTooMany();
-    m_held.remove(0, m_held.size() - m_unanswered.size());
+    takeSurplus();
     for (int i = 0; i < m_held.size(); ++i) {
         const SentPoll &sent = m_unanswered.at(i);
         for (const TimedReading &held : m_held.at(i))
@@ -135,7 +139,23 @@ void LoggerConversation::dropPollsTooMany()
     while (m_unanswered.size() > m_held.size()) {
         const auto forDisplay = std::find_if(m_unanswered.begin(), m_unanswered.end(),
                                              [](const SentPoll &sent) { return !sent.poll.isForRecord; });
+        if (forDisplay == m_unanswered.end())
+            ++m_passedOver;
         m_unanswered.erase(forDisplay == m_unanswered.end() ? m_unanswered.begin() : forDisplay);
+    }
+}
+
+/// As many of the answers too many as there are polls that were passed over are merely late, and nothing else is lost.
+void LoggerConversation::takeSurplus()
+{
+    for (; m_held.size() > m_unanswered.size(); m_held.removeFirst()) {
+        if (m_held.size() - m_unanswered.size() > m_passedOver)
+            continue;
+        --m_passedOver;
+        for (TimedReading late : m_held.first()) {
+            late.timeMs = m_unanswered.first().readingMs;
+            m_timed.push_back(late);
+        }
     }
 }
 
@@ -219,5 +239,6 @@ void LoggerConversation::leaveClosedConnection()
 {
     settle();
     m_unanswered.clear();
+    m_passedOver = 0;
     m_isClosed = false;
 }

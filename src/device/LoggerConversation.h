@@ -82,12 +82,14 @@ private:
     void takeUnasked(const QVector<Reading> &readings, bool isRecording);
     void giveUpPollsOlderThan(qint64 timeMs);
     void dropPollsTooMany();
+    void takeSurplus();
     void leaveClosedConnection();
 
     std::optional<Poll> m_due;
     QVector<SentPoll> m_unanswered; ///< sent on this connection, oldest first
     QVector<Answer> m_held;         ///< too few yet to tell which of the unanswered polls they answer
     std::vector<TimedReading> m_timed;
+    int m_passedOver = 0; ///< polls for a record on this connection that were taken for unanswered
     qint64 m_recordTimeMs;
     Unasked m_unasked = Unasked::Recorded;
     int m_owedReplies = 0;
