@@ -78,10 +78,11 @@ void LoggerConversation::answer(const QVector<Reading> &readings, bool isRecordi
 {
     if (m_unanswered.isEmpty() && m_lateReplies == 0) {
         takeUnasked(readings, isRecording);
-    } else if (readings.isEmpty()) {
-        m_unanswered.erase(m_unanswered.begin(), m_unanswered.begin() + std::min<int>(1, m_unanswered.size()));
     } else {
-        hold(readings, isRecording);
+        if (!readings.isEmpty())
+            hold(readings, isRecording);
+        else if (m_held.size() < m_unanswered.size())
+            m_unanswered.remove(m_held.size()); // with something that is no reading
         if (m_held.size() >= m_unanswered.size())
             settle();
     }

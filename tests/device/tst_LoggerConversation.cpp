@@ -13,6 +13,7 @@ private slots:
     void pollWaitsForItsConnection();
     void failedConnectionForgetsItsPoll();
     void replyMayFollowTheClosing();
+    void replyWithoutAReadingAnswersItsPoll();
     void givesBackWhatIsUnderWay();
     void countsWhatIsOwed();
     void slowLoggerLosesNothing();
@@ -100,6 +101,18 @@ void tst_LoggerConversation::replyMayFollowTheClosing()
     bench.send(true, 3000);
     bench.hear("ATDC 1,2\r\n");
     QCOMPARE(bench.recordedTimes(), QList<qint64>{3000});
+}
+
+void tst_LoggerConversation::replyWithoutAReadingAnswersItsPoll()
+{
+    Bench bench;
+    bench.send(true, 1000);
+    bench.send(true, 2000);
+    bench.hear("ATDC 1,2\r\n");
+    QCOMPARE(bench.recordedTimes(), QList<qint64>());
+    bench.hear("ATDC\r\n");
+    QCOMPARE(bench.recordedTimes(), QList<qint64>{1000});
+    QVERIFY(!bench.conversation.isAnyPollUnanswered());
 }
 
 void tst_LoggerConversation::givesBackWhatIsUnderWay()

@@ -361,6 +361,11 @@ void tst_RecordPolls::recordsWhatArrivesWhileRecording_data()
     QTest::newRow("held back at the stop") << "+rra-a" << QStringList("1@1");
     QTest::newRow("held back at the stop, display last") << "+rda-a" << QStringList("1@0");
     QTest::newRow("answered after the stop") << "+ra-a" << QStringList("1@0");
+    QTest::newRow("later than the next poll") << "+rraraa" << QStringList({"1@1", "2@2", "3@2"});
+    QTest::newRow("later than the next poll, for long")
+        << "+rrarararaa" << QStringList({"1@1", "2@2", "3@3", "4@4", "5@4"});
+    QTest::newRow("not asked for") << "+raa" << QStringList("1@0");
+    QTest::newRow("not asked for, after a late one") << "+rraraaa" << QStringList({"1@1", "2@2", "3@2"});
     QTest::newRow("polled before the stop") << "+r-a" << QStringList();
     QTest::newRow("stopped and started between poll and answer") << "+r-+a" << QStringList("1@0");
 }
