@@ -1,0 +1,110 @@
+#include "store/TornRecording.h"
+
+#include "store/FileCheck.h"
+#include "store/Logging.h"
+#include "store/PageFile.h"
+#include "store/Salvage.h"
+
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+const QString connectionName = QStringLiteral("torncheck");
+
+/// The lock of a reader, which keeps writers out. SQLite refuses it on most torn files unless it is told that somebody
+/// is about to repair them.
+class ReadLock
+{
+public:
+    explicit ReadLock(const QString &path)
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName);
+        database.setDatabaseName(path);
+        database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+        if (!database.open())
+            return;
+        QSqlQuery query(database);
+        query.exec(QStringLiteral("PRAGMA writable_schema = ON"));
+        query.exec(QStringLiteral("BEGIN"));
+        m_isHeld = query.exec(QStringLiteral("PRAGMA schema_version")) && query.next();
+    }
+    ~ReadLock()
+    {
+        QSqlDatabase::database(connectionName, false).close();
+        QSqlDatabase::removeDatabase(connectionName);
+    }
+    ReadLock(const ReadLock &) = delete;
+    ReadLock &operator=(const ReadLock &) = delete;
+
+    bool isHeld() const { return m_isHeld; }
+
+private:
+    bool m_isHeld = false;
+};
+
+QString freeName(const QString &path)
+{
+    int number = 1;
+    QString name;
+    do
+        name = QStringLiteral("%1.torn-%2").arg(path).arg(number++);
+    while (QFile::exists(name));
+    return name;
+}
+
+/// The rows of a torn recording in a file of their own that is ready to take its place; its name, or nothing.
+QString salvaged(PageFile &file, const QString &path, TornRecording &torn)
+{
+    const QString part = path + QLatin1String(".salvage");
+    const QString whole = path + QLatin1String(".salvaged");
+    const SalvageResult result = salvageRecording(file, part);
+    torn.rows = int(std::min<qint64>(result.rows, std::numeric_limits<int>::max()));
+    if (result.complete && (!QFile::exists(whole) || QFile::remove(whole)) && QFile::rename(part, whole))
+        return whole;
+    qCWarning(lcStore).noquote().nospace()
+        << "InsertSerialData::createConnection : [ERROR] torn, and not to be replaced : " << path << " : "
+        << result.error;
+    QFile::remove(part);
+    return {};
+}
+
+/// Ended between its last two steps, the program has left no recording, only what was to take its place.
+void finishEarlierReplacement(const QString &path)
+{
+    const QString whole = path + QLatin1String(".salvaged");
+    if (!QFile::exists(path) && QFile::exists(whole))
+        QFile::rename(whole, path);
+}
+
+} // namespace
+
+TornRecording replaceTornRecording(const QString &path)
+{
+    TornRecording torn;
+    QString replacement;
+    finishEarlierReplacement(path);
+    if (checkRecording(path) != FileVerdict::Torn)
+        return torn;
+    {
+        PageFile file(path);
+        // What looks torn may be a commit on its way.
+        const ReadLock lock(path);
+        if (!lock.isHeld() || checkRecording(file) != FileVerdict::Torn)
+            return torn;
+        replacement = salvaged(file, path, torn);
+    }
+    const QString aside = freeName(path);
+    if (replacement.isEmpty() || !QFile::rename(path, aside))
+        return {};
+    torn.file = aside;
+    QFile::rename(replacement, path);
+    qCWarning(lcStore).noquote().nospace()
+        << "InsertSerialData::createConnection : [ERROR] torn : set aside as : " << aside
+        << " : rows saved : " << torn.rows;
+    return torn;
+}
