@@ -9,9 +9,10 @@ enum class FullVerdict { Whole, Damaged, Unreadable };
 struct FullCheckResult
 {
     FullVerdict verdict = FullVerdict::Unreadable;
-    QString text; ///< what was found, a line each
+    qint64 rows = 0; ///< that can be read
+    QString finding; ///< what is wrong; nothing with a whole recording
 };
 
-/// Reads all of a recording without changing it: whether it was cut off, and whether SQLite finds anything wrong in it.
-/// @p progress is told now and then that the work goes on, with the number of times so far.
+/// Reads all of a recording and changes nothing: whether it was cut off, and whether SQLite finds anything wrong in it.
+/// @p progress is told the percentage of the file that has been read.
 FullCheckResult checkWholeRecording(const QString &path, const std::function<void(int)> &progress = {});

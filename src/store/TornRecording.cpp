@@ -3,49 +3,15 @@
 #include "store/FileCheck.h"
 #include "store/Logging.h"
 #include "store/PageFile.h"
+#include "store/ReadLock.h"
 #include "store/Salvage.h"
 
 #include <QFile>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 
 #include <algorithm>
 #include <limits>
 
 namespace {
-
-const QString connectionName = QStringLiteral("torncheck");
-
-/// The lock of a reader, which keeps writers out. SQLite refuses it on most torn files unless it is told that somebody
-/// is about to repair them.
-class ReadLock
-{
-public:
-    explicit ReadLock(const QString &path)
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName);
-        database.setDatabaseName(path);
-        database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
-        if (!database.open())
-            return;
-        QSqlQuery query(database);
-        query.exec(QStringLiteral("PRAGMA writable_schema = ON"));
-        query.exec(QStringLiteral("BEGIN"));
-        m_isHeld = query.exec(QStringLiteral("PRAGMA schema_version")) && query.next();
-    }
-    ~ReadLock()
-    {
-        QSqlDatabase::database(connectionName, false).close();
-        QSqlDatabase::removeDatabase(connectionName);
-    }
-    ReadLock(const ReadLock &) = delete;
-    ReadLock &operator=(const ReadLock &) = delete;
-
-    bool isHeld() const { return m_isHeld; }
-
-private:
-    bool m_isHeld = false;
-};
 
 QString freeName(const QString &path)
 {
