@@ -12,8 +12,8 @@ constexpr int changeCounterField = 24;
 constexpr int pageCountField = 28;
 constexpr int versionValidForField = 92;
 
-// A row of ours is 300 bytes long at most, a kilobyte with a key of the longest kind.
-constexpr quint64 longestRecord = 1024 * 1024;
+// A row with a key of the longest kind takes a kilobyte.
+constexpr quint64 longestRecord = 64 * 1024;
 
 } // namespace
 
