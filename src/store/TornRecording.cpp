@@ -64,11 +64,18 @@ TornRecording replaceTornRecording(const QString &path)
             return torn;
         replacement = salvaged(file, path, torn);
     }
-    const QString aside = freeName(path);
-    if (replacement.isEmpty() || !QFile::rename(path, aside))
+    if (replacement.isEmpty())
         return {};
+    const QString aside = freeName(path);
+    if (!QFile::rename(path, aside)) {
+        QFile::remove(replacement);
+        return {};
+    }
+    if (!QFile::rename(replacement, path)) {
+        QFile::rename(aside, path);
+        return {};
+    }
     torn.file = aside;
-    QFile::rename(replacement, path);
     qCWarning(lcStore).noquote().nospace()
         << "InsertSerialData::createConnection : [ERROR] torn : set aside as : " << aside
         << " : rows saved : " << torn.rows;
