@@ -8,6 +8,7 @@ namespace {
 
 const QString versionOption = QStringLiteral("version");
 const QString helpOption = QStringLiteral("help");
+const QString checkOption = QStringLiteral("check");
 const QString noAutoLoadOption = QStringLiteral("no-auto-load");
 
 const QSet<QString> &toolkitOptions()
@@ -50,6 +51,11 @@ CommandLine::CommandLine(const QStringList &arguments)
     m_parser.addOption({{QStringLiteral("v"), versionOption}, QStringLiteral("Shows the version.")});
     m_parser.addOption({noAutoLoadOption, QStringLiteral("Does not load the recent project, whatever the settings say: "
                                                          "the way out when it cannot be opened.")});
+    m_parser.addOption(
+        {checkOption,
+         QStringLiteral("Looks through a recording (.dat), says whether it is whole and ends: 0 whole, 1 "
+                        "damaged, 3 no recording."),
+         QStringLiteral("file")});
     m_parser.addPositionalArgument(QStringLiteral("project"),
                                    QStringLiteral("Project file (.tpc) to open in place of the recent project."),
                                    QStringLiteral("[project]"));
@@ -59,6 +65,8 @@ CommandLine::CommandLine(const QStringList &arguments)
 QString CommandLine::problem() const
 {
     const QStringList files = m_parser.positionalArguments();
+    if (m_parser.isSet(checkOption) && (fileToCheck().isEmpty() || !files.isEmpty()))
+        return QStringLiteral("--check takes the name of one recording and nothing else.");
     if (files.size() > 1)
         return QStringLiteral("Only one project can be opened, but %1 are named: %2")
             .arg(QString::number(files.size()), files.join(QStringLiteral(", ")));
@@ -70,6 +78,11 @@ QString CommandLine::problem() const
 bool CommandLine::asksForText() const
 {
     return m_parser.isSet(versionOption) || m_parser.isSet(helpOption);
+}
+
+QString CommandLine::fileToCheck() const
+{
+    return m_parser.value(checkOption);
 }
 
 bool CommandLine::hasToolkitOptions() const

@@ -18,6 +18,9 @@ public:
     /// Prints that text and ends the program; there must be an application object.
     [[noreturn]] void showText();
 
+    /// The recording that is to be looked through instead of everything else, which takes no display; empty as a rule.
+    QString fileToCheck() const;
+
     /// Whether some arguments are the toolkit's. It takes them away when the application object is made; before that
     /// they count as faulty.
     bool hasToolkitOptions() const;

@@ -123,6 +123,7 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
+    void tellOfTornFile();
     bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);

@@ -47,6 +47,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
         return false;
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
+    tellOfTornFile();
     writeRowsLeftOver();
     if (isRecordingReadOnly()) {
         m_projectCenter->setRecordingRefused(readOnlyReason);
@@ -55,6 +56,18 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     m_projectCenter->setRecordRange(localTimeText(m_insertSerialData->startDateTime()),
                                     localTimeText(m_insertSerialData->endDateTime()));
     return true;
+}
+
+void SorvantoMain::tellOfTornFile()
+{
+    const OpeningReport report = m_insertSerialData->openingReport();
+    if (report.tornFile.isEmpty())
+        return;
+    showTimedMessage(QStringLiteral("WARNING"),
+                     QStringLiteral("The recording was cut off in the middle of a write: %1 readings were saved, and "
+                                    "the old file is kept as \"%2\".")
+                         .arg(report.rowsSalvaged)
+                         .arg(QFileInfo(report.tornFile).fileName()));
 }
 
 bool SorvantoMain::isRecordingReadOnly() const

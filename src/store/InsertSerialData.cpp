@@ -5,6 +5,7 @@
 #include "store/Logging.h"
 #include "store/RecordingSchema.h"
 #include "store/StoredRows.h"
+#include "store/TornRecording.h"
 #include "store/WriteProtection.h"
 
 #include <QDateTime>
@@ -103,6 +104,8 @@ bool InsertSerialData::createConnection()
         m_readOnly = m_readOnly || refusesToWrite(connection());
         return true;
     }
+    if (!m_readOnly)
+        replaceIfTorn();
     if (openConnection() && (m_readOnly ? isDatabase(connection()) : prepareForWriting())) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
@@ -126,6 +129,11 @@ bool InsertSerialData::isOpen() const
 bool InsertSerialData::isReadOnly() const
 {
     return m_open && m_readOnly;
+}
+
+OpeningReport InsertSerialData::openingReport() const
+{
+    return m_openingReport;
 }
 
 void InsertSerialData::enqueue(const PendingRow &row)
@@ -185,6 +193,13 @@ bool InsertSerialData::openConnection()
 bool InsertSerialData::prepareForWriting()
 {
     return tuneForAppending(connection()) && createTable(connection()) && QSqlQuery(connection()).exec(patienceToWrite);
+}
+
+void InsertSerialData::replaceIfTorn()
+{
+    const TornRecording torn = replaceTornRecording(m_databaseFile);
+    m_openingReport.rowsSalvaged = torn.rows;
+    m_openingReport.tornFile = torn.file;
 }
 
 /// Puts the side file's rows in front of the queue. The file stays until they are committed, so a crash may leave

@@ -10,6 +10,14 @@
 #include <functional>
 #include <set>
 
+/// What the opening of a recording had to mend.
+struct OpeningReport
+{
+    int rowsReplayed = 0; ///< taken in from beside the recording
+    int rowsSalvaged = 0; ///< read from a torn file
+    QString tornFile;     ///< where that is kept; empty when the recording was whole
+};
+
 /// The recording of one project: a connection to its SQLite file and the only writer of its readings.
 /// Devices append rows to one queue that the whole process shares; insertNow() moves the queue into the file.
 /// While another program has the file locked, opening it waits up to 5 s, any other call about 50 ms.
@@ -36,6 +44,7 @@ public:
     bool isOpen() const;
     /// Whether an open recording is for looking at: nothing is written into it, rows stay where they are.
     bool isReadOnly() const;
+    OpeningReport openingReport() const;
 
     /// Appends a row to the process-wide queue; also valid while no store is open.
     static void enqueue(const PendingRow &row);
@@ -63,6 +72,7 @@ private:
     QSqlDatabase connection() const;
     bool openConnection();
     bool prepareForWriting();
+    void replaceIfTorn();
     void takeInKeptRows();
     void keepRows();
     bool takeExclusiveLock();
@@ -86,6 +96,7 @@ private:
     bool m_rowFileIsQueued = false;
     /// So many rows at the front of the queue may be in the recording already.
     int m_perhapsStored = 0;
+    OpeningReport m_openingReport;
     size_t m_rowsSinceRelease = 0;
     std::set<Failure> m_failures;
 };
