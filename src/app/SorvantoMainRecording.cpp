@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QTextDocument>
 #include <QTimer>
 
 namespace {
