@@ -298,8 +298,8 @@ void InsertSerialData::leaveInSpool(qint64 lastNumber)
 
 void InsertSerialData::slotSpoolFailed(const QString &reason)
 {
-    m_spoolFailure = QStringLiteral("Readings cannot be saved at once and wait in memory until they are recorded: %1")
-                         .arg(reason);
+    m_spoolFailure =
+        QStringLiteral("Readings cannot be saved at once and wait in memory until they are recorded: %1").arg(reason);
     fail(Failure::Unsaved, m_spoolFailure);
 }
 
@@ -342,8 +342,8 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
 {
     // Another store on the same queue may have emptied it meanwhile.
     const auto count = std::min(m_perhapsStored, pendingCount());
-    const QSqlError error = count == 0 ? QSqlError() : removeStoredRows(connection(), queue(), count, m_storedUpTo,
-                                                                        m_perhapsStoredAs);
+    const QSqlError error =
+        count == 0 ? QSqlError() : removeStoredRows(connection(), queue(), count, m_storedUpTo, m_perhapsStoredAs);
     if (error.type() == QSqlError::NoError)
         m_perhapsStored = 0;
     return error;

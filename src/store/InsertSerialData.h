@@ -54,7 +54,7 @@ public:
     const OpeningReport &openingReport() const { return m_openingReport; }
 
     /// So many rows wait at most while they cannot be put on the disk; what comes then is lost.
-    static constexpr int mostRowsInMemory = 500000;
+    static constexpr int mostRowsInMemory = 200000;
     /// Appends a row to the process-wide queue; also valid while no store is open.
     static void enqueue(const PendingRow &row);
     static int pendingCount();
@@ -72,7 +72,8 @@ public:
 
 signals:
     /// Readings are not reaching the file. Until writing works again each kind of failure (file in use, file gone,
-    /// disk nearly full, write refused, rows not saved meanwhile, readings lost) is told once; @p reason is a sentence for the operator.
+    /// disk nearly full, write refused, rows not saved meanwhile, readings lost) is told once; @p reason is a sentence
+    /// for the operator.
     void writingFailed(const QString &reason);
     /// The first successful write after writingFailed().
     void writingRestored();

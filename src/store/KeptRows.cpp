@@ -14,8 +14,7 @@ namespace {
 
 void warn(const QString &path, const QString &what)
 {
-    qCWarning(lcStore).noquote().nospace()
-        << "InsertSerialData::createConnection : [ERROR] " << what << " : " << path;
+    qCWarning(lcStore).noquote().nospace() << "InsertSerialData::createConnection : [ERROR] " << what << " : " << path;
 }
 
 void warnSetAside(const QString &path, const QString &aside)
@@ -107,9 +106,10 @@ KeptRows takeInKeptRows(const QSqlDatabase &recording, const QString &databaseFi
         correctStoredUpTo(spool, kept, *newest);
 
     const int count = int(kept.rows.size());
-    const bool isAsked = count == 0 || removeStoredRows(recording, kept.rows, count, kept.storedUpTo,
-                                                        PerhapsStored::InEarlyBatches)
-                                               .type() == QSqlError::NoError;
+    const bool isAsked =
+        count == 0 ||
+        removeStoredRows(recording, kept.rows, count, kept.storedUpTo, PerhapsStored::InEarlyBatches).type() ==
+            QSqlError::NoError;
     kept.perhapsStored = isAsked ? 0 : count;
     if (const PendingRowFile sideFile(databaseFile); sideFile.exists() && newest)
         takeInSideFile(sideFile, recording, spool, content.takenIn, *newest, kept);

@@ -117,8 +117,7 @@ bool ReadingSpool::write(SpoolFile &file, std::unique_lock<std::mutex> &lock)
     if (!change.isEmpty() && !file.isOpen())
         change.storedUpTo = m_storedUpTo;
     lock.unlock();
-    const bool hasNothingToDo =
-        change.isEmpty() || (change.rows.empty() && !file.isOpen() && !QFile::exists(m_path));
+    const bool hasNothingToDo = change.isEmpty() || (change.rows.empty() && !file.isOpen() && !QFile::exists(m_path));
     const bool isWritten = hasNothingToDo || file.write(change);
     tell(isWritten, file.errorText());
     if (isLost)

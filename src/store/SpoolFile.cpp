@@ -34,7 +34,8 @@ PendingRow rowOf(const QSqlQuery &query)
     };
     PendingRow row;
     row.number = query.value(0).toLongLong();
-    row.serial = QString::fromUtf8(query.value(1).toByteArray());
+    const QByteArray serial = query.value(1).toByteArray();
+    row.serial = QString::fromUtf8(serial.constData(), serial.size());
     row.channel1 = channel(2);
     row.channel2 = channel(3);
     row.time = query.value(4).toUInt();
@@ -211,7 +212,8 @@ bool SpoolFile::apply(const Change &change)
             return fail(query.lastError());
     }
     for (const Range &range : change.gone) {
-        if (!exec(QStringLiteral("delete from waiting where number between %1 and %2").arg(range.first).arg(range.last)))
+        if (!exec(
+                QStringLiteral("delete from waiting where number between %1 and %2").arg(range.first).arg(range.last)))
             return false;
     }
     if (change.storedUpTo && !exec(QStringLiteral("update state set storedUpTo = %1").arg(*change.storedUpTo)))

@@ -20,8 +20,8 @@ public:
     {
         State state = State::Missing;
         std::vector<PendingRow> rows; ///< in the order of their numbers; of a damaged file those that could be read
-        qint64 storedUpTo = 0;        ///< no row that waits was stored in the recording under this row id or a lower one
-        QByteArray takenIn;           ///< digest of the side file of an earlier version whose rows are among these
+        qint64 storedUpTo = 0; ///< no row that waits was stored in the recording under this row id or a lower one
+        QByteArray takenIn;    ///< digest of the side file of an earlier version whose rows are among these
     };
 
     /// The numbers of rows that need not wait any more.

@@ -82,8 +82,8 @@ void tst_SurvivesKill::readingsOfNoBatchAreThereAgain()
     QVERIFY(QFileInfo::exists(e2e.spool()));
 
     QVERIFY2(e2e.start(), e2e.startError());
-    QVERIFY2(e2e.waitUntil([&] { return station.count(committed) > 0; }), station.lastWords());
-    QCOMPARE(station.count(toldSaved), 1);
+    QVERIFY2(e2e.waitUntil([&] { return station.count(toldSaved) > 0; }), station.lastWords());
+    QCOMPARE(station.count(committed), 1);
     QVERIFY(e2e.readingCount() >= 4);
     QVERIFY2(e2e.fallSilent(), station.lastWords());
     QVERIFY2(station.end(), station.lastWords());

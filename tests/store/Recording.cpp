@@ -71,8 +71,13 @@ bool Recording::writeSideFile(const QString &path, const std::vector<PendingRow>
 
 QStringList Recording::spooledRows() const
 {
+    // The files as they would be found if the program ended now; the spool itself is open to one reader only.
+    const QTemporaryDir copy;
+    const QString target = copy.filePath(QStringLiteral("copy"));
+    QFile::copy(spool(), target);
+    QFile::copy(spool() + QStringLiteral("-wal"), target + QStringLiteral("-wal"));
     QStringList lines;
-    for (const PendingRow &row : SpoolFile(spool()).read().rows)
+    for (const PendingRow &row : SpoolFile(target).read().rows)
         lines << insertTerm(row);
     return lines;
 }

@@ -35,7 +35,7 @@ public:
     QString sideFile() const { return file() + QStringLiteral(".pending"); }
     bool writeSideFile(const std::vector<PendingRow> &rows) const { return writeSideFile(sideFile(), rows); }
     static bool writeSideFile(const QString &path, const std::vector<PendingRow> &rows);
-    /// The rows that wait in the spool of a closed recording, as the terms of a statement, in their order.
+    /// The rows that would be found in the spool if the program ended now, as the terms of a statement, in their order.
     QStringList spooledRows() const;
 
     /// A store on this recording with a disk of @p freeSpace bytes; nullptr when it cannot be opened.
