@@ -10,7 +10,6 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QTextDocument>
 #include <QTimer>
 
 namespace {
@@ -74,7 +73,7 @@ void SorvantoMain::reportSavedRows(const OpeningReport &report)
     if (sentences.isEmpty())
         return;
     qCDebug(lcApp).noquote() << "SorvantoMain::reportSavedRows :" << sentences.join(QLatin1Char(' '));
-    showTimedMessage(QStringLiteral("INFORMATION"), Qt::convertFromPlainText(sentences.join(QLatin1Char('\n'))));
+    showTimedMessage(QStringLiteral("INFORMATION"), sentences.join(QLatin1Char('\n')));
 }
 
 bool SorvantoMain::isRecordingReadOnly() const

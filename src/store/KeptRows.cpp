@@ -24,9 +24,9 @@ void warnSetAside(const QString &path, const QString &aside)
 }
 
 /// The id that a stored row must be above to be looked for where nothing is known of it.
-qint64 beforeNewest(qint64 newest)
+qint64 beforeNewest(qint64 newest, const std::vector<PendingRow> &rows)
 {
-    return std::max<qint64>(0, newest - newestRowsSearched);
+    return std::max<qint64>(0, newest - std::max<qint64>(newestRowsSearched, qint64(rows.size())));
 }
 
 /// Ids begin anew in a recording that was replaced; what is read must not say then that rows were stored long ago.
@@ -69,8 +69,8 @@ void takeInSideFile(const PendingRowFile &file, const QSqlDatabase &recording, S
     change.rows = content.rows;
     change.storedUpTo = kept.storedUpTo;
     change.takenIn = content.digest;
-    const QSqlError error = removeStoredRows(recording, change.rows, int(change.rows.size()), beforeNewest(newest),
-                                             PerhapsStored::AsOneBatch);
+    const QSqlError error = removeStoredRows(recording, change.rows, int(change.rows.size()),
+                                             beforeNewest(newest, change.rows), PerhapsStored::AsOneBatch);
     kept.highestNumber = numberAfter(kept.highestNumber);
     for (PendingRow &row : change.rows)
         row.number = kept.highestNumber++;
@@ -96,7 +96,7 @@ KeptRows takeInKeptRows(const QSqlDatabase &recording, const QString &databaseFi
     if (content.state == SpoolFile::State::Whole && !content.rows.empty())
         kept.storedUpTo = content.storedUpTo;
     else if (content.state == SpoolFile::State::Damaged)
-        kept.storedUpTo = std::min(content.storedUpTo, beforeNewest(newest.value_or(0)));
+        kept.storedUpTo = std::min(content.storedUpTo, beforeNewest(newest.value_or(0), content.rows));
     else
         kept.storedUpTo = newest.value_or(0);
     takeInSpool(spool, content, kept);

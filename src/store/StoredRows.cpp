@@ -16,13 +16,13 @@ double channelValue(const QVariant &column)
     return column.isNull() ? noValue : column.toDouble();
 }
 
-QString queryBetween(quint32 first, quint32 last, qint64 after)
+QString queryBetween(quint32 first, quint32 last, qint64 after, int newest)
 {
     return QStringLiteral("select serialno, channel1, channel2, pointDate from "
                           "(select serialno, channel1, channel2, pointDate from ostrivane where rowid > %1 "
                           "order by rowid desc limit %2) where pointDate between %3 and %4")
         .arg(after)
-        .arg(newestRowsSearched)
+        .arg(newest)
         .arg(first)
         .arg(last);
 }
@@ -58,7 +58,8 @@ QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow
         std::minmax_element(first, last, [](const PendingRow &a, const PendingRow &b) { return a.time < b.time; });
     QSqlQuery query(recording);
     query.setForwardOnly(true);
-    if (!query.exec(queryBetween(range.first->time, range.second->time, after)))
+    const int searched = std::max(newestRowsSearched, count);
+    if (!query.exec(queryBetween(range.first->time, range.second->time, after, searched)))
         return query.lastError();
 
     QSet<QString> wanted;
