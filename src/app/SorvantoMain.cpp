@@ -156,6 +156,8 @@ void SorvantoMain::writeDevice()
 {
     if (!isProjectOpen())
         return;
+    if (m_insertSerialData)
+        m_insertSerialData->saveQueuedRows();
     const QList<ConfiguredDevice *> devices = m_devices.all();
     for (ConfiguredDevice *device : devices)
         device->pollForRecord();

@@ -20,6 +20,7 @@
 
 class AlarmSound;
 class InsertSerialData;
+struct OpeningReport;
 class MainMenus;
 class PollPhase;
 class ProjectCenter;
@@ -123,16 +124,17 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
-    void tellOfTornFile();
     bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();
+    void reportSavedRows(const OpeningReport &report);
     void saveRecordRange(quint32 start, quint32 end);
     void showRecordRange(quint32 start, quint32 end);
     void updateRecordRange(const QString &now);
     void slotWritingFailed(const QString &reason);
     void slotWritingRestored();
+    void slotReadingsDropped(int count);
 
     // Discovery
     void closeDiscoverySockets();
