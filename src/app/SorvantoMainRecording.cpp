@@ -37,6 +37,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     m_insertSerialData = std::make_unique<InsertSerialData>(path, m_dbConnectionName, this);
     connect(m_insertSerialData.get(), &InsertSerialData::writingFailed, this, &SorvantoMain::slotWritingFailed);
     connect(m_insertSerialData.get(), &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
+    m_journal.watch(*m_insertSerialData);
     if (!m_insertSerialData->createConnection()) {
         m_insertSerialData.reset();
         enter(StationState::Ending);

@@ -48,6 +48,10 @@ int main(int argc, char **argv)
     }
     if (refusalTakesNoDisplay && !early.error().isEmpty() && !early.hasToolkitOptions())
         return refuse(early.error());
+    if (const auto command = early.error().isEmpty() ? early.journalCommand() : std::nullopt) {
+        const QCoreApplication application(argc, argv);
+        return command->run();
+    }
     enableHighDensity();
     std::optional<DisplayGuard> guard(std::in_place);
     QApplication application(argc, argv);

@@ -1,5 +1,6 @@
 #include "device/ConfiguredDevice.h"
 
+#include "device/DeviceWitness.h"
 #include "device/TelnetDevice.h"
 
 #include <QPointer>
@@ -219,6 +220,11 @@ void ConfiguredDevice::detachViews()
     m_views.detach();
 }
 
+void ConfiguredDevice::setWitness(DeviceWitness *witness)
+{
+    m_witness = witness;
+}
+
 bool ConfiguredDevice::openDevice()
 {
     if (!m_kind.isPolled)
@@ -235,12 +241,17 @@ bool ConfiguredDevice::openDevice()
 
 void ConfiguredDevice::closeDevice()
 {
+    closeFor(LossReason::Closed);
+}
+
+void ConfiguredDevice::closeFor(LossReason reason)
+{
     m_postponedPoll.reset();
     m_opensWithNextPoll = false;
     m_link->close();
     // Also ends what would open the link again.
     if (m_connected || m_exchange.isRunning())
-        deviceDisconnected();
+        lose(reason);
 }
 
 bool ConfiguredDevice::isOpen() const
@@ -264,7 +275,7 @@ bool ConfiguredDevice::opensWithNextPoll() const
 void ConfiguredDevice::forgetPort()
 {
     const QPointer<ConfiguredDevice> self(this);
-    closeDevice();
+    closeFor(LossReason::Unplugged);
     if (!self)
         return;
     m_isPortForgotten = true;

@@ -5,6 +5,7 @@
 
 namespace {
 
+const QString uncleanEnd = QStringLiteral("StationJournal : The station was not closed properly the last time");
 const QString committed = QStringLiteral("commit transaction : true");
 
 } // namespace
@@ -39,11 +40,19 @@ void tst_SurvivesKill::committedRowsStay()
     QVERIFY2(lost < 16 + e2e.loggerCount(), qPrintable(QString::number(lost)));
 
     QVERIFY2(e2e.start(), e2e.startError());
+    QVERIFY2(e2e.waitUntil([&] { return station.count(uncleanEnd) > 0; }), station.lastWords());
     QVERIFY2(e2e.waitUntil([&] { return station.count(committed) > 0; }), station.lastWords());
     QVERIFY2(station.end(), station.lastWords());
     QVERIFY2(station.hasSucceeded(), station.lastWords());
+    QCOMPARE(station.count(uncleanEnd), 1);
     QCOMPARE(e2e.integrity(), QStringLiteral("ok"));
     QVERIFY(e2e.rows().size() >= left.size() + 16);
+
+    // That was a clean end.
+    QVERIFY2(e2e.start(), e2e.startError());
+    QVERIFY2(e2e.waitUntil([&] { return station.count(committed) > 0; }), station.lastWords());
+    QVERIFY2(station.end(), station.lastWords());
+    QCOMPARE(station.count(uncleanEnd), 0);
 }
 
 QTEST_GUILESS_MAIN(tst_SurvivesKill)
