@@ -223,11 +223,12 @@ private:
     template <typename Condition>
     void pollUntil(const Condition &condition)
     {
-        const auto poll = [&] {
+        constexpr int enoughPolls = 20;
+        for (int i = 0; i < enoughPolls && !condition(); ++i) {
             m_station->writeDevice();
-            return QTest::qWaitFor(condition, 1000);
-        };
-        QTRY_VERIFY(poll());
+            QTest::qWaitFor(condition, 500);
+        }
+        QVERIFY(condition());
     }
 
     QList<JournalEntry> entries() const
