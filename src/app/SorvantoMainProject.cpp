@@ -12,7 +12,6 @@
 
 #include <QAction>
 #include <QFileInfo>
-#include <QTextDocument>
 #include <QTimer>
 
 namespace {
@@ -70,8 +69,7 @@ void SorvantoMain::projectLoaded(const QString &path)
     }
     const QString refusal = ProjectFile(path).refusal();
     if (!refusal.isEmpty()) {
-        // A message takes for markup what looks like it.
-        showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(refusal));
+        showTimedMessage(QStringLiteral("ERROR"), refusal);
         return;
     }
     const auto claim = claimProject(path, ProjectFile(path).databasePath());
@@ -230,8 +228,7 @@ void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
         qCWarning(lcApp) << "[ERROR] SorvantoMain::projectLoaded :" << sentence;
     const auto others = sentences.size() - 1;
     const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
-    // A message takes for markup what looks like it.
-    showTimedMessage(QStringLiteral("ERROR"), Qt::convertFromPlainText(sentences.first() + more));
+    showTimedMessage(QStringLiteral("ERROR"), sentences.first() + more);
 }
 
 void SorvantoMain::showProjectName()

@@ -8,7 +8,6 @@
 
 QString projectFileProblem(const QString &path)
 {
-    // The path has a line of its own: in the first line a name such as "<b>.tpc" would be taken for markup.
     const QString place = QLatin1Char('\n') + QDir::toNativeSeparators(path);
     const QFileInfo info(path);
     if (!info.exists())

@@ -190,8 +190,11 @@ void ConfiguredDevice::setKeepConnection(bool keep)
 
 void ConfiguredDevice::setRecording(bool recording)
 {
-    m_conversation.settle();
-    recordAnswered();
+    // What was held back is recorded before the series is closed; what is still to come will be too late for it.
+    if (!recording) {
+        m_conversation.settle();
+        recordAnswered();
+    }
     m_recording = recording;
 }
 

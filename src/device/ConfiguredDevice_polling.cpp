@@ -134,7 +134,7 @@ void ConfiguredDevice::takeReadings(const QString &text)
     m_missedReplies = 0;
     m_unansweredPolls = 0;
     const QVector<Reading> readings = parseReply(text);
-    m_conversation.answer(readings);
+    m_conversation.answer(readings, m_recording);
     recordAnswered();
     const QPointer<ConfiguredDevice> self(this);
     deviceConnected();
@@ -148,10 +148,8 @@ void ConfiguredDevice::takeReadings(const QString &text)
 void ConfiguredDevice::recordAnswered()
 {
     const auto readings = m_conversation.takeRecorded();
-    for (const LoggerConversation::RecordedReading &reading : readings) {
-        if (m_recording)
-            m_series.add(reading.timeMs, reading.value1, reading.value2);
-    }
+    for (const LoggerConversation::RecordedReading &reading : readings)
+        m_series.add(reading.timeMs, reading.value1, reading.value2);
 }
 
 void ConfiguredDevice::takeReading(const Reading &reading)

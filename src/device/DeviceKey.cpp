@@ -21,8 +21,6 @@ bool isByteOrderMark(QChar c)
 
 QString deviceKeyProblem(const QString &key)
 {
-    if (key.isEmpty())
-        return QStringLiteral("is empty");
     if (key.size() > longestKey)
         return QStringLiteral("is longer than %1 characters").arg(longestKey);
     if (std::any_of(key.cbegin(), key.cend(), isControlCharacter))

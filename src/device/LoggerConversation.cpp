@@ -73,14 +73,14 @@ void LoggerConversation::forgetPollNotSent()
         m_due.reset();
 }
 
-void LoggerConversation::answer(const QVector<Reading> &readings)
+void LoggerConversation::answer(const QVector<Reading> &readings, bool isRecording)
 {
     if (m_unanswered.isEmpty()) {
-        takeUnasked(readings);
+        takeUnasked(readings, isRecording);
     } else if (readings.isEmpty()) {
         m_unanswered.removeFirst(); // with something that is no reading
     } else {
-        hold(readings);
+        hold(readings, isRecording);
         if (m_held.size() >= m_unanswered.size())
             settle();
     }
@@ -88,10 +88,10 @@ void LoggerConversation::answer(const QVector<Reading> &readings)
         leaveClosedConnection();
 }
 
-void LoggerConversation::takeUnasked(const QVector<Reading> &readings)
+void LoggerConversation::takeUnasked(const QVector<Reading> &readings, bool isRecording)
 {
     for (const Reading &reading : readings) {
-        if (m_unasked == Unasked::Recorded)
+        if (m_unasked == Unasked::Recorded && isRecording)
             m_recorded.append({m_recordTimeMs, reading.channel1.value, reading.channel2.value});
         else if (m_unasked == Unasked::RecordedAfterTheFirst)
             m_unasked = Unasked::Recorded;
@@ -99,15 +99,17 @@ void LoggerConversation::takeUnasked(const QVector<Reading> &readings)
 }
 
 /// Every reply begins with its echo; other lines go on with the last one.
-void LoggerConversation::hold(const QVector<Reading> &readings)
+void LoggerConversation::hold(const QVector<Reading> &readings, bool isRecording)
 {
     const bool isKnown = std::accumulate(m_repliesHeard.cbegin(), m_repliesHeard.cend(), 0) == readings.size();
     const QVector<int> sizes = isKnown ? m_repliesHeard : QVector<int>(1, static_cast<int>(readings.size()));
     auto reading = readings.cbegin();
     for (const int size : sizes) {
         Answer answer;
-        for (int i = 0; i < size; ++i, ++reading)
-            answer.append({reading->channel1.value, reading->channel2.value});
+        for (int i = 0; i < size; ++i, ++reading) {
+            if (isRecording)
+                answer.append({reading->channel1.value, reading->channel2.value});
+        }
         m_held.append(answer);
     }
 }

@@ -36,8 +36,9 @@ public:
     /// After the link was told to poll: a poll that was neither sent nor waits for its connection leaves nothing
     /// behind.
     void forgetPollNotSent();
-    /// The readings of one reply, in its order.
-    void answer(const QVector<Reading> &readings);
+    /// The readings of what has arrived, in its order. Whether they are to be recorded is a matter of this moment, even
+    /// where it becomes clear only later which polls they answer.
+    void answer(const QVector<Reading> &readings, bool isRecording);
     /// Decides about readings that could still answer more than one poll: what is missing will not come any more.
     void settle();
     /// The readings to be recorded that came up since the last call.
@@ -72,11 +73,11 @@ private:
         double channel2;
     };
 
-    /// The readings of one reply.
+    /// What is to be recorded of one reply if it answers a poll for a record.
     using Answer = QVector<Values>;
 
-    void hold(const QVector<Reading> &readings);
-    void takeUnasked(const QVector<Reading> &readings);
+    void hold(const QVector<Reading> &readings, bool isRecording);
+    void takeUnasked(const QVector<Reading> &readings, bool isRecording);
     void giveUpPollsOlderThan(qint64 timeMs);
     void dropPollsTooMany();
     void leaveClosedConnection();

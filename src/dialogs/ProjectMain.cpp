@@ -1,7 +1,6 @@
 #include "dialogs/ProjectMain.h"
 
 #include "dialogs/ElidingDelegate.h"
-#include "dialogs/PlainToolTip.h"
 #include "dialogs/TransientMessage.h"
 #include "project/ProjectFile.h"
 #include "project/ProjectLock.h"
@@ -236,6 +235,5 @@ bool ProjectMain::isNameShortEnough(const QString &path)
 
 void ProjectMain::showError(const QString &text)
 {
-    // A message guesses markup just as a tool tip does.
-    showTransientMessage(QStringLiteral("ERROR"), plainToolTip(text), this);
+    showTransientMessage(QStringLiteral("ERROR"), text, this);
 }

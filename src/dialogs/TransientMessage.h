@@ -7,6 +7,6 @@ class QWidget;
 /// How long a message stays unless it is closed earlier.
 constexpr int transientMessageMs = 5000;
 
-/// Shows a message that closes by itself, without blocking the caller. The dialog belongs to the parent and lives as
-/// long as it, closed or not.
+/// Shows a message letter by letter, without blocking the caller; it closes by itself. The dialog belongs to the parent
+/// and lives as long as it, closed or not.
 MessageDialog *showTransientMessage(const QString &title, const QString &text, QWidget *parent);

@@ -16,13 +16,13 @@ double channelValue(const QVariant &column)
     return column.isNull() ? noValue : column.toDouble();
 }
 
-QString queryBetween(quint32 first, quint32 last)
+QString queryBetween(quint32 first, quint32 last, int newest)
 {
     return QStringLiteral(
                "select serialno, channel1, channel2, pointDate from "
                "(select serialno, channel1, channel2, pointDate from ostrivane order by rowid desc limit %1) "
                "where pointDate between %2 and %3")
-        .arg(newestRowsSearched)
+        .arg(newest)
         .arg(first)
         .arg(last);
 }
@@ -37,7 +37,7 @@ QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow
         std::minmax_element(first, last, [](const PendingRow &a, const PendingRow &b) { return a.time < b.time; });
     QSqlQuery query(recording);
     query.setForwardOnly(true);
-    if (!query.exec(queryBetween(range.first->time, range.second->time)))
+    if (!query.exec(queryBetween(range.first->time, range.second->time, std::max(newestRowsSearched, count))))
         return query.lastError();
 
     QSet<QString> wanted;

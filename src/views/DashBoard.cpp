@@ -31,6 +31,8 @@ DashBoard::~DashBoard() = default;
 void DashBoard::setDevices(const QList<ConfiguredDevice *> &devices)
 {
     using Channel = DashBoardDeviceItem::Channel;
+    // Before the tiles come, so that each of them looks up its styles when it is first shown, not with this page.
+    ensurePolished();
     int row = 0;
     int column = 0;
     for (ConfiguredDevice *device : devices) {

@@ -19,6 +19,7 @@ DashBoardDeviceItem::DashBoardDeviceItem(ConfiguredDevice *device, Channel chann
         m_form->frame_ch->hide();
         return;
     }
+    setMinimumSize(m_form->frame_ch->minimumSize());
     // Its parts cover the tile: nothing behind it needs painting with every value.
     setAttribute(Qt::WA_OpaquePaintEvent);
     // Both tiles lead to the same chart: one stop of the keyboard is enough.
@@ -110,10 +111,9 @@ void DashBoardDeviceItem::readUnit()
                      : unitText(channelUnitFromCode(m_device->ch2Unit()), m_device->ch2CustomUnit());
 }
 
-/// The labels get the sizes of the smallest tile first, so that what fits now fits ever after.
+/// Before anything is laid out: that would look up the styles of parts that are perhaps never shown.
 void DashBoardDeviceItem::presizeFonts()
 {
-    layout()->activate();
     m_form->label_number->setText(QStringLiteral("1"));
     m_form->label_number->fitFont();
     m_form->label_number->clear();
@@ -192,6 +192,7 @@ void DashBoardDeviceItem::focusOutEvent(QFocusEvent *)
 void DashBoardDeviceItem::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    m_form->frame_ch->setGeometry(rect());
     if (m_focusRing)
         m_focusRing->setGeometry(rect());
 }

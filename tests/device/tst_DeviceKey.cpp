@@ -20,6 +20,7 @@ void tst_DeviceKey::judgesAKey_data()
     const QString fine;
     const QString control("contains a control character");
     const QString mark("contains a byte-order mark");
+    QTest::newRow("none") << QString() << fine;
     QTest::newRow("digits") << "12345678" << fine;
     QTest::newRow("MAC address") << "001A2B3C4D5E" << fine;
     QTest::newRow("quotes") << "o'clock \"7\" `x`" << fine;
@@ -30,7 +31,6 @@ void tst_DeviceKey::judgesAKey_data()
     QTest::newRow("statement") << "'); drop table ostrivane; --" << fine;
     QTest::newRow("longest") << QString(255, 'x') << fine;
     QTest::newRow("too long") << QString(256, 'x') << "is longer than 255 characters";
-    QTest::newRow("none") << QString() << "is empty";
     QTest::newRow("zero") << QString("7") + QChar(0) << control;
     QTest::newRow("hundreds of zeros") << QString(250, QChar(0)) << control;
     QTest::newRow("line feed") << "7\n8" << control;

@@ -31,7 +31,7 @@ struct Bench
     void hear(const QByteArray &bytes)
     {
         conversation.linkHeard(bytes);
-        conversation.answer(parseReply(QString::fromLatin1(bytes).remove('\r').remove("ATDC")));
+        conversation.answer(parseReply(QString::fromLatin1(bytes).remove('\r').remove("ATDC")), true);
     }
     QList<qint64> recordedTimes()
     {

@@ -29,6 +29,8 @@ private slots:
     void lostReplyShiftsNoTimes();
     void pollUnansweredForLongTakesNoDisplayReading();
     void replyThatNobodyAskedForIsNotRecordedTwice();
+    void recordsWhatArrivesWhileRecording_data();
+    void recordsWhatArrivesWhileRecording();
 };
 
 namespace {
@@ -290,6 +292,46 @@ void tst_RecordPolls::replyThatNobodyAskedForIsNotRecordedTwice()
     QVERIFY(bench.reply(1));
     QVERIFY(bench.reply(2));
     QCOMPARE(rowsTaken(), QStringList("1@0"));
+}
+
+/// Steps: "r" and "d" poll, "a" answers with 1, 2, ... in turn, "+" starts the recording, "-" stops it.
+void tst_RecordPolls::recordsWhatArrivesWhileRecording_data()
+{
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QStringList>("rows");
+    QTest::newRow("polled before the start") << "r+a" << QStringList("1@0");
+    QTest::newRow("answered before the start") << "ra+ra" << QStringList("2@1");
+    QTest::newRow("held back at the start") << "rra+a" << QStringList("2@1");
+    QTest::newRow("held back at the start, the rest lost") << "rra+ra" << QStringList("2@2");
+    QTest::newRow("held back at the start, display last") << "rda+a" << QStringList();
+    QTest::newRow("held back at the start, display first") << "dra+a" << QStringList("2@0");
+    QTest::newRow("held back at the stop") << "+rra-a" << QStringList("1@1");
+    QTest::newRow("held back at the stop, display last") << "+rda-a" << QStringList("1@0");
+    QTest::newRow("answered after the stop") << "+ra-a" << QStringList("1@0");
+    QTest::newRow("polled before the stop") << "+r-a" << QStringList();
+    QTest::newRow("stopped and started between poll and answer") << "+r-+a" << QStringList("1@0");
+}
+
+void tst_RecordPolls::recordsWhatArrivesWhileRecording()
+{
+    QFETCH(QString, steps);
+    QFETCH(QStringList, rows);
+    Bench bench(1000);
+    QVERIFY(bench.connect());
+    bench.device.setRecording(false);
+    int polls = 1;
+    int value = 0;
+    for (const QChar step : steps) {
+        if (step == 'a')
+            QVERIFY(bench.reply(++value));
+        else if (step == '+' || step == '-')
+            bench.device.setRecording(step == '+');
+        else
+            bench.poll(step);
+        polls += step == 'r' || step == 'd' ? 1 : 0;
+        QVERIFY(bench.hasHeard(polls));
+    }
+    QCOMPARE(rowsTaken(), rows);
 }
 
 QTEST_GUILESS_MAIN(tst_RecordPolls)

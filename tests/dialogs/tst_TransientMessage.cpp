@@ -14,6 +14,7 @@ class tst_TransientMessage : public QObject
 
 private slots:
     void messageIsShownWithoutBlocking();
+    void textIsShownLetterByLetter();
     void eachMessageHasItsOwnFiveSeconds();
     void messageClosesByItself();
     void lateTimerOfAClosedMessageDoesNothing();
@@ -51,6 +52,15 @@ void tst_TransientMessage::messageIsShownWithoutBlocking()
     QCOMPARE(dialog->parentWidget(), &parent);
     QCOMPARE(dialog->findChild<QGroupBox *>(QStringLiteral("groupBox_message"))->title(), QStringLiteral("WARNING"));
     QCOMPARE(dialog->findChild<QTextBrowser *>(QStringLiteral("textBrowser"))->toPlainText(), QStringLiteral("text"));
+}
+
+/// Names of loggers and files, and what the system says of them, come from outside.
+void tst_TransientMessage::textIsShownLetterByLetter()
+{
+    QWidget parent;
+    const MessageDialog *dialog = show(parent, "<b>Oven</b> & \"Attic\": Device Setup Failed.\nPlease retry.");
+    QCOMPARE(dialog->findChild<QTextBrowser *>(QStringLiteral("textBrowser"))->toPlainText(),
+             QStringLiteral("<b>Oven</b> & \"Attic\": Device Setup Failed.\nPlease retry."));
 }
 
 void tst_TransientMessage::eachMessageHasItsOwnFiveSeconds()

@@ -124,5 +124,7 @@ QList<RecordedRow> recordingOf(const QList<RecordedRow> &rows, int index)
         int &number = ended[row.serial];
         return row.isGap() ? number++ == index : number == index;
     });
+    std::stable_sort(recording.begin(), recording.end(),
+                     [](const RecordedRow &a, const RecordedRow &b) { return a.time < b.time; });
     return recording;
 }

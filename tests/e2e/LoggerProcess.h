@@ -42,5 +42,7 @@ private:
     QByteArray m_output;
 };
 
-/// The rows of recording number @p index, from 0, of a file: rows without values end the series of a logger.
+/// The rows by time of recording number @p index, from 0, of a file's rows as they were stored: rows without values end
+/// the series of a logger. By time they would not tell: they lie a second after the last reading, and a station that is
+/// started again within that second polls before it.
 QList<RecordedRow> recordingOf(const QList<RecordedRow> &rows, int index);

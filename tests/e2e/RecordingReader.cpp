@@ -23,9 +23,19 @@ RecordingReader::~RecordingReader()
 
 QList<RecordedRow> RecordingReader::rows()
 {
+    return rowsBy(QStringLiteral("pointDate, id"));
+}
+
+QList<RecordedRow> RecordingReader::rowsAsStored()
+{
+    return rowsBy(QStringLiteral("id"));
+}
+
+QList<RecordedRow> RecordingReader::rowsBy(const QString &order)
+{
     QSqlQuery query(m_database);
     query.setForwardOnly(true);
-    query.exec(QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane order by pointDate, id"));
+    query.exec(QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane order by ") + order);
     QList<RecordedRow> rows;
     while (query.next())
         rows.append({query.value(0).toString(), query.value(1), query.value(2), query.value(3).toUInt()});

@@ -17,6 +17,8 @@ public:
 
     /// All rows by time, those of one second in the order in which they were stored.
     QList<RecordedRow> rows();
+    /// Batch after batch; the rows of one batch are in no order of time.
+    QList<RecordedRow> rowsAsStored();
     /// "ok", or what SQLite finds damaged.
     QString integrity();
 
@@ -26,6 +28,8 @@ public:
     void letGo();
 
 private:
+    QList<RecordedRow> rowsBy(const QString &order);
+
     QString m_connection;
     QSqlDatabase m_database;
     QSqlQuery m_held;

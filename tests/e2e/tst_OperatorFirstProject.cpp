@@ -251,7 +251,7 @@ void tst_OperatorFirstProject::nothingIsLost()
 {
     RecordingReader reader(OperatorDesk::path(name + ".dat"));
     QCOMPARE(reader.integrity(), QStringLiteral("ok"));
-    const QList<RecordedRow> rows = reader.rows();
+    const QList<RecordedRow> rows = reader.rowsAsStored();
     QCOMPARE(m_ends.size(), 3);
     for (int i = 0; i < 3; ++i)
         QCOMPARE(m_desk->loggers().differences(recordingOf(rows, i), m_starts.at(i), m_ends.at(i)), QByteArray());

@@ -22,6 +22,7 @@ private slots:
     void crashBetweenCommitAndRemovalStoresNothingTwice();
     void newestRowsAreSearched_data();
     void newestRowsAreSearched();
+    void aLargeBatchIsSearchedForAsAWhole();
     void takenInOnlyOnce();
     void anotherStoreMayWriteThem();
     void failedStatementLeavesTheSideFile();
@@ -217,6 +218,25 @@ void tst_InsertSerialData_keptRows::newestRowsAreSearched()
                            .arg(rowsSince)));
     recording.open()->insertNow();
     QCOMPARE(other.rows("select count(*) from ostrivane where serialno = 'A1'"), QStringList(QString::number(copies)));
+}
+
+/// Half an hour of many loggers, while another program had the recording locked.
+void tst_InsertSerialData_keptRows::aLargeBatchIsSearchedForAsAWhole()
+{
+    constexpr int count = newestRowsSearched + 10;
+    const Recording recording;
+    recording.open().reset();
+    const OtherProgram other(recording.file());
+    QVERIFY(other.exec(QStringLiteral("insert into ostrivane (serialno, channel1, channel2, pointDate) "
+                                      "with recursive n(i) as (select 1 union all select i + 1 from n where i < %1) "
+                                      "select 'A1', 21.5, 40, 1700000000 + i from n")
+                           .arg(count)));
+    std::vector<PendingRow> rows;
+    for (int i = 1; i <= count; ++i)
+        rows.push_back(row("A1", quint32(1700000000 + i)));
+    QVERIFY(sideFileOf(recording).write(rows));
+    recording.open()->insertNow();
+    QCOMPARE(other.rows("select count(*) from ostrivane"), QStringList(QString::number(count)));
 }
 
 void tst_InsertSerialData_keptRows::takenInOnlyOnce()
