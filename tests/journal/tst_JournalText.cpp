@@ -43,8 +43,8 @@ private slots:
                                    "\"old\":null,\"new\":null,\"text\":\"\",\"user\":\"jörg\"}"));
     }
 
-    /// The time alone is one of the twelve names that two fields of the file make.
-    void namesInTheirOrder()
+    /// The hash, the number and the offset are not among them.
+    void thereAreNoOtherNames()
     {
         const QStringList names = parsed(alarmEntry()).keys();
         QCOMPARE(names,
