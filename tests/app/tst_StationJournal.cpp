@@ -224,11 +224,12 @@ private:
     void pollUntil(const Condition &condition)
     {
         constexpr int enoughPolls = 20;
-        for (int i = 0; i < enoughPolls && !condition(); ++i) {
+        bool isMet = false;
+        for (int i = 0; i < enoughPolls && !isMet; ++i) {
             m_station->writeDevice();
-            QTest::qWaitFor(condition, 500);
+            isMet = QTest::qWaitFor(condition, 500);
         }
-        QVERIFY(condition());
+        QVERIFY(isMet);
     }
 
     QList<JournalEntry> entries() const
