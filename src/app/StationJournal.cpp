@@ -9,7 +9,6 @@
 #include "store/PendingRow.h"
 
 #include <QFileInfo>
-#include <QTextDocument>
 #include <algorithm>
 #include <utility>
 
@@ -88,13 +87,10 @@ void StationJournal::connectJournal()
         emit told(sentence);
     });
     connect(m_journal.get(), &EventJournal::setAside, this, [this](const QString &path) {
-        // A message takes for markup what looks like it.
-        emit told(Qt::convertFromPlainText(
-            QStringLiteral("The journal of events was damaged. It is kept as %1, and a new one was begun.")
-                .arg(QFileInfo(path).fileName())));
+        emit told(QStringLiteral("The journal of events was damaged. It is kept as %1, and a new one was begun.")
+                      .arg(QFileInfo(path).fileName()));
     });
-    connect(m_journal.get(), &EventJournal::failed, this,
-            [this](const QString &reason) { emit told(Qt::convertFromPlainText(reason)); });
+    connect(m_journal.get(), &EventJournal::failed, this, [this](const QString &reason) { emit told(reason); });
 }
 
 void StationJournal::closeProject()
