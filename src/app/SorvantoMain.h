@@ -4,6 +4,7 @@
 #include "app/ProjectDevices.h"
 #include "app/ReachableLoggers.h"
 #include "app/StartOptions.h"
+#include "app/StationJournal.h"
 #include "app/StationState.h"
 #include "project/AppSettings.h"
 
@@ -177,6 +178,7 @@ private:
     QString m_projectName;
     QString m_projectFile;
     ProjectClaim m_claim;
+    StationJournal m_journal; ///< the devices report to it until they are gone
     ProjectDevices m_devices;
     ReachableLoggers m_availDevices;
     QStringList m_dashboardNames;

@@ -32,9 +32,8 @@ QString localTimeText(quint32 unixSeconds)
 
 QString tornSentence(const OpeningReport &report)
 {
-    const QString waiting = report.rowsReplayed > 0
-                                ? QStringLiteral(", %1 more had waited beside it").arg(report.rowsReplayed)
-                                : QString();
+    const QString waiting =
+        report.rowsReplayed > 0 ? QStringLiteral(", %1 more had waited beside it").arg(report.rowsReplayed) : QString();
     return QStringLiteral("The recording was cut off in the middle of a write: %1 readings were saved%2, and "
                           "the old file is kept as \"%3\".")
         .arg(QString::number(report.rowsSalvaged), waiting, QFileInfo(report.tornFile).fileName());
@@ -48,6 +47,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     connect(m_insertSerialData.get(), &InsertSerialData::writingFailed, this, &SorvantoMain::slotWritingFailed);
     connect(m_insertSerialData.get(), &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
     connect(m_insertSerialData.get(), &InsertSerialData::readingsDropped, this, &SorvantoMain::slotReadingsDropped);
+    m_journal.watch(*m_insertSerialData);
     if (!m_insertSerialData->createConnection()) {
         m_insertSerialData.reset();
         enter(StationState::Ending);

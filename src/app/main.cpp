@@ -53,6 +53,10 @@ int main(int argc, char **argv)
         const QCoreApplication application(argc, argv);
         return checkRecordingCommand(early.fileToCheck());
     }
+    if (const auto command = early.error().isEmpty() ? early.journalCommand() : std::nullopt) {
+        const QCoreApplication application(argc, argv);
+        return command->run();
+    }
     enableHighDensity();
     std::optional<DisplayGuard> guard(std::in_place);
     QApplication application(argc, argv);

@@ -11,6 +11,9 @@
 
 namespace {
 
+const QString uncleanEnd = QStringLiteral("StationJournal : The station was not closed properly the last time");
+const QString projectOpened = QStringLiteral("SorvantoMain::createInsertSerialData :");
+const QString journalHead = QStringLiteral("Journal of events :");
 const QString committed = QStringLiteral("commit transaction : true");
 const QString toldSaved = QStringLiteral("SorvantoMain::reportSavedRows");
 
@@ -83,6 +86,7 @@ void tst_SurvivesKill::readingsOfNoBatchAreThereAgain()
 
     QVERIFY2(e2e.start(), e2e.startError());
     QVERIFY2(e2e.waitUntil([&] { return station.count(toldSaved) > 0; }), station.lastWords());
+    QVERIFY2(e2e.waitUntil([&] { return station.count(uncleanEnd) == 1; }), station.lastWords());
     QCOMPARE(station.count(committed), 1);
     QVERIFY(e2e.readingCount() >= 4);
     QVERIFY2(e2e.fallSilent(), station.lastWords());
@@ -90,6 +94,13 @@ void tst_SurvivesKill::readingsOfNoBatchAreThereAgain()
     QVERIFY(!QFileInfo::exists(e2e.spool()));
     QCOMPARE(e2e.served(0).miscounts(e2e.rows(), {4}), QString());
     QCOMPARE(e2e.integrity(), QStringLiteral("ok"));
+
+    // That was a clean end.
+    QVERIFY2(e2e.start(), e2e.startError());
+    QVERIFY2(e2e.waitUntil([&] { return station.count(projectOpened) > 0; }), station.lastWords());
+    QVERIFY2(station.end(), station.lastWords());
+    QCOMPARE(station.count(journalHead), 1);
+    QCOMPARE(station.count(uncleanEnd), 0);
 }
 
 void tst_SurvivesKill::everyReadingIsThereOnce()
