@@ -21,7 +21,7 @@ constexpr int keysRemembered = 1000;
 
 QVariant channel(const std::optional<double> &value)
 {
-    return value ? QVariant(*value) : QVariant(QVariant::Double);
+    return value ? QVariant(*value) : QVariant();
 }
 
 /// Reads a torn recording page by page into a new one.

@@ -409,7 +409,7 @@ void tst_UsbWatch::aReadingUnderWayIsAskedForAgain()
     m_bench->station().writeDevice();
     QTRY_COMPARE(m_bench->logger(1).commands(), commands + 1);
     m_bench->logger(1).setFault({});
-    now += 50;
+    now += 5;
     m_bench->plugIn(2);
     m_bench->scan();
     QTRY_COMPARE(InsertSerialData::pendingCount(), before + 1);
