@@ -57,6 +57,10 @@ void LoggerConversation::ask(const Poll &poll)
         m_unasked = Unasked::Recorded;
         // A logger that has answered since the last one is awake: what it has left out it has lost.
         settle();
+        if (poll.timeMs - m_givenUpMs > longestReplyMs)
+            m_lateReplies = 0;
+        if (poll.timeMs - m_leftMs > longestReplyMs)
+            m_owedBefore = 0;
     } else if (!m_due || !m_due->isForRecord) {
         m_unasked = Unasked::RecordedAfterTheFirst;
     }
@@ -72,12 +76,13 @@ void LoggerConversation::forgetPollNotSent()
 
 void LoggerConversation::answer(const QVector<Reading> &readings, bool isRecording)
 {
-    if (m_unanswered.isEmpty()) {
+    if (m_unanswered.isEmpty() && m_lateReplies == 0) {
         takeUnasked(readings, isRecording);
-    } else if (readings.isEmpty()) {
-        m_unanswered.removeFirst(); // with something that is no reading
     } else {
-        hold(readings, isRecording);
+        if (!readings.isEmpty())
+            hold(readings, isRecording);
+        else if (m_held.size() < m_unanswered.size())
+            m_unanswered.remove(m_held.size()); // with something that is no reading
         if (m_held.size() >= m_unanswered.size())
             settle();
     }
@@ -109,21 +114,45 @@ void LoggerConversation::hold(const QVector<Reading> &readings, bool isRecording
     }
 }
 
-/// Answers come in the order of the polls. What is too much comes before: from a logger that has hung it is the answers
-/// to what it was asked on an earlier connection.
+/// Answers come in the order of the polls.
 void LoggerConversation::settle()
 {
     if (m_held.isEmpty())
         return;
     dropPollsTooMany();
-    m_held.remove(0, m_held.size() - m_unanswered.size());
-    for (int i = 0; i < m_held.size(); ++i) {
-        const SentPoll &sent = m_unanswered.at(i);
-        for (const TimedReading &held : m_held.at(i))
-            m_timed.push_back({sent.readingMs, held.value1, held.value2, held.isForRecord && sent.poll.isForRecord});
-    }
+    takeRepliesTooMany();
+    for (int i = 0; i < m_held.size(); ++i)
+        take(m_held.at(i), m_unanswered.at(i));
+    if (!m_unanswered.isEmpty())
+        m_settledMs = m_unanswered.last().readingMs;
     m_held.clear();
     m_unanswered.clear();
+}
+
+void LoggerConversation::take(const Answer &answer, const SentPoll &sent)
+{
+    for (const TimedReading &held : answer)
+        m_timed.push_back({sent.readingMs, held.value1, held.value2, held.isForRecord && sent.poll.isForRecord});
+}
+
+/// They come before the answers to the polls under way: from a logger that has hung what it was asked on an earlier
+/// connection, from one that is slow the answers that were given up already, whose polls have lent their answers' times
+/// to those before. What is left is one answer in several replies.
+void LoggerConversation::takeRepliesTooMany()
+{
+    int tooMany = m_held.size() - m_unanswered.size();
+    const int ofEarlier = std::min(tooMany, m_owedBefore);
+    m_held.remove(0, ofEarlier);
+    m_owedBefore -= ofEarlier;
+    for (tooMany -= ofEarlier; tooMany > 0; --tooMany) {
+        const Answer answer = m_held.takeFirst();
+        if (m_lateReplies > 0) {
+            --m_lateReplies;
+            take(answer, {{true, m_settledMs}, m_settledMs});
+        } else {
+            take(answer, m_unanswered.isEmpty() ? SentPoll{{}, m_recordTimeMs} : m_unanswered.first());
+        }
+    }
 }
 
 /// Of the polls that got no answer those for display are the ones that nobody misses, then the oldest.
@@ -132,7 +161,12 @@ void LoggerConversation::dropPollsTooMany()
     while (m_unanswered.size() > m_held.size()) {
         const auto forDisplay = std::find_if(m_unanswered.begin(), m_unanswered.end(),
                                              [](const SentPoll &sent) { return !sent.poll.isForRecord; });
-        m_unanswered.erase(forDisplay == m_unanswered.end() ? m_unanswered.begin() : forDisplay);
+        if (forDisplay != m_unanswered.end()) {
+            m_unanswered.erase(forDisplay);
+            continue;
+        }
+        m_givenUpMs = m_unanswered.takeFirst().poll.timeMs;
+        ++m_lateReplies;
     }
 }
 
@@ -204,18 +238,22 @@ void LoggerConversation::linkHeard(const QByteArray &bytes)
         m_lineBegun += bytes.mid(begin);
 }
 
-void LoggerConversation::linkClosed()
+void LoggerConversation::linkClosed(bool mayStillAnswer)
 {
     m_due.reset();
     m_owedReplies = 0;
     m_lineBegun.clear();
     m_isOpening = false;
     m_isClosed = true;
+    m_mayStillAnswer = mayStillAnswer;
 }
 
 void LoggerConversation::leaveClosedConnection()
 {
     settle();
+    m_owedBefore = m_mayStillAnswer ? m_owedBefore + m_unanswered.size() + m_lateReplies : 0;
     m_unanswered.clear();
+    m_lateReplies = 0;
+    m_leftMs = m_recordTimeMs;
     m_isClosed = false;
 }

@@ -62,8 +62,9 @@ public:
     void linkSent(const QByteArray &command);
     /// Everything that arrives, before any of it is judged.
     void linkHeard(const QByteArray &bytes);
-    /// What had arrived before may still be handed to answer().
-    void linkClosed();
+    /// What had arrived before may still be handed to answer(). @p mayStillAnswer: what was asked may be answered on
+    /// the next connection, as it may on a serial port.
+    void linkClosed(bool mayStillAnswer);
 
     /// Whether a line of the logger's is still to come: it has not answered, or not in full, something that was sent on
     /// the connection that stands.
@@ -83,8 +84,10 @@ private:
 
     void hold(const QVector<Reading> &readings, bool isRecording);
     void takeUnasked(const QVector<Reading> &readings, bool isRecording);
+    void take(const Answer &answer, const SentPoll &sent);
     void giveUpPollsOlderThan(qint64 timeMs);
     void dropPollsTooMany();
+    void takeRepliesTooMany();
     void leaveClosedConnection();
 
     std::optional<Poll> m_due;
@@ -93,9 +96,15 @@ private:
     std::vector<TimedReading> m_timed;
     qint64 m_recordTimeMs;
     Unasked m_unasked = Unasked::Recorded;
+    qint64 m_settledMs = 0; ///< where the latest reading stands whose poll is known
+    int m_lateReplies = 0;  ///< polls for a record given up lately; their answers may come all the same
+    qint64 m_givenUpMs = 0; ///< the time of the latest of them
+    int m_owedBefore = 0;   ///< replies that the logger may still owe to an earlier connection
+    qint64 m_leftMs = 0;    ///< the latest poll for a record on that connection
     int m_owedReplies = 0;
     QVector<int> m_repliesHeard; ///< the number of readings in each reply of what arrived last
     QByteArray m_lineBegun;      ///< of a reply that is owed
     bool m_isOpening = false;
     bool m_isClosed = false;
+    bool m_mayStillAnswer = false; ///< after the closing
 };

@@ -252,7 +252,7 @@ void SerialDevice::closePort()
         port->close();
     }
     if (m_conversation)
-        m_conversation->linkClosed();
+        m_conversation->linkClosed(true);
 }
 
 void SerialDevice::closeFailedPort()

@@ -232,7 +232,7 @@ void TelnetDevice::telnetStateChanged(QAbstractSocket::SocketState state)
     if (m_conversation && state == QAbstractSocket::ConnectingState)
         m_conversation->linkOpening();
     if (m_conversation && state == QAbstractSocket::UnconnectedState)
-        m_conversation->linkClosed();
+        m_conversation->linkClosed(false);
 }
 
 void TelnetDevice::sockConnected()

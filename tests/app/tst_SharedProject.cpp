@@ -3,10 +3,12 @@
 #include "project/ProjectLock.h"
 #include "project/RecordingLock.h"
 
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace {
 
@@ -102,7 +104,8 @@ private slots:
         dialog->setDirectory(m_op->fixture.path({}));
         auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
         edit->setText(m_op->name);
-        QTest::keyClick(edit, Qt::Key_Return);
+        // The return key may take up what the dialog proposes to complete the name with.
+        dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save)->click();
         screen->findChild<QMessageBox *>()->button(QMessageBox::Yes)->click();
         QCOMPARE(shownMessages(), QStringList{refusal});
         QCOMPARE(m_op->projectFile().readDevices()->size(), 1);

@@ -25,7 +25,7 @@ private slots:
     void answersInTheOrderOfThePolls_data();
     void answersInTheOrderOfThePolls();
     void repliesThatComeTogether();
-    void repliesOfAnEarlierConnection();
+    void repliesToOnePoll();
     void repliesOfManyLines();
     void lostReplyShiftsNoTimes();
     void pollUnansweredForLongTakesNoDisplayReading();
@@ -247,7 +247,7 @@ void tst_RecordPolls::repliesThatComeTogether()
     QCOMPARE(rowsTaken(), QStringList({"1@0", "2@1", "4@2"}));
 }
 
-void tst_RecordPolls::repliesOfAnEarlierConnection()
+void tst_RecordPolls::repliesToOnePoll()
 {
     Bench bench(1000);
     QVERIFY(bench.connect());
@@ -255,7 +255,7 @@ void tst_RecordPolls::repliesOfAnEarlierConnection()
     QVERIFY(bench.hasHeard(2));
     bench.logger.send("ATDC 1,1\r\nATDC 2,1\r\nATDC 3,1\r\n");
     QTRY_COMPARE(bench.device.ch1Value(), QString("3.00"));
-    QCOMPARE(rowsTaken(), QStringList("3@0"));
+    QCOMPARE(rowsTaken(), QStringList({"1@0", "2@0", "3@0"}));
 }
 
 void tst_RecordPolls::repliesOfManyLines()
@@ -361,6 +361,11 @@ void tst_RecordPolls::recordsWhatArrivesWhileRecording_data()
     QTest::newRow("held back at the stop") << "+rra-a" << QStringList("1@1");
     QTest::newRow("held back at the stop, display last") << "+rda-a" << QStringList("1@0");
     QTest::newRow("answered after the stop") << "+ra-a" << QStringList("1@0");
+    QTest::newRow("later than the next poll") << "+rraraa" << QStringList({"1@1", "2@2", "3@2"});
+    QTest::newRow("later than the next poll, for long")
+        << "+rrarararaa" << QStringList({"1@1", "2@2", "3@3", "4@4", "5@4"});
+    QTest::newRow("not asked for") << "+raa" << QStringList("1@0");
+    QTest::newRow("not asked for, after a late one") << "+rraraaa" << QStringList({"1@1", "2@2", "3@2"});
     QTest::newRow("polled before the stop") << "+r-a" << QStringList();
     QTest::newRow("stopped and started between poll and answer") << "+r-+a" << QStringList("1@0");
 }

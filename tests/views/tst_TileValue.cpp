@@ -72,7 +72,11 @@ void tst_TileValue::newValuePaintsAndLaysOutNothingElse()
     m_tile->setValue(QStringLiteral("4.50"));
     QTRY_COMPARE(frame()->styleSheet(), styleSheetOf(StateBackground::Normal));
     QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(); // what the new background had laid out anew
+    // What the new background lays out and paints anew is over before the watch begins.
+    m_tile->grab();
+    QCoreApplication::sendPostedEvents();
+    m_tile->repaint();
+    QCoreApplication::processEvents();
     const auto *onValue = new Watch(value());
     const auto *onFrame = new Watch(frame());
     const auto *onTile = new Watch(m_tile.get());
