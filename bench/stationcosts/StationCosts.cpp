@@ -110,7 +110,7 @@ bool StationCosts::measureEmptyProgram()
 
 bool StationCosts::measureRecording()
 {
-    for (const QString &suffix : {QStringLiteral(".dat"), QStringLiteral(".dat.pending")})
+    for (const QString &suffix : {QStringLiteral(".dat"), QStringLiteral(".dat.spool")})
         QFile::remove(file(recordedProject + suffix));
     if (!prepareProject(recordedProject) || !spoilLoggers())
         return false;

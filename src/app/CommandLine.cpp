@@ -8,6 +8,10 @@ namespace {
 
 const QString versionOption = QStringLiteral("version");
 const QString helpOption = QStringLiteral("help");
+const QString checkOption = QStringLiteral("check");
+const QString journalOption = QStringLiteral("journal");
+const QString jsonOption = QStringLiteral("json");
+const QString verifyJournalOption = QStringLiteral("verify-journal");
 const QString noAutoLoadOption = QStringLiteral("no-auto-load");
 
 const QSet<QString> &toolkitOptions()
@@ -50,6 +54,18 @@ CommandLine::CommandLine(const QStringList &arguments)
     m_parser.addOption({{QStringLiteral("v"), versionOption}, QStringLiteral("Shows the version.")});
     m_parser.addOption({noAutoLoadOption, QStringLiteral("Does not load the recent project, whatever the settings say: "
                                                          "the way out when it cannot be opened.")});
+    m_parser.addOption(
+        {checkOption,
+         QStringLiteral("Looks through a recording (.dat), says whether it is whole and ends: 0 whole, 1 "
+                        "damaged, 3 no recording."),
+         QStringLiteral("file")});
+    m_parser.addOption(
+        {journalOption, QStringLiteral("Prints a journal of events (.events) and ends."), QStringLiteral("file")});
+    m_parser.addOption({jsonOption, QStringLiteral("With --journal: one JSON object a line.")});
+    m_parser.addOption({verifyJournalOption,
+                        QStringLiteral("Checks the chain of a journal of events and ends: with 0 if it is whole, 1 if "
+                                       "it is broken, 3 if the file cannot be read."),
+                        QStringLiteral("file")});
     m_parser.addPositionalArgument(QStringLiteral("project"),
                                    QStringLiteral("Project file (.tpc) to open in place of the recent project."),
                                    QStringLiteral("[project]"));
@@ -59,6 +75,15 @@ CommandLine::CommandLine(const QStringList &arguments)
 QString CommandLine::problem() const
 {
     const QStringList files = m_parser.positionalArguments();
+    const bool isAboutJournal = m_parser.isSet(journalOption) || m_parser.isSet(verifyJournalOption);
+    if (m_parser.isSet(checkOption) && (fileToCheck().isEmpty() || !files.isEmpty() || isAboutJournal))
+        return QStringLiteral("--check takes the name of one recording and nothing else.");
+    if (m_parser.isSet(journalOption) && m_parser.isSet(verifyJournalOption))
+        return QStringLiteral("A journal can be printed or checked, not both at once.");
+    if (isAboutJournal && !files.isEmpty())
+        return QStringLiteral("With a journal no project is opened.");
+    if (m_parser.isSet(jsonOption) && !m_parser.isSet(journalOption))
+        return QStringLiteral("Only a journal is printed as JSON: --journal is missing.");
     if (files.size() > 1)
         return QStringLiteral("Only one project can be opened, but %1 are named: %2")
             .arg(QString::number(files.size()), files.join(QStringLiteral(", ")));
@@ -70,6 +95,11 @@ QString CommandLine::problem() const
 bool CommandLine::asksForText() const
 {
     return m_parser.isSet(versionOption) || m_parser.isSet(helpOption);
+}
+
+QString CommandLine::fileToCheck() const
+{
+    return m_parser.value(checkOption);
 }
 
 bool CommandLine::hasToolkitOptions() const
@@ -84,6 +114,16 @@ void CommandLine::showText()
     if (m_parser.isSet(versionOption))
         m_parser.showVersion();
     m_parser.showHelp();
+}
+
+std::optional<JournalCommand> CommandLine::journalCommand() const
+{
+    if (m_parser.isSet(verifyJournalOption))
+        return JournalCommand{JournalCommand::Verify, m_parser.value(verifyJournalOption)};
+    if (m_parser.isSet(journalOption))
+        return JournalCommand{m_parser.isSet(jsonOption) ? JournalCommand::PrintJson : JournalCommand::Print,
+                              m_parser.value(journalOption)};
+    return std::nullopt;
 }
 
 StartOptions CommandLine::startOptions() const

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "app/JournalCommand.h"
 #include "app/StartOptions.h"
 
 #include <QCommandLineParser>
 #include <QStringList>
+#include <optional>
 
 /// The arguments that the station was started with.
 class CommandLine
@@ -17,6 +19,12 @@ public:
     bool asksForText() const;
     /// Prints that text and ends the program; there must be an application object.
     [[noreturn]] void showText();
+
+    /// The recording that is to be looked through instead of everything else, which takes no display; empty as a rule.
+    QString fileToCheck() const;
+    /// What is to be done with a journal in place of running the station, which takes no display either; to be asked
+    /// for only when there is no error().
+    std::optional<JournalCommand> journalCommand() const;
 
     /// Whether some arguments are the toolkit's. It takes them away when the application object is made; before that
     /// they count as faulty.

@@ -35,6 +35,8 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
       m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
 {
     buildForm();
+    connect(&m_journal, &StationJournal::told, this,
+            [this](const QString &sentence) { showTimedMessage(QStringLiteral("WARNING"), sentence); });
     connectMenus();
     m_settings.load();
     m_menus->autoProject->setChecked(m_settings.autoLoad);
@@ -56,6 +58,7 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
 SorvantoMain::~SorvantoMain()
 {
     m_settings.saveAutoFlags();
+    m_journal.programEnds();
     closeProject();
     stopTimers();
     closeOstrivaneDevices();
@@ -143,6 +146,7 @@ void SorvantoMain::stopTimers()
 void SorvantoMain::enter(StationState::Name state)
 {
     m_state.become(state);
+    m_journal.setRecording(isRecording());
     m_menus->setEnabledStates(actionStates(m_state, dataIntervalMs));
 }
 
@@ -150,12 +154,15 @@ void SorvantoMain::setClock(const ConfiguredDevice::Clock &clock)
 {
     m_pollPhase->setClock(clock);
     m_devices.setClock(clock);
+    m_journal.setClock(clock);
 }
 
 void SorvantoMain::writeDevice()
 {
     if (!isProjectOpen())
         return;
+    if (m_insertSerialData)
+        m_insertSerialData->saveQueuedRows();
     const QList<ConfiguredDevice *> devices = m_devices.all();
     for (ConfiguredDevice *device : devices)
         device->pollForRecord();
@@ -165,6 +172,7 @@ void SorvantoMain::slotStdTimer()
 {
     const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     m_form->label_datetime->setText(now);
+    m_journal.lookAtClock();
     writeRowsLeftOver();
     if (m_projectCenter)
         updateRecordRange(now);
@@ -220,6 +228,7 @@ void SorvantoMain::closeEvent(QCloseEvent *event)
         event->ignore();
         return;
     }
+    m_journal.programEnds();
     slotCloseProject();
     stopTimers();
     closeOstrivaneDevices();

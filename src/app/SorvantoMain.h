@@ -4,6 +4,7 @@
 #include "app/ProjectDevices.h"
 #include "app/ReachableLoggers.h"
 #include "app/StartOptions.h"
+#include "app/StationJournal.h"
 #include "app/StationState.h"
 #include "project/AppSettings.h"
 
@@ -20,6 +21,7 @@
 
 class AlarmSound;
 class InsertSerialData;
+struct OpeningReport;
 class MainMenus;
 class PollPhase;
 class ProjectCenter;
@@ -127,11 +129,13 @@ private:
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();
+    void reportSavedRows(const OpeningReport &report);
     void saveRecordRange(quint32 start, quint32 end);
     void showRecordRange(quint32 start, quint32 end);
     void updateRecordRange(const QString &now);
     void slotWritingFailed(const QString &reason);
     void slotWritingRestored();
+    void slotReadingsDropped(int count);
 
     // Discovery
     void closeDiscoverySockets();
@@ -174,6 +178,7 @@ private:
     QString m_projectName;
     QString m_projectFile;
     ProjectClaim m_claim;
+    StationJournal m_journal; ///< the devices report to it until they are gone
     ProjectDevices m_devices;
     ReachableLoggers m_availDevices;
     QStringList m_dashboardNames;

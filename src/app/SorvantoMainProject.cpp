@@ -7,6 +7,7 @@
 #include "device/DataInterval.h"
 #include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
+#include "store/InsertSerialData.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
@@ -78,6 +79,7 @@ void SorvantoMain::projectLoaded(const QString &path)
     leaveProject();
     m_claim = *claim;
     m_devices.load(*entries, m_menus->keepAlive->isChecked());
+    m_journal.knowDevices(m_devices.all());
 
     const ProjectFile file(path);
     m_projectFile = path;
@@ -155,6 +157,11 @@ void SorvantoMain::openProjectView()
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
+    if (!isRecordingReadOnly()) {
+        m_journal.openProject(m_databasePath, m_projectFile);
+        m_journal.rowsSaved(m_insertSerialData->openingReport());
+    }
+    m_journal.compareDevices(m_devices.all());
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_devices.all());
     showScreen(m_projectCenter);
@@ -197,6 +204,7 @@ void SorvantoMain::closeProject()
     deleteInsertSerialData();
     freeUnconfirmedDevices();
     m_devices.clear();
+    m_journal.closeProject();
     m_projectFile.clear();
     m_claim = {};
     m_databasePath.clear();
@@ -218,6 +226,7 @@ void SorvantoMain::reportCancelledExchanges()
 
 void SorvantoMain::slotUpdateProjectFile()
 {
+    m_journal.compareDevices(m_devices.all());
     if (!ProjectFile(m_projectFile).saveDevices(m_devices.entries()))
         reportUnsavedProject();
 }

@@ -30,6 +30,15 @@ QString localTimeText(quint32 unixSeconds)
     return QDateTime::fromSecsSinceEpoch(unixSeconds).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
 }
 
+QString tornSentence(const OpeningReport &report)
+{
+    const QString waiting =
+        report.rowsReplayed > 0 ? QStringLiteral(", %1 more had waited beside it").arg(report.rowsReplayed) : QString();
+    return QStringLiteral("The recording was cut off in the middle of a write: %1 readings were saved%2, and "
+                          "the old file is kept as \"%3\".")
+        .arg(QString::number(report.rowsSalvaged), waiting, QFileInfo(report.tornFile).fileName());
+}
+
 } // namespace
 
 bool SorvantoMain::createInsertSerialData(const QString &path)
@@ -37,6 +46,8 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     m_insertSerialData = std::make_unique<InsertSerialData>(path, m_dbConnectionName, this);
     connect(m_insertSerialData.get(), &InsertSerialData::writingFailed, this, &SorvantoMain::slotWritingFailed);
     connect(m_insertSerialData.get(), &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
+    connect(m_insertSerialData.get(), &InsertSerialData::readingsDropped, this, &SorvantoMain::slotReadingsDropped);
+    m_journal.watch(*m_insertSerialData);
     if (!m_insertSerialData->createConnection()) {
         m_insertSerialData.reset();
         enter(StationState::Ending);
@@ -48,6 +59,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
     writeRowsLeftOver();
+    reportSavedRows(m_insertSerialData->openingReport());
     if (isRecordingReadOnly()) {
         m_projectCenter->setRecordingRefused(readOnlyReason);
         showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
@@ -55,6 +67,26 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     m_projectCenter->setRecordRange(localTimeText(m_insertSerialData->startDateTime()),
                                     localTimeText(m_insertSerialData->endDateTime()));
     return true;
+}
+
+void SorvantoMain::reportSavedRows(const OpeningReport &report)
+{
+    const bool isTorn = !report.tornFile.isEmpty();
+    QStringList sentences;
+    if (isTorn)
+        sentences += tornSentence(report);
+    else if (report.rowsReplayed > 0)
+        sentences += QStringLiteral("The program had ended before %1 readings were in the recording. They were saved.")
+                         .arg(report.rowsReplayed);
+    if (!report.damagedSpool.isEmpty()) {
+        sentences += QStringLiteral("The file of readings that waited was damaged and is kept as %1.")
+                         .arg(QFileInfo(report.damagedSpool).fileName());
+    }
+    if (sentences.isEmpty())
+        return;
+    qCDebug(lcApp).noquote() << "SorvantoMain::reportSavedRows :" << sentences.join(QLatin1Char(' '));
+    showTimedMessage(isTorn ? QStringLiteral("WARNING") : QStringLiteral("INFORMATION"),
+                     sentences.join(QLatin1Char('\n')));
 }
 
 bool SorvantoMain::isRecordingReadOnly() const
@@ -204,4 +236,11 @@ void SorvantoMain::slotWritingRestored()
     qCDebug(lcApp) << "SorvantoMain::slotWritingRestored";
     if (m_projectCenter)
         m_projectCenter->setWriteTrouble({});
+}
+
+void SorvantoMain::slotReadingsDropped(int count)
+{
+    const QString text = QStringLiteral("%1 readings were lost while they could not be written.").arg(count);
+    qCDebug(lcApp).noquote() << "SorvantoMain::slotReadingsDropped : [ERROR]" << text;
+    showTimedMessage(QStringLiteral("ERROR"), text);
 }

@@ -1,3 +1,4 @@
+#include "app/CheckCommand.h"
 #include "app/CommandLine.h"
 #include "app/DisplayGuard.h"
 #include "app/StartUp.h"
@@ -48,6 +49,14 @@ int main(int argc, char **argv)
     }
     if (refusalTakesNoDisplay && !early.error().isEmpty() && !early.hasToolkitOptions())
         return refuse(early.error());
+    if (early.error().isEmpty() && !early.fileToCheck().isEmpty()) {
+        const QCoreApplication application(argc, argv);
+        return checkRecordingCommand(early.fileToCheck());
+    }
+    if (const auto command = early.error().isEmpty() ? early.journalCommand() : std::nullopt) {
+        const QCoreApplication application(argc, argv);
+        return command->run();
+    }
     enableHighDensity();
     std::optional<DisplayGuard> guard(std::in_place);
     QApplication application(argc, argv);

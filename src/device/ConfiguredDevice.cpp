@@ -1,5 +1,6 @@
 #include "device/ConfiguredDevice.h"
 
+#include "device/DeviceWitness.h"
 #include "device/TelnetDevice.h"
 
 #include <QPointer>
@@ -222,6 +223,11 @@ void ConfiguredDevice::detachViews()
     m_views.detach();
 }
 
+void ConfiguredDevice::setWitness(DeviceWitness *witness)
+{
+    m_witness = witness;
+}
+
 bool ConfiguredDevice::openDevice()
 {
     if (!m_kind.isPolled)
@@ -238,12 +244,17 @@ bool ConfiguredDevice::openDevice()
 
 void ConfiguredDevice::closeDevice()
 {
+    closeFor(LossReason::Closed);
+}
+
+void ConfiguredDevice::closeFor(LossReason reason)
+{
     m_postponedPoll.reset();
     m_opensWithNextPoll = false;
     m_link->close();
     // Also ends what would open the link again.
     if (m_connected || m_exchange.isRunning())
-        deviceDisconnected();
+        lose(reason);
 }
 
 bool ConfiguredDevice::isOpen() const
@@ -267,7 +278,7 @@ bool ConfiguredDevice::opensWithNextPoll() const
 void ConfiguredDevice::forgetPort()
 {
     const QPointer<ConfiguredDevice> self(this);
-    closeDevice();
+    closeFor(LossReason::Unplugged);
     if (!self)
         return;
     m_isPortForgotten = true;

@@ -15,7 +15,9 @@
 #include <memory>
 
 class AbstractDevice;
+class DeviceWitness;
 class TelnetDevice;
+enum class LossReason;
 struct Reading;
 
 /// One logger of the open project: joins its settings, its link, its newest readings with their history and alarms, its
@@ -75,6 +77,8 @@ public:
     void setChartView(LiveChart *chart);
     void setTiles(ChannelTile *channel1, ChannelTile *channel2);
     void detachViews();
+    /// Not owned either; must outlive the device or be taken off with null, and never deletes it.
+    void setWitness(DeviceWitness *witness);
 
     /// Opens the link at the configured address; a reading that releasePort() has cut short is asked for again.
     bool openDevice();
@@ -147,6 +151,10 @@ private:
     void showReading(const Reading &reading);
     void keepTimedReadings();
     void judgeAlarms(double value1, double value2);
+    void tellAlarms(const ChannelAlarms &before, double value1, double value2);
+    void closeFor(LossReason reason);
+    void lose(LossReason reason);
+    void tellExchangeFailed(const QString &reason);
 
     void beginExchange();
     void beginExchangeIfNothingIsOwed();
@@ -182,6 +190,7 @@ private:
     ChannelHistory m_history;
     ChannelAlarms m_alarms;
     AttachedViews m_views;
+    DeviceWitness *m_witness = nullptr;
     bool m_recording = false;
     RecordedSeries m_series;
 

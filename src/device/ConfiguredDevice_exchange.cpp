@@ -1,6 +1,7 @@
 #include "device/ConfiguredDevice.h"
 
 #include "device/DataInterval.h"
+#include "device/DeviceWitness.h"
 #include "device/Logging.h"
 #include "device/TelnetDevice.h"
 
@@ -55,6 +56,8 @@ void ConfiguredDevice::stopSyncTelnet()
     if (!m_kind.takesAlarmSettings)
         return;
     logDevice() << "- ConfiguredDevice::stopSyncTelnet() : set buzzerflag false";
+    if (m_exchange.isRunning())
+        tellExchangeFailed(QStringLiteral("It was given up before the logger had confirmed."));
     m_exchange.stop();
     m_owedReplyTimer.stop();
     releaseLinkFromExchange();
@@ -95,6 +98,7 @@ void ConfiguredDevice::takeExchangeReply(const QString &reply)
 {
     switch (m_exchange.takeReply(reply)) {
     case AlarmExchange::Progress::Refused:
+        tellExchangeFailed(QStringLiteral("The logger refused."));
         endExchange([this] { emit buzzerSyncError(QStringLiteral("Device Setup Failed.")); },
                     "[ERROR] - ConfiguredDevice::readData() : NOT OK", reply);
         break;
@@ -102,9 +106,11 @@ void ConfiguredDevice::takeExchangeReply(const QString &reply)
         endExchange([this] { emit buzzerSyncSuccess(); }, "- ConfiguredDevice::readData() : STATE_END", reply);
         break;
     case AlarmExchange::Progress::NextCommand:
-        if (!sendExchangeCommand())
+        if (!sendExchangeCommand()) {
+            tellExchangeFailed(QStringLiteral("The connection broke."));
             endExchange([this] { emit buzzerSyncError(QStringLiteral("Device communication failure.")); },
                         "[ERROR] - ConfiguredDevice::readData() : STATE_ERROR OK", reply);
+        }
         break;
     }
 }
@@ -135,6 +141,12 @@ void ConfiguredDevice::releaseLinkFromExchange()
         m_telnet->close();
     m_telnet->setBuzzerFlag(false);
     askPostponedPoll();
+}
+
+void ConfiguredDevice::tellExchangeFailed(const QString &reason)
+{
+    if (m_witness)
+        m_witness->exchangeFailed(*this, reason);
 }
 
 bool ConfiguredDevice::closesAfterExchange() const

@@ -2,6 +2,7 @@
 
 #include "device/ChartTime.h"
 #include "device/DataInterval.h"
+#include "device/DeviceWitness.h"
 #include "device/Logging.h"
 #include "device/ReplyParser.h"
 #include "device/TelnetDevice.h"
@@ -113,7 +114,7 @@ void ConfiguredDevice::giveUpSilentLink(int missedLimit)
     m_missedReplies = missedLimit;
     const bool givesUp = m_link->isOpen() && (m_connected || m_unansweredPolls > missedLimit);
     const QPointer<ConfiguredDevice> self(this);
-    deviceDisconnected();
+    lose(LossReason::NoAnswer);
     if (!self || !givesUp)
         return;
     m_unansweredPolls = 0;
@@ -170,11 +171,24 @@ void ConfiguredDevice::showReading(const Reading &reading)
 
 void ConfiguredDevice::judgeAlarms(double value1, double value2)
 {
+    const ChannelAlarms before = m_alarms;
     m_alarms.judge(m_settings.alarm.range, value1, value2);
+    tellAlarms(before, value1, value2);
     if (m_alarms.isOnChannel1())
         logDevice() << "- ConfiguredDevice::setCheckAlarmSet1() : " << m_serialNumber;
     if (m_alarms.isOnChannel2())
         logDevice() << "- ConfiguredDevice::setCheckAlarmSet2() : " << m_serialNumber;
+}
+
+void ConfiguredDevice::tellAlarms(const ChannelAlarms &before, double value1, double value2)
+{
+    if (!m_witness)
+        return;
+    const AlarmRange &range = m_settings.alarm.range;
+    if (before.isOnChannel1() != m_alarms.isOnChannel1())
+        m_witness->alarmChanged(*this, {1, m_alarms.isOnChannel1(), value1, range.min1, range.max1});
+    if (before.isOnChannel2() != m_alarms.isOnChannel2())
+        m_witness->alarmChanged(*this, {2, m_alarms.isOnChannel2(), value2, range.min2, range.max2});
 }
 
 void ConfiguredDevice::insertNoValue()
@@ -193,18 +207,29 @@ void ConfiguredDevice::checkAlarmAll()
 
 void ConfiguredDevice::deviceConnected()
 {
-    m_connected = true;
+    if (!std::exchange(m_connected, true) && m_witness)
+        m_witness->loggerConnected(*this);
     m_views.showConnected(m_serialNumber);
 }
 
 void ConfiguredDevice::deviceDisconnected()
 {
-    m_connected = false;
+    lose(LossReason::LinkFailed);
+}
+
+void ConfiguredDevice::lose(LossReason reason)
+{
+    const ChannelAlarms before = m_alarms;
+    m_alarms.clear();
+    tellAlarms(before, noValue, noValue);
+    if (m_exchange.isRunning())
+        tellExchangeFailed(QStringLiteral("The logger was lost."));
+    if (std::exchange(m_connected, false) && m_witness)
+        m_witness->loggerLost(*this, reason);
     if (m_kind.tellsLoss)
         m_missedReplies = 0; // its open port will count as connected again
     m_ch1Value.clear();
     m_ch2Value.clear();
-    m_alarms.clear();
     m_exchange.stop();
     m_owedReplyTimer.stop();
     m_views.showDisconnected(m_serialNumber);

@@ -2,9 +2,11 @@
 
 #include "store/FileIdentity.h"
 #include "store/InsertStatement.h"
+#include "store/KeptRows.h"
 #include "store/Logging.h"
+#include "store/ReadingSpool.h"
 #include "store/RecordingSchema.h"
-#include "store/StoredRows.h"
+#include "store/TornRecording.h"
 #include "store/WriteProtection.h"
 
 #include <QDateTime>
@@ -30,7 +32,7 @@ const QString patienceToWrite = QStringLiteral("PRAGMA busy_timeout = 50");
 const QString releasePages = QStringLiteral("PRAGMA shrink_memory");
 constexpr size_t rowsBetweenReleases = 5000;
 
-// Without a journal a full disk ruins the whole file. This leaves room for a batch and for the side file.
+// Without a journal a full disk ruins the whole file. This leaves room for a batch and for the spool.
 constexpr quint64 minimumFreeSpace = 16 * 1024 * 1024;
 constexpr quint64 generousRowSize = 256;
 
@@ -38,6 +40,30 @@ std::vector<PendingRow> &queue()
 {
     static std::vector<PendingRow> rows;
     return rows;
+}
+
+qint64 &lastNumber()
+{
+    static qint64 number = 0;
+    return number;
+}
+
+qint64 nextNumber()
+{
+    return lastNumber() = numberAfter(lastNumber());
+}
+
+/// The store whose spool gets the rows that are queued.
+InsertSerialData *&spoolingStore()
+{
+    static InsertSerialData *store = nullptr;
+    return store;
+}
+
+int &droppedRows()
+{
+    static int count = 0;
+    return count;
 }
 
 void prepend(const std::vector<PendingRow> &front, std::vector<PendingRow> &rows)
@@ -71,16 +97,15 @@ InsertSerialData::InsertSerialData(const QString &databaseFile, const QString &c
       m_databaseFile(databaseFile),
       m_connectionName(connectionPrefix + QLatin1String("filedb")),
       m_folder(QFileInfo(databaseFile).absolutePath()),
-      m_freeSpace(std::move(freeSpace)),
-      m_rowFile(databaseFile)
+      m_freeSpace(std::move(freeSpace))
 {
 }
 
 InsertSerialData::~InsertSerialData()
 {
     insertNow();
-    if (m_open && !m_readOnly)
-        keepRows();
+    if (m_spool)
+        endSpool();
     if (QSqlDatabase::contains(m_connectionName)) {
         {
             QSqlDatabase database = connection();
@@ -103,13 +128,15 @@ bool InsertSerialData::createConnection()
         m_readOnly = m_readOnly || refusesToWrite(connection());
         return true;
     }
+    if (!m_readOnly)
+        replaceIfTorn();
     if (openConnection() && (m_readOnly ? isDatabase(connection()) : prepareForWriting())) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
         m_openedFile = fileIdentity(m_databaseFile);
         m_readOnly = m_readOnly || refusesToWrite(connection());
         if (!m_readOnly)
-            takeInKeptRows();
+            startSpool();
         return true;
     }
     // A later call must not take a connection that failed for a working one.
@@ -130,7 +157,19 @@ bool InsertSerialData::isReadOnly() const
 
 void InsertSerialData::enqueue(const PendingRow &row)
 {
+    InsertSerialData *store = spoolingStore();
+    const bool isFull = pendingCount() >= mostRowsInMemory && !(store && store->m_spool->isWorking());
+    if (isFull) {
+        ++droppedRows();
+        if (store)
+            store->fail(Failure::Dropped, QStringLiteral("So many readings wait in memory that there is no room for "
+                                                         "more. New ones are lost until they can be written."));
+        return;
+    }
     queue().push_back(row);
+    queue().back().number = nextNumber();
+    if (store)
+        store->spool(queue().back());
 }
 
 int InsertSerialData::pendingCount()
@@ -155,6 +194,12 @@ void InsertSerialData::insertNow()
     }
     if (takeExclusiveLock())
         writeBatch();
+}
+
+void InsertSerialData::saveQueuedRows()
+{
+    if (m_spool)
+        m_spool->writeNow();
 }
 
 quint32 InsertSerialData::startDateTime() const
@@ -187,45 +232,99 @@ bool InsertSerialData::prepareForWriting()
     return tuneForAppending(connection()) && createTable(connection()) && QSqlQuery(connection()).exec(patienceToWrite);
 }
 
-/// Puts the side file's rows in front of the queue. The file stays until they are committed, so a crash may leave
-/// rows in both places: they count as perhaps stored.
-void InsertSerialData::takeInKeptRows()
+void InsertSerialData::replaceIfTorn()
 {
-    if (!m_rowFile.exists())
-        return;
-    const PendingRowFile::Content content = m_rowFile.read();
-    if (content.damaged) {
-        const QString aside = m_rowFile.setAside();
-        qCWarning(lcStore).noquote().nospace()
-            << "InsertSerialData::createConnection : [ERROR] damaged : " << m_rowFile.path()
-            << " : set aside as : " << aside;
-        m_rowFileIsQueued = !aside.isEmpty() && m_rowFile.write(content.rows);
-    } else {
-        m_rowFileIsQueued = true;
-    }
-    m_perhapsStored = int(content.rows.size());
-    prepend(content.rows, queue());
+    const TornRecording torn = replaceTornRecording(m_databaseFile);
+    m_openingReport.rowsSalvaged = torn.rows;
+    m_openingReport.tornFile = torn.file;
 }
 
-/// Moves what is left of the queue into the side file, behind the rows that this store has not taken over from it.
-void InsertSerialData::keepRows()
+/// Puts the rows that an earlier run has left in front of the queue. They stay in the spool until they are committed.
+void InsertSerialData::startSpool()
 {
-    if (queue().empty())
-        return;
-    std::vector<PendingRow> rows = std::exchange(queue(), {});
-    bool safeToReplace = true;
-    if (!m_rowFileIsQueued && m_rowFile.exists()) {
-        const PendingRowFile::Content content = m_rowFile.read();
-        // What cannot be read must not be replaced by what can.
-        safeToReplace = !content.damaged || !m_rowFile.setAside().isEmpty();
-        if (safeToReplace)
-            prepend(content.rows, rows);
+    const KeptRows kept = takeInKeptRows(connection(), m_databaseFile);
+    m_perhapsStored = kept.perhapsStored;
+    m_perhapsStoredAs = PerhapsStored::InEarlyBatches;
+    m_storedUpTo = kept.storedUpTo;
+    m_openingReport.rowsReplayed = int(kept.rows.size());
+    m_openingReport.damagedSpool = kept.setAside;
+    m_spool = std::make_unique<ReadingSpool>(SpoolFile::pathOf(m_databaseFile), m_storedUpTo);
+    connect(m_spool.get(), &ReadingSpool::failed, this, &InsertSerialData::slotSpoolFailed);
+    connect(m_spool.get(), &ReadingSpool::restored, this, &InsertSerialData::slotSpoolRestored);
+    connect(m_spool.get(), &ReadingSpool::lost, this, &InsertSerialData::slotSpoolLost);
+
+    m_lastSpooled = kept.highestNumber;
+    lastNumber() = std::max(lastNumber(), kept.highestNumber);
+    for (PendingRow &row : queue()) {
+        row.number = nextNumber();
+        spool(row);
     }
-    if (safeToReplace && m_rowFile.write(rows))
+    prepend(kept.rows, queue());
+    spoolingStore() = this;
+    if (queue().empty() && kept.highestNumber > 0)
+        takeOutOfSpool(kept.highestNumber);
+}
+
+void InsertSerialData::spool(const PendingRow &row)
+{
+    m_lastSpooled = row.number;
+    m_spool->append(row);
+}
+
+/// What is left of the queue stays in the spool.
+void InsertSerialData::endSpool()
+{
+    if (spoolingStore() == this)
+        spoolingStore() = nullptr;
+    const std::vector<PendingRow> rows = std::exchange(queue(), {});
+    if (rows.empty() && m_doneUpTo < m_lastSpooled)
+        takeOutOfSpool(m_lastSpooled);
+    const bool areSaved = m_spool->finish(rows);
+    m_spool.reset();
+    if (areSaved)
         return;
     qCWarning(lcStore).noquote().nospace() << "InsertSerialData::~InsertSerialData : [ERROR] " << rows.size()
-                                           << " rows could not be kept in " << m_rowFile.path();
+                                           << " rows could not be kept in " << SpoolFile::pathOf(m_databaseFile);
     fail(Failure::Lost, QStringLiteral("%1 readings could not be written and are lost.").arg(rows.size()));
+}
+
+/// The rows up to that number are committed.
+void InsertSerialData::takeOutOfSpool(qint64 lastNumber)
+{
+    // Rows that were left there may partly be stored: what was stored since must be looked at for them.
+    if (!m_leavesRows)
+        m_storedUpTo = newestRowId(connection()).value_or(m_storedUpTo);
+    if (m_spool && lastNumber > m_doneUpTo)
+        m_spool->takeOut({m_doneUpTo + 1, lastNumber}, m_storedUpTo);
+    m_doneUpTo = std::max(m_doneUpTo, lastNumber);
+}
+
+/// The rows up to that number are lost to this run; the next one tries them again.
+void InsertSerialData::leaveInSpool(qint64 lastNumber)
+{
+    m_leavesRows = true;
+    m_doneUpTo = std::max(m_doneUpTo, lastNumber);
+}
+
+void InsertSerialData::slotSpoolFailed(const QString &reason)
+{
+    m_spoolFailure =
+        QStringLiteral("Readings cannot be saved at once and wait in memory until they are recorded: %1").arg(reason);
+    fail(Failure::Unsaved, m_spoolFailure);
+}
+
+void InsertSerialData::slotSpoolRestored()
+{
+    m_spoolFailure.clear();
+    m_failures.erase(Failure::Unsaved);
+    if (m_failures.empty())
+        emit writingRestored();
+}
+
+void InsertSerialData::slotSpoolLost()
+{
+    for (const PendingRow &row : queue())
+        m_spool->append(row);
 }
 
 /// The exclusive lock, before anything is touched: under any lesser one a mere reader makes the commit fail.
@@ -253,7 +352,8 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
 {
     // Another store on the same queue may have emptied it meanwhile.
     const auto count = std::min(m_perhapsStored, pendingCount());
-    const QSqlError error = count == 0 ? QSqlError() : removeStoredRows(connection(), queue(), count);
+    const QSqlError error =
+        count == 0 ? QSqlError() : removeStoredRows(connection(), queue(), count, m_storedUpTo, m_perhapsStoredAs);
     if (error.type() == QSqlError::NoError)
         m_perhapsStored = 0;
     return error;
@@ -263,6 +363,7 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
 void InsertSerialData::writeBatch()
 {
     qCDebug(lcStore).noquote().nospace() << "InsertSerialData::insertNow : starttime : " << clockText();
+    const qint64 lastOfBatch = queue().empty() ? m_doneUpTo : queue().back().number;
     const QStringList statements = insertStatements(queue());
     const std::vector<PendingRow> batch = std::exchange(queue(), {});
     for (const QString &statement : statements)
@@ -286,12 +387,14 @@ void InsertSerialData::writeBatch()
 
     if (!committed) {
         m_perhapsStored = int(batch.size());
+        m_perhapsStoredAs = PerhapsStored::AsOneBatch;
         prepend(batch, queue());
         failWaiting(database.lastError());
     } else if (!firstError.isEmpty()) {
-        m_rowFileIsQueued = false;
+        leaveInSpool(lastOfBatch);
         fail(Failure::Lost, QStringLiteral("Readings could not be written and are lost: %1").arg(firstError));
     } else {
+        takeOutOfSpool(lastOfBatch);
         releaseWrittenPages(batch.size());
         succeed();
     }
@@ -326,12 +429,15 @@ void InsertSerialData::failWaiting(const QSqlError &error)
 
 void InsertSerialData::succeed()
 {
-    if (std::exchange(m_rowFileIsQueued, false))
-        m_rowFile.remove();
-    if (!m_failures.empty()) {
-        m_failures.clear();
+    if (const int dropped = std::exchange(droppedRows(), 0))
+        emit readingsDropped(dropped);
+    if (m_failures.empty() || (m_failures.size() == 1 && m_failures.count(Failure::Unsaved) == 1))
+        return;
+    m_failures.clear();
+    if (m_spoolFailure.isEmpty())
         emit writingRestored();
-    }
+    else
+        fail(Failure::Unsaved, m_spoolFailure);
 }
 
 quint32 InsertSerialData::rangeEnd(const char *function, const QString &query) const

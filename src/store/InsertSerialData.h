@@ -1,17 +1,31 @@
 #pragma once
 
 #include "store/PendingRow.h"
-#include "store/PendingRowFile.h"
+#include "store/StoredRows.h"
 
 #include <QObject>
 #include <QSqlDatabase>
 #include <QSqlError>
 
 #include <functional>
+#include <memory>
 #include <set>
 
+class ReadingSpool;
+
+/// What was found and saved when a recording was opened.
+struct OpeningReport
+{
+    int rowsReplayed = 0; ///< had waited beside the recording since an earlier run
+    int rowsSalvaged = 0; ///< were read out of a torn recording
+    QString tornFile;     ///< where that is now
+    QString damagedSpool; ///< where a file of waiting rows is now that could not be read to its end
+};
+
 /// The recording of one project: a connection to its SQLite file and the only writer of its readings.
-/// Devices append rows to one queue that the whole process shares; insertNow() moves the queue into the file.
+/// Devices append rows to one queue that the whole process shares; insertNow() moves the queue into the file. What is
+/// queued while a store is open also goes to a spool file beside the recording, within a second and without waiting
+/// for it: the next store that opens the recording finds what an interrupted one had not written.
 /// While another program has the file locked, opening it waits up to 5 s, any other call about 50 ms.
 class InsertSerialData : public QObject
 {
@@ -25,18 +39,22 @@ public:
     /// Nothing is opened yet. The connection will be registered as @p connectionPrefix + "filedb".
     InsertSerialData(const QString &databaseFile, const QString &connectionPrefix, QObject *parent = nullptr,
                      FreeSpace freeSpace = diskFreeSpace);
-    /// Tries once more to write the queue, keeps beside the recording what still could not be written, then closes
-    /// it. The queue of a store that was never open is left alone.
+    /// Tries once more to write the queue, sees that what still could not be written is in the spool, then closes the
+    /// recording. The queue of a store that was never open is left alone.
     ~InsertSerialData() override;
 
-    /// Opens the file, makes the table where there is none and takes in rows that an earlier run had to leave
-    /// beside the recording; a file that cannot be written to is opened for reading only. False when the file cannot
+    /// Opens the file, makes the table where there is none and queues the rows that an earlier run has left beside
+    /// the recording; a file that cannot be written to is opened for reading only. False when the file cannot
     /// be used; the reason is in the log only.
     bool createConnection();
     bool isOpen() const;
     /// Whether an open recording is for looking at: nothing is written into it, rows stay where they are.
     bool isReadOnly() const;
+    /// Of the last createConnection().
+    const OpeningReport &openingReport() const { return m_openingReport; }
 
+    /// So many rows wait at most while they cannot be put on the disk; what comes then is lost.
+    static constexpr int mostRowsInMemory = 200000;
     /// Appends a row to the process-wide queue; also valid while no store is open.
     static void enqueue(const PendingRow &row);
     static int pendingCount();
@@ -45,6 +63,8 @@ public:
     /// or the disk is nearly full, the rows stay queued. A statement that fails loses its rows; those of a failed
     /// commit stay queued.
     void insertNow();
+    /// Lets the rows queued so far go to the disk at once, as before a new round of readings.
+    void saveQueuedRows();
 
     /// Unix seconds of the earliest and the latest row; 0 for an empty table or a failed query.
     quint32 startDateTime() const;
@@ -52,19 +72,29 @@ public:
 
 signals:
     /// Readings are not reaching the file. Until writing works again each kind of failure (file in use, file gone,
-    /// disk nearly full, write refused, readings lost) is told once; @p reason is a sentence for the operator.
+    /// disk nearly full, write refused, rows not saved meanwhile, readings lost) is told once; @p reason is a sentence
+    /// for the operator.
     void writingFailed(const QString &reason);
     /// The first successful write after writingFailed().
     void writingRestored();
+    /// So many readings found no place in memory since writing failed; told before writingRestored().
+    void readingsDropped(int count);
 
 private:
-    enum class Failure { InUse, Gone, DiskNearlyFull, Waiting, Lost };
+    enum class Failure { InUse, Gone, DiskNearlyFull, Waiting, Lost, Unsaved, Dropped };
 
     QSqlDatabase connection() const;
     bool openConnection();
     bool prepareForWriting();
-    void takeInKeptRows();
-    void keepRows();
+    void replaceIfTorn();
+    void startSpool();
+    void spool(const PendingRow &row);
+    void endSpool();
+    void takeOutOfSpool(qint64 lastNumber);
+    void leaveInSpool(qint64 lastNumber);
+    void slotSpoolFailed(const QString &reason);
+    void slotSpoolRestored();
+    void slotSpoolLost();
     bool takeExclusiveLock();
     QSqlError dropRowsAlreadyStored();
     void writeBatch();
@@ -81,11 +111,16 @@ private:
     QString m_connectionName;
     QString m_folder;
     FreeSpace m_freeSpace;
-    PendingRowFile m_rowFile;
-    /// Every row of the side file is in the queue, too: once those are committed the file has done its work.
-    bool m_rowFileIsQueued = false;
-    /// So many rows at the front of the queue may be in the recording already.
+    OpeningReport m_openingReport;
+    std::unique_ptr<ReadingSpool> m_spool; ///< while rows can be written
+    QString m_spoolFailure;                ///< told to the operator; empty while all is well
+    qint64 m_doneUpTo = 0;                 ///< rows with this number or a lower one are out of the queue
+    qint64 m_lastSpooled = 0;              ///< the highest number that the spool has been given
+    bool m_leavesRows = false;             ///< rows that a statement failed for stay in the spool
+    /// So many rows at the front of the queue may be in the recording already, under row ids above m_storedUpTo.
     int m_perhapsStored = 0;
+    PerhapsStored m_perhapsStoredAs = PerhapsStored::AsOneBatch;
+    qint64 m_storedUpTo = 0;
     size_t m_rowsSinceRelease = 0;
     std::set<Failure> m_failures;
 };

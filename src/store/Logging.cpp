@@ -1,3 +1,4 @@
 #include "store/Logging.h"
 
 Q_LOGGING_CATEGORY(lcStore, "sorvanto.store")
+Q_LOGGING_CATEGORY(lcSpool, "sorvanto.spool")

@@ -1,7 +1,7 @@
 #include "store/PendingRowFile.h"
 
+#include <QCryptographicHash>
 #include <QFile>
-#include <QSaveFile>
 
 #include <optional>
 
@@ -12,13 +12,6 @@ const QByteArray headerPrefix = QByteArrayLiteral("sorvanto-pending-rows 1 ");
 QByteArray headerLine(const std::vector<PendingRow> &rows)
 {
     return headerPrefix + QByteArray::number(qulonglong(rows.size())) + '\n';
-}
-
-QByteArray line(const PendingRow &row)
-{
-    // Seventeen significant digits bring every double back exactly.
-    return QByteArray::number(row.time) + ' ' + QByteArray::number(row.channel1, 'g', 17) + ' ' +
-           QByteArray::number(row.channel2, 'g', 17) + ' ' + row.serial.toUtf8().toPercentEncoding() + '\n';
 }
 
 std::optional<PendingRow> parsed(const QByteArray &line)
@@ -62,6 +55,10 @@ PendingRowFile::Content PendingRowFile::read() const
         content.damaged = file.exists();
         return content;
     }
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(&file);
+    content.digest = hash.result();
+    file.seek(0);
     QByteArray header;
     if (file.peek(headerPrefix.size()) == headerPrefix)
         header = file.readLine();
@@ -74,18 +71,6 @@ PendingRowFile::Content PendingRowFile::read() const
     if (header != headerLine(content.rows))
         content.damaged = true;
     return content;
-}
-
-bool PendingRowFile::write(const std::vector<PendingRow> &rows) const
-{
-    QByteArray content = headerLine(rows);
-    for (const PendingRow &row : rows)
-        content += line(row);
-    // Unbuffered, because a full disk shows only in the write itself: what a buffer still holds when the file is
-    // committed may fail unnoticed.
-    QSaveFile file(m_path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(content) == content.size() &&
-           file.commit();
 }
 
 bool PendingRowFile::remove() const

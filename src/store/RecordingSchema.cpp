@@ -9,6 +9,11 @@
 #include <algorithm>
 #include <iterator>
 
+QString timeIndexStatement()
+{
+    return QStringLiteral("create index ostrivane_pointDate on ostrivane (pointDate)");
+}
+
 bool tuneForAppending(const QSqlDatabase &database)
 {
     // The last message names another journal than its statement does. Both are meant to be as they are.
@@ -48,7 +53,7 @@ bool createTable(const QSqlDatabase &database)
     }
     qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createTable : create table";
     // The range queries would otherwise read the whole file. A recording without the index still works.
-    if (!query.exec(QStringLiteral("create index ostrivane_pointDate on ostrivane (pointDate)"))) {
+    if (!query.exec(timeIndexStatement())) {
         qCWarning(lcStore).noquote().nospace()
             << "InsertSerialData::createTable : [ERROR] create index : " << query.lastError().text();
     }

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <QString>
+
 class QSqlDatabase;
+
+/// What makes the index on the time of the readings.
+QString timeIndexStatement();
 
 /// Page size, cache size and no journal. False when one of them is refused; the reason is in the log.
 bool tuneForAppending(const QSqlDatabase &database);

@@ -16,28 +16,50 @@ double channelValue(const QVariant &column)
     return column.isNull() ? noValue : column.toDouble();
 }
 
-QString queryBetween(quint32 first, quint32 last, int newest)
+QString queryBetween(quint32 first, quint32 last, qint64 after, int newest)
 {
-    return QStringLiteral(
-               "select serialno, channel1, channel2, pointDate from "
-               "(select serialno, channel1, channel2, pointDate from ostrivane order by rowid desc limit %1) "
-               "where pointDate between %2 and %3")
+    return QStringLiteral("select serialno, channel1, channel2, pointDate from "
+                          "(select serialno, channel1, channel2, pointDate from ostrivane where rowid > %1 "
+                          "order by rowid desc limit %2) where pointDate between %3 and %4")
+        .arg(after)
         .arg(newest)
         .arg(first)
         .arg(last);
 }
 
+/// One behind the last row that must have been in a batch: behind it, an equal row is another reading.
+std::vector<PendingRow>::iterator endOfBatches(std::vector<PendingRow>::iterator first,
+                                               std::vector<PendingRow>::iterator last, QSet<QString> stored)
+{
+    auto end = first;
+    for (auto row = first; row != last; ++row) {
+        if (stored.remove(insertTerm(*row)))
+            end = row + 1;
+    }
+    return end;
+}
+
 } // namespace
 
-QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow> &rows, int count)
+std::optional<qint64> newestRowId(const QSqlDatabase &recording)
+{
+    QSqlQuery query(recording);
+    if (!query.exec(QStringLiteral("select max(rowid) from ostrivane")) || !query.next())
+        return std::nullopt;
+    return query.value(0).toLongLong();
+}
+
+QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow> &rows, int count, qint64 after,
+                           PerhapsStored kind)
 {
     const auto first = rows.begin();
-    const auto last = first + count;
+    auto last = first + count;
     const auto range =
         std::minmax_element(first, last, [](const PendingRow &a, const PendingRow &b) { return a.time < b.time; });
     QSqlQuery query(recording);
     query.setForwardOnly(true);
-    if (!query.exec(queryBetween(range.first->time, range.second->time, std::max(newestRowsSearched, count))))
+    const int searched = std::max(newestRowsSearched, count);
+    if (!query.exec(queryBetween(range.first->time, range.second->time, after, searched)))
         return query.lastError();
 
     QSet<QString> wanted;
@@ -49,6 +71,8 @@ QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow
         if (wanted.contains(term))
             stored += term;
     }
+    if (kind == PerhapsStored::InEarlyBatches)
+        last = endOfBatches(first, last, stored);
     rows.erase(std::remove_if(first, last, [&](const PendingRow &row) { return stored.contains(insertTerm(row)); }),
                last);
     return {};

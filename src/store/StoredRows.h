@@ -4,6 +4,7 @@
 
 #include <QSqlError>
 
+#include <optional>
 #include <vector>
 
 class QSqlDatabase;
@@ -12,5 +13,15 @@ class QSqlDatabase;
 /// memory, and what was perhaps stored was stored last.
 constexpr int newestRowsSearched = 100000;
 
-/// Takes those of the first @p count rows out that the recording holds already.
-QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow> &rows, int count);
+/// What is known of rows of which some may be in the recording.
+enum class PerhapsStored {
+    AsOneBatch,     ///< all of them were written at once, or were to be
+    InEarlyBatches, ///< batches took rows from the front; what came later may well be equal to what they stored
+};
+
+/// The highest row id of a recording, 0 when it is empty; none when the recording cannot be asked.
+std::optional<qint64> newestRowId(const QSqlDatabase &recording);
+
+/// Takes those of the first @p count rows out that the recording holds already, under a row id above @p after.
+QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow> &rows, int count, qint64 after,
+                           PerhapsStored kind);

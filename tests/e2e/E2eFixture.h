@@ -53,7 +53,7 @@ public:
 
     QString projectFile() const { return m_projectFolder + QStringLiteral("/Kitchen.tpc"); }
     QString recordingFile() const { return m_projectFolder + QStringLiteral("/Kitchen.dat"); }
-    QString sideFile() const { return recordingFile() + QStringLiteral(".pending"); }
+    QString spool() const { return recordingFile() + QStringLiteral(".spool"); }
     QString projectValue(const QString &key) const;
     QList<RecordedRow> rows() const;
     /// Rows in the recording that carry values, of all loggers.

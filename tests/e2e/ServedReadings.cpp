@@ -4,6 +4,7 @@
 #include "loggersim/SimLogger.h"
 
 #include <QLocale>
+#include <QMap>
 
 namespace {
 
@@ -80,6 +81,25 @@ QString ServedReadings::differences(const QList<RecordedRow> &rows, bool lastMay
     return missing <= (lastMayMiss ? 1 : 0)
                ? QString()
                : QStringLiteral("%1: the last %2 of %3 readings are missing").arg(m_serial).arg(missing).arg(count());
+}
+
+QString ServedReadings::miscounts(const QList<RecordedRow> &rows, const QSet<int> &mayMiss) const
+{
+    QMap<QString, int> missing;
+    QMap<QString, int> optional;
+    for (int i = 0; i < count(); ++i) {
+        ++missing[m_readings.at(i)];
+        optional[m_readings.at(i)] += mayMiss.contains(i) ? 1 : 0;
+    }
+    const QList<RecordedRow> recorded = readingsOf(m_serial, rows);
+    for (const RecordedRow &row : recorded)
+        --missing[text(row)];
+    QStringList found;
+    for (auto reading = missing.cbegin(); reading != missing.cend(); ++reading) {
+        if (reading.value() < 0 || reading.value() > optional.value(reading.key()))
+            found += QStringLiteral("%1 [%2] missing: %3").arg(m_serial, reading.key()).arg(reading.value());
+    }
+    return found.join(QStringLiteral("; "));
 }
 
 QStringList ServedReadings::missingSince(int first, const QList<RecordedRow> &rows) const

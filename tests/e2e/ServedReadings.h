@@ -2,6 +2,7 @@
 
 #include "support/RecordedRows.h"
 
+#include <QSet>
 #include <QStringList>
 
 namespace loggersim {
@@ -28,6 +29,9 @@ public:
     /// order: an empty text when nothing is. The last reading may be missing if @p lastMayMiss, because it was on its
     /// way when the recording stopped.
     QString differences(const QList<RecordedRow> &rows, bool lastMayMiss = true) const;
+    /// What is wrong with a recording's rows in which each of these readings must be exactly once, except that those
+    /// numbered in @p mayMiss need not be there: an empty text when nothing is.
+    QString miscounts(const QList<RecordedRow> &rows, const QSet<int> &mayMiss) const;
     /// The readings from number @p first on that are not in the recording. The last one may be missing.
     QStringList missingSince(int first, const QList<RecordedRow> &rows) const;
 

@@ -70,7 +70,7 @@ void tst_BusyRecording::endsWhileTheFileIsHeld()
     QVERIFY2(e2e.fallSilent(), station.lastWords());
     QVERIFY2(station.end(), station.lastWords());
     QVERIFY2(station.hasSucceeded(), station.lastWords());
-    QVERIFY(QFileInfo::exists(e2e.sideFile()));
+    QVERIFY(QFileInfo::exists(e2e.spool()));
     QVERIFY(!e2e.differences().isEmpty());
     reader.letGo();
 
@@ -80,7 +80,7 @@ void tst_BusyRecording::endsWhileTheFileIsHeld()
     QVERIFY2(e2e.fallSilent(), station.lastWords());
     QVERIFY2(station.end(), station.lastWords());
     QVERIFY2(station.hasSucceeded(), station.lastWords());
-    QVERIFY(!QFileInfo::exists(e2e.sideFile()));
+    QVERIFY(!QFileInfo::exists(e2e.spool()));
     QCOMPARE(e2e.differences(false), QByteArray());
     QCOMPARE(e2e.integrity(), QStringLiteral("ok"));
 }

@@ -150,7 +150,7 @@ void tst_RecordingEndToEnd::verifyEnd(E2eFixture &e2e)
     QCOMPARE(rows.size(), e2e.readingCount() + e2e.loggerCount());
     QCOMPARE(e2e.projectValue(QStringLiteral("record_start_time")), localTime(rows.first().time));
     QCOMPARE(e2e.projectValue(QStringLiteral("record_stop_time")), localTime(rows.last().time));
-    QVERIFY(!QFileInfo::exists(e2e.sideFile()));
+    QVERIFY(!QFileInfo::exists(e2e.spool()));
 }
 
 /// The series ends with one row without values, one second after its last reading.

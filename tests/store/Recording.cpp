@@ -1,5 +1,9 @@
 #include "store/Recording.h"
 
+#include "store/InsertStatement.h"
+#include "store/SpoolFile.h"
+
+#include <QFile>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -52,6 +56,30 @@ QStringList Recording::rows() const
 {
     return OtherProgram(file()).rows(
         QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane order by pointDate, serialno"));
+}
+
+bool Recording::writeSideFile(const QString &path, const std::vector<PendingRow> &rows)
+{
+    QByteArray content = "sorvanto-pending-rows 1 " + QByteArray::number(qulonglong(rows.size())) + '\n';
+    for (const PendingRow &row : rows) {
+        content += QByteArray::number(row.time) + ' ' + QByteArray::number(row.channel1, 'g', 17) + ' ' +
+                   QByteArray::number(row.channel2, 'g', 17) + ' ' + row.serial.toUtf8().toPercentEncoding() + '\n';
+    }
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+QStringList Recording::spooledRows() const
+{
+    // The files as they would be found if the program ended now; the spool itself is open to one reader only.
+    const QTemporaryDir copy;
+    const QString target = copy.filePath(QStringLiteral("copy"));
+    QFile::copy(spool(), target);
+    QFile::copy(spool() + QStringLiteral("-wal"), target + QStringLiteral("-wal"));
+    QStringList lines;
+    for (const PendingRow &row : SpoolFile(target).read().rows)
+        lines << insertTerm(row);
+    return lines;
 }
 
 QString Recording::integrity() const

@@ -30,7 +30,13 @@ class Recording
 public:
     QString folder() const { return m_folder.path(); }
     QString file() const { return m_folder.filePath(QStringLiteral("Kitchen.dat")); }
+    QString spool() const { return file() + QStringLiteral(".spool"); }
+    /// What earlier versions made in the place of the spool.
     QString sideFile() const { return file() + QStringLiteral(".pending"); }
+    bool writeSideFile(const std::vector<PendingRow> &rows) const { return writeSideFile(sideFile(), rows); }
+    static bool writeSideFile(const QString &path, const std::vector<PendingRow> &rows);
+    /// The rows that would be found in the spool if the program ended now, as the terms of a statement, in their order.
+    QStringList spooledRows() const;
 
     /// A store on this recording with a disk of @p freeSpace bytes; nullptr when it cannot be opened.
     std::unique_ptr<InsertSerialData> open(quint64 freeSpace = quint64(1) << 40) const;

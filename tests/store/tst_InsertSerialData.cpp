@@ -275,7 +275,7 @@ void tst_InsertSerialData::destructionWritesTheQueue()
 
     QCOMPARE(InsertSerialData::pendingCount(), 0);
     QCOMPARE(recording.rows(), QStringList("A1|21.5|40|1700000000"));
-    QVERIFY(!QFile::exists(recording.sideFile()));
+    QVERIFY(!QFile::exists(recording.spool()));
 }
 
 void tst_InsertSerialData::destructionOfANeverOpenedStoreLeavesTheQueue()
@@ -288,7 +288,7 @@ void tst_InsertSerialData::destructionOfANeverOpenedStoreLeavesTheQueue()
 
     QCOMPARE(log.lines(), QStringList("InsertSerialData::~InsertSerialData()"));
     QCOMPARE(InsertSerialData::pendingCount(), 1);
-    QVERIFY(!QFile::exists(recording.sideFile()));
+    QVERIFY(!QFile::exists(recording.spool()));
 }
 
 QTEST_GUILESS_MAIN(tst_InsertSerialData)

@@ -1,3 +1,4 @@
+#include "store/PendingRowFile.h"
 #include "store/Recording.h"
 #include "support/LogCapture.h"
 #include "support/WriteObstacles.h"
@@ -126,7 +127,7 @@ void tst_InsertSerialData_readOnly::opensForLooking()
 void tst_InsertSerialData_readOnly::takesNoRows()
 {
     // Of an earlier run, beside a recording that was archived since.
-    QVERIFY(PendingRowFile(m_recording->file()).write({row("C3", 1700000008)}));
+    QVERIFY(m_recording->writeSideFile({row("C3", 1700000008)}));
     protect(Superuser);
     auto store = m_recording->open();
     QVERIFY(store);
@@ -147,7 +148,7 @@ void tst_InsertSerialData_readOnly::takesNoRows()
 
 void tst_InsertSerialData_readOnly::writableAgain()
 {
-    QVERIFY(PendingRowFile(m_recording->file()).write({row("C3", 1700000008)}));
+    QVERIFY(m_recording->writeSideFile({row("C3", 1700000008)}));
     protect(Superuser);
     QVERIFY(m_recording->open()->isReadOnly());
     QVERIFY(setMode(m_recording->file(), writers));

@@ -1,6 +1,6 @@
 #include "store/PendingRowFile.h"
 
-#include "support/WriteObstacles.h"
+#include "store/Recording.h"
 
 #include <QtTest>
 
@@ -18,9 +18,6 @@ private slots:
     void rowsComeBackExactly_data();
     void rowsComeBackExactly();
     void orderStays();
-    void writingReplacesTheFile();
-    void refusedWritingLeavesTheOldFile();
-    void fullDiskLeavesTheOldFile();
     void damageCostsNoReadableRow_data();
     void damageCostsNoReadableRow();
     void setAsideNeverReplaces();
@@ -114,7 +111,7 @@ void tst_PendingRowFile::rowsComeBackExactly()
     QFETCH(double, value);
     QFETCH(quint32, time);
 
-    QVERIFY(m_file->write({{serial, value, 0.25, time}, {serial, -1, value, time}}));
+    QVERIFY(Recording::writeSideFile(m_file->path(), {{serial, value, 0.25, time}, {serial, -1, value, time}}));
     const PendingRowFile::Content content = m_file->read();
 
     QVERIFY(!content.damaged);
@@ -128,41 +125,8 @@ void tst_PendingRowFile::rowsComeBackExactly()
 
 void tst_PendingRowFile::orderStays()
 {
-    QVERIFY(m_file->write(threeRows()));
+    QVERIFY(Recording::writeSideFile(m_file->path(), threeRows()));
     QCOMPARE(serials(m_file->read().rows), QStringList({"A1", "B2", "C3"}));
-}
-
-void tst_PendingRowFile::writingReplacesTheFile()
-{
-    QVERIFY(m_file->write(threeRows()));
-    QVERIFY(m_file->write({threeRows()[1]}));
-
-    QCOMPARE(serials(m_file->read().rows), QStringList("B2"));
-    QVERIFY(!m_file->read().damaged);
-}
-
-void tst_PendingRowFile::refusedWritingLeavesTheOldFile()
-{
-    QVERIFY(QDir(m_folder->path()).mkdir("Kitchen.dat.pending"));
-    QVERIFY(!m_file->write(threeRows()));
-    QVERIFY(QFileInfo(m_file->path()).isDir());
-    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files).size(), 0);
-}
-
-void tst_PendingRowFile::fullDiskLeavesTheOldFile()
-{
-    QVERIFY(m_file->write({threeRows()[1]}));
-    const QByteArray before = content();
-    for (int size = 0; size < 60; ++size) {
-        bool written = false;
-        {
-            const FullDisk disk(static_cast<rlim_t>(size));
-            written = m_file->write(threeRows());
-        }
-        QVERIFY2(!written, qPrintable(QString::number(size)));
-        QCOMPARE(content(), before);
-    }
-    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files).size(), 1);
 }
 
 void tst_PendingRowFile::damageCostsNoReadableRow_data()
@@ -193,7 +157,7 @@ void tst_PendingRowFile::damageCostsNoReadableRow()
     QFETCH(QByteArray, from);
     QFETCH(QByteArray, to);
     QFETCH(QStringList, left);
-    QVERIFY(m_file->write(threeRows()));
+    QVERIFY(Recording::writeSideFile(m_file->path(), threeRows()));
     QByteArray bytes = content();
     QVERIFY(bytes.contains(from));
     setContent(bytes.replace(from, to));

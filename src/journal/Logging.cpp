@@ -1,0 +1,3 @@
+#include "journal/Logging.h"
+
+Q_LOGGING_CATEGORY(lcJournal, "sorvanto.journal")
