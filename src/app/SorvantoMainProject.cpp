@@ -17,9 +17,6 @@
 
 namespace {
 
-// However short the stored interval, no logger is asked more often.
-constexpr int shortestPollMs = 1000;
-
 constexpr int longestFolderText = 40;
 
 QString shortened(const QString &folder)
@@ -170,7 +167,7 @@ void SorvantoMain::openProjectView()
     slotKeepAlive(m_settings.keepAlive);
     openUsbDevicesAnew();
     // In this order: a second that begins meanwhile is polled once more rather than not at all.
-    m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
+    startPolls();
     writeDevice();
     if (m_settings.autoRecord && !isRecordingReadOnly())
         slotToggleRecord();
@@ -200,7 +197,8 @@ void SorvantoMain::closeProject()
     m_alarmSound->stop();
     m_form->label_projectname->clear();
     m_form->label_interval->clear();
-    stopRunningRecording();
+    if (isRecording())
+        slotStopRecord();
     deleteInsertSerialData();
     freeUnconfirmedDevices();
     m_devices.clear();
