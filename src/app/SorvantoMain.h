@@ -155,6 +155,7 @@ private:
     void reportCancelledExchanges();
     void reportUnsavedProject();
     void reportRefusedDevices(const QStringList &sentences);
+    void reportDevicesTooMany();
 
     // Screens
     void showStartScreen();

@@ -93,12 +93,13 @@ void SorvantoMain::projectLoaded(const QString &path)
     enter(StationState::Open);
     openProjectView();
     reportRefusedDevices(file.refusedDevices());
+    reportDevicesTooMany();
 }
 
 void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames)
 {
     freeUnconfirmedDevices();
-    m_devices.adopt(devices);
+    m_devices.adopt(m_projectManager ? devices + m_projectManager->unseenDevices(devices) : devices);
     m_dashboardNames = dashboardNames;
     closeDiscoverySockets();
     discardScreens();
@@ -244,6 +245,17 @@ void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
     const auto others = sentences.size() - 1;
     const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
     showTimedMessage(QStringLiteral("ERROR"), sentences.first() + more);
+}
+
+void SorvantoMain::reportDevicesTooMany()
+{
+    if (m_devices.size() <= ProjectManager::maxDevices)
+        return;
+    showTimedMessage(QStringLiteral("WARNING"),
+                     QStringLiteral("The project lists %1 devices, and %2 can be chosen. All are polled and recorded, "
+                                    "and all stay in its file; those without a place are on no dashboard.")
+                         .arg(m_devices.size())
+                         .arg(ProjectManager::maxDevices));
 }
 
 void SorvantoMain::showProjectName()
