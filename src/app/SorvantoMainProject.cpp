@@ -8,6 +8,7 @@
 #include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
 #include "store/InsertSerialData.h"
+#include "store/WriteProtection.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
@@ -153,12 +154,13 @@ void SorvantoMain::openProjectView()
     m_projectCenter = new ProjectCenter(m_projectFile, m_form->centralFrame);
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
+    // Before the recording, whose opening may be the first thing to be told.
+    if (!isWriteProtected(m_databasePath))
+        m_journal.openProject(m_databasePath, m_projectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
-    if (!isRecordingReadOnly()) {
-        m_journal.openProject(m_databasePath, m_projectFile);
+    if (!isRecordingReadOnly())
         m_journal.rowsSaved(m_insertSerialData->openingReport());
-    }
     m_journal.compareDevices(m_devices.all());
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_devices.all());
