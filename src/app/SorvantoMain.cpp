@@ -19,12 +19,19 @@
 #include <QTimer>
 #include <QUdpSocket>
 #include <QUuid>
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 constexpr int stdTimerMs = 1000;
 constexpr int checkTimerMs = 1500;
+
+// However short the stored interval, no logger is asked more often.
+constexpr int shortestPollMs = 1000;
+
+// Of the two seconds that an end may take.
+constexpr int longestAwaitMs = 1000;
 
 } // namespace
 
@@ -50,7 +57,7 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     QString first = start.projectFile;
     if (first.isEmpty() && start.autoLoad)
         first = m_settings.autoLoadPath();
-    if (!first.isEmpty())
+    if (!first.isEmpty() && !start.isEndRequested())
         projectLoaded(first);
     m_bIsBuilt = true;
 }
@@ -157,6 +164,11 @@ void SorvantoMain::setClock(const ConfiguredDevice::Clock &clock)
     m_journal.setClock(clock);
 }
 
+void SorvantoMain::startPolls()
+{
+    m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
+}
+
 void SorvantoMain::writeDevice()
 {
     if (!isProjectOpen())
@@ -210,12 +222,37 @@ void SorvantoMain::slotKeepAlive(bool on)
 
 void SorvantoMain::stopRunningRecording()
 {
+    if (!isRecording())
+        return;
+    m_writeDeviceTimer->stop();
+    awaitReadings();
     if (isRecording())
         slotStopRecord();
+    if (isProjectOpen())
+        startPolls();
+}
+
+/// Those on their way, which belong to the recording.
+void SorvantoMain::awaitReadings()
+{
+    QTimer limit;
+    limit.setSingleShot(true);
+    limit.start(longestAwaitMs);
+    const auto isAwaited = [this] {
+        const QList<ConfiguredDevice *> devices = m_devices.all();
+        return std::any_of(devices.cbegin(), devices.cend(),
+                           [](const ConfiguredDevice *device) { return device->awaitsReading(); });
+    };
+    // After a splash that nobody could interrupt the answers lie there, unread.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    while (isRecording() && limit.isActive() && isAwaited())
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents);
 }
 
 void SorvantoMain::endProgram()
 {
+    if (std::exchange(m_endsProgram, true))
+        return;
     stopRunningRecording();
     enter(StationState::Ending);
     close();

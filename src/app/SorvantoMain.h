@@ -62,9 +62,10 @@ public:
     /// Replaces the source of the time of polls, for projects opened from then on.
     void setClock(const ConfiguredDevice::Clock &clock);
 
-    /// Stops a running recording so that everything read so far is in the file.
+    /// Stops a running recording so that everything asked so far is in the file: answers on their way are awaited, for
+    /// a second at most.
     void stopRunningRecording();
-    /// Stops a running recording, closes the window and ends the event loop.
+    /// Stops a running recording likewise, closes the window and ends the event loop.
     void endProgram();
 
 public slots:
@@ -110,6 +111,8 @@ private:
     void connectMenus();
     void createTimers();
     void stopTimers();
+    void startPolls();
+    void awaitReadings();
     void setUpAlarmSound();
     void checkAlarmSound();
     void enter(StationState::Name state);
@@ -152,6 +155,7 @@ private:
     void reportCancelledExchanges();
     void reportUnsavedProject();
     void reportRefusedDevices(const QStringList &sentences);
+    void reportDevicesTooMany();
 
     // Screens
     void showStartScreen();
@@ -188,6 +192,7 @@ private:
     bool m_usbPresent = false;
     bool m_usbPresentBefore = false;
     bool m_bIsBuilt = false;
+    bool m_endsProgram = false;
     QList<std::function<void()>> m_toldWithTheWindow;
 
     MainMenus *m_menus = nullptr;

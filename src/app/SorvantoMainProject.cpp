@@ -8,6 +8,7 @@
 #include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
 #include "store/InsertSerialData.h"
+#include "store/WriteProtection.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
@@ -16,9 +17,6 @@
 #include <QTimer>
 
 namespace {
-
-// However short the stored interval, no logger is asked more often.
-constexpr int shortestPollMs = 1000;
 
 constexpr int longestFolderText = 40;
 
@@ -96,12 +94,13 @@ void SorvantoMain::projectLoaded(const QString &path)
     enter(StationState::Open);
     openProjectView();
     reportRefusedDevices(file.refusedDevices());
+    reportDevicesTooMany();
 }
 
 void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames)
 {
     freeUnconfirmedDevices();
-    m_devices.adopt(devices);
+    m_devices.adopt(m_projectManager ? devices + m_projectManager->unseenDevices(devices) : devices);
     m_dashboardNames = dashboardNames;
     closeDiscoverySockets();
     discardScreens();
@@ -155,12 +154,13 @@ void SorvantoMain::openProjectView()
     m_projectCenter = new ProjectCenter(m_projectFile, m_form->centralFrame);
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
+    // Before the recording, whose opening may be the first thing to be told.
+    if (!isWriteProtected(m_databasePath))
+        m_journal.openProject(m_databasePath, m_projectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
-    if (!isRecordingReadOnly()) {
-        m_journal.openProject(m_databasePath, m_projectFile);
+    if (!isRecordingReadOnly())
         m_journal.rowsSaved(m_insertSerialData->openingReport());
-    }
     m_journal.compareDevices(m_devices.all());
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_devices.all());
@@ -170,7 +170,7 @@ void SorvantoMain::openProjectView()
     slotKeepAlive(m_settings.keepAlive);
     openUsbDevicesAnew();
     // In this order: a second that begins meanwhile is polled once more rather than not at all.
-    m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
+    startPolls();
     writeDevice();
     if (m_settings.autoRecord && !isRecordingReadOnly())
         slotToggleRecord();
@@ -200,7 +200,8 @@ void SorvantoMain::closeProject()
     m_alarmSound->stop();
     m_form->label_projectname->clear();
     m_form->label_interval->clear();
-    stopRunningRecording();
+    if (isRecording())
+        slotStopRecord();
     deleteInsertSerialData();
     freeUnconfirmedDevices();
     m_devices.clear();
@@ -246,6 +247,17 @@ void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
     const auto others = sentences.size() - 1;
     const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
     showTimedMessage(QStringLiteral("ERROR"), sentences.first() + more);
+}
+
+void SorvantoMain::reportDevicesTooMany()
+{
+    if (m_devices.size() <= ProjectManager::maxDevices)
+        return;
+    showTimedMessage(QStringLiteral("WARNING"),
+                     QStringLiteral("The project lists %1 devices, and %2 can be chosen. All are polled and recorded, "
+                                    "and all stay in its file; those without a place are on no dashboard.")
+                         .arg(m_devices.size())
+                         .arg(ProjectManager::maxDevices));
 }
 
 void SorvantoMain::showProjectName()

@@ -50,6 +50,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     m_journal.watch(*m_insertSerialData);
     if (!m_insertSerialData->createConnection()) {
         m_insertSerialData.reset();
+        m_journal.recordingFailed(QStringLiteral("The recording could not be opened."));
         enter(StationState::Ending);
         QMessageBox::critical(nullptr, QStringLiteral("ERROR"), QStringLiteral("Create database error!\nExit program."),
                               QMessageBox::Ok);

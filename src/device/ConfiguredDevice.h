@@ -71,6 +71,8 @@ public:
     void setKeepConnection(bool keep);
     void setRecording(bool recording);
     bool isRecording() const;
+    /// Whether a reading that is to be recorded may be on its way.
+    bool awaitsReading() const;
 
     // Views are not owned; null detaches. A view must detach itself before it goes away.
     void setListItem(ListEntry *entry);

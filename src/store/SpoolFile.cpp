@@ -1,6 +1,7 @@
 #include "store/SpoolFile.h"
 
 #include "store/FileIdentity.h"
+#include "store/SetAside.h"
 
 #include <QFile>
 #include <QSqlError>
@@ -136,6 +137,19 @@ SpoolFile::Content SpoolFile::readOpened()
     return content;
 }
 
+/// Whether the file is none to write into: that alone would change it.
+bool SpoolFile::mustStay()
+{
+    if (!QFile::exists(m_path) || !connect(QStringLiteral(";QSQLITE_OPEN_READONLY")))
+        return false;
+    QSqlQuery check(connection());
+    if (!check.exec(QStringLiteral("PRAGMA quick_check(1)")) || !check.next())
+        return saysDamaged(check.lastError());
+    const bool isNew = scalar(connection(), QStringLiteral("select count(*) from sqlite_master")) == QVariant(0);
+    const bool isOurs = scalar(connection(), QStringLiteral("PRAGMA application_id")).toInt() == applicationId;
+    return check.value(0).toString() != QLatin1String("ok") || (!isNew && !isOurs);
+}
+
 /// From the front and, where something unreadable lies between, from the back. False unless all could be read.
 bool SpoolFile::readRows(Content &content)
 {
@@ -172,6 +186,10 @@ bool SpoolFile::write(const Change &change)
 
 bool SpoolFile::openForWriting()
 {
+    if (mustStay()) {
+        m_error = QStringLiteral("%1 is damaged, or another program's, and could not be set aside").arg(m_path);
+        return false;
+    }
     // Nobody else uses the file: without memory to share, the log also works on the drive of another computer.
     const bool isOpen = connect({}) && exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE")) &&
                         exec(QStringLiteral("PRAGMA journal_mode = WAL")) &&
@@ -244,18 +262,6 @@ void SpoolFile::removeIfEmpty()
 
 QString SpoolFile::setAside(const QString &path)
 {
-    // QFile::rename never replaces a file, so an older one set aside stays.
-    int number = 1;
-    QString target;
-    do
-        target = QStringLiteral("%1.damaged-%2").arg(path).arg(number++);
-    while (QFile::exists(target));
-    if (!QFile::rename(path, target))
-        return {};
     // Read beside another file, the log would bring its rows there.
-    for (const QString &suffix : logSuffixes) {
-        if (QFile::exists(path + suffix) && !QFile::rename(path + suffix, target + suffix))
-            return {};
-    }
-    return target;
+    return ::setAside(path, QStringLiteral("damaged"), logSuffixes);
 }

@@ -5,6 +5,7 @@
 #include "store/PageFile.h"
 #include "store/ReadLock.h"
 #include "store/Salvage.h"
+#include "store/SetAside.h"
 
 #include <QFile>
 
@@ -12,16 +13,6 @@
 #include <limits>
 
 namespace {
-
-QString freeName(const QString &path)
-{
-    int number = 1;
-    QString name;
-    do
-        name = QStringLiteral("%1.torn-%2").arg(path).arg(number++);
-    while (QFile::exists(name));
-    return name;
-}
 
 /// The rows of a torn recording in a file of their own that is ready to take its place; its name, or nothing.
 QString salvaged(PageFile &file, const QString &path, TornRecording &torn)
@@ -66,8 +57,8 @@ TornRecording replaceTornRecording(const QString &path)
     }
     if (replacement.isEmpty())
         return {};
-    const QString aside = freeName(path);
-    if (!QFile::rename(path, aside)) {
+    const QString aside = setAside(path, QStringLiteral("torn"));
+    if (aside.isEmpty()) {
         QFile::remove(replacement);
         return {};
     }

@@ -10,12 +10,29 @@
 #include <QDir>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTimer>
+#include <atomic>
+#include <ctime>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
 const QString name = QStringLiteral("Kitchen");
 
+// Seconds that the computer has slept through.
+std::atomic_int sleptSeconds{0};
+
 } // namespace
+
+/// Takes the place of the system's, for every library of this program.
+extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
+{
+    const long result = syscall(SYS_clock_gettime, clock, time);
+    if (clock == CLOCK_BOOTTIME)
+        time->tv_sec += sleptSeconds;
+    return int(result);
+}
 
 /// Every doing of a station leaves its entry in the journal beside the recording.
 class tst_StationJournal : public QObject
@@ -169,6 +186,35 @@ private slots:
     }
 
     /// Whoever keeps the log can tell later that this journal is the one that was.
+    /// The clock has gone on meanwhile, as it should.
+    void sleepOfTheComputerIsNoJump()
+    {
+        openStation();
+        m_station->slotStdTimer();
+        m_shift = 3600;
+        sleptSeconds += 3600;
+        m_station->slotStdTimer();
+        m_station->slotStopRecord();
+        m_station->slotCloseProject();
+        QVERIFY2(!kinds().contains(QStringLiteral("clock-jumped")), qPrintable(kinds().join(' ')));
+    }
+
+    void recordingThatCannotBeOpened()
+    {
+        QVERIFY(QDir().mkpath(m_fixture->recordingPath(name)));
+        QTimer box;
+        connect(&box, &QTimer::timeout, this, [] {
+            if (QWidget *open = QApplication::activeModalWidget())
+                open->close();
+        });
+        box.start(10);
+        m_station = std::make_unique<SorvantoMain>();
+        m_station->projectLoaded(m_fixture->projectPath(name));
+        m_station.reset();
+        QCOMPARE(kinds(), QStringList({"program-started", "project-opened", "writing-failed", "project-closed",
+                                       "program-ended"}));
+    }
+
     void headIsHandedOut()
     {
         const LogCapture log;

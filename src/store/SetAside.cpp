@@ -1,0 +1,42 @@
+#include "store/SetAside.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+QString freeName(const QString &path, const QString &word, const QStringList &endings)
+{
+    for (int number = 1;; ++number) {
+        const QString name = QStringLiteral("%1.%2-%3").arg(path, word).arg(number);
+        const auto isTaken = [&name](const QString &ending) {
+            return QFile::exists(name + ending);
+        };
+        if (std::none_of(endings.cbegin(), endings.cend(), isTaken))
+            return name;
+    }
+}
+
+} // namespace
+
+QString setAside(const QString &path, const QString &word, const QStringList &endings)
+{
+    const QStringList parts = QStringList(QString()) + endings;
+    const QString name = freeName(path, word, parts);
+    QStringList renamed;
+    for (const QString &part : parts) {
+        if (!part.isEmpty() && !QFile::exists(path + part))
+            continue;
+        // QFile::rename never replaces a file.
+        if (QFile::rename(path + part, name + part)) {
+            renamed.prepend(part);
+            continue;
+        }
+        for (const QString &moved : std::as_const(renamed))
+            QFile::rename(name + moved, path + moved);
+        return {};
+    }
+    return name;
+}
