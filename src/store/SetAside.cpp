@@ -23,7 +23,8 @@ QString freeName(const QString &path, const QString &word, const QStringList &en
 
 QString setAside(const QString &path, const QString &word, const QStringList &endings)
 {
-    const QStringList parts = QStringList(QString()) + endings;
+    // What belongs to the file goes first: beside another file of its name, a log would bring its rows into that.
+    const QStringList parts = endings + QStringList(QString());
     const QString name = freeName(path, word, parts);
     QStringList renamed;
     for (const QString &part : parts) {

@@ -262,6 +262,5 @@ void SpoolFile::removeIfEmpty()
 
 QString SpoolFile::setAside(const QString &path)
 {
-    // Read beside another file, the log would bring its rows there.
     return ::setAside(path, QStringLiteral("damaged"), logSuffixes);
 }
