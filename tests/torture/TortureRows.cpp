@@ -1,0 +1,19 @@
+#include "TortureRows.h"
+
+#include <algorithm>
+
+const QList<TortureRow> &tortureRows()
+{
+    static const QList<TortureRow> rows{
+        {"kills", "killed at any moment", 1000, 16, 20, runKills},
+    };
+    return rows;
+}
+
+const TortureRow *findTortureRow(const QString &name)
+{
+    const QList<TortureRow> &rows = tortureRows();
+    const auto row = std::find_if(rows.cbegin(), rows.cend(),
+                                  [&](const TortureRow &each) { return QLatin1String(each.name) == name; });
+    return row == rows.cend() ? nullptr : &*row;
+}
