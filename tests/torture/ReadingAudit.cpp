@@ -24,11 +24,22 @@ void ReadingAudit::beginRound()
         logger.starts.append(logger.served->count());
 }
 
-void ReadingAudit::excuseFrom(int logger, int first)
+void ReadingAudit::excuseUnless(int logger, const std::function<bool(int reading)> &mustBeThere)
 {
     Logger &excused = m_loggers.at(size_t(logger));
-    for (int reading = first; reading < excused.served->count(); ++reading)
-        excused.excused.insert(reading);
+    for (int reading = excused.starts.last(); reading < excused.served->count(); ++reading) {
+        if (!mustBeThere(reading))
+            excused.excused.insert(reading);
+    }
+}
+
+bool ReadingAudit::isAmong(int logger, int reading, const QList<RecordedRow> &rows) const
+{
+    const Logger &served = m_loggers.at(size_t(logger));
+    return std::any_of(rows.cbegin(), rows.cend(), [&](const RecordedRow &row) {
+        return row.serial == served.served->serial() && isOfTime(served, reading, row.time) &&
+               ServedReadings::textOf(row) == served.served->at(reading);
+    });
 }
 
 ReadingAudit::Verdict ReadingAudit::judge(const QList<RecordedRow> &rows) const
@@ -72,13 +83,18 @@ void ReadingAudit::judge(const Logger &logger, const QList<RecordedRow> &rows, V
     }
 }
 
+bool ReadingAudit::isOfTime(const Logger &logger, int reading, qint64 time)
+{
+    const qint64 served = logger.served->timeOf(reading);
+    return time >= served - oldestPoll && time <= served + 1;
+}
+
 /// Loggers repeat themselves after a while: of rows with the same values one of the right time is taken.
 bool ReadingAudit::takeRow(const Logger &logger, int reading, Rows &rows)
 {
-    const qint64 served = logger.served->timeOf(reading);
     for (auto row = rows.find(logger.served->at(reading)); row != rows.end() && row.key() == logger.served->at(reading);
          ++row) {
-        if (row.value() >= served - oldestPoll && row.value() <= served + 1) {
+        if (isOfTime(logger, reading, row.value())) {
             rows.erase(row);
             return true;
         }

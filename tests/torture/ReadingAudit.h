@@ -7,6 +7,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 class ServedReadings;
@@ -31,8 +32,10 @@ public:
     /// What is served from now on belongs to the next round, as the verdict tells it.
     void beginRound();
     int round() const { return m_round; }
-    /// The logger's readings from that one on, as far as there are any by now, need not be there, but may.
-    void excuseFrom(int logger, int first);
+    /// Of what the logger has served in this round by now, the other readings need not be there, but may.
+    void excuseUnless(int logger, const std::function<bool(int reading)> &mustBeThere);
+    /// Whether one of these rows may be this reading of the logger.
+    bool isAmong(int logger, int reading, const QList<RecordedRow> &rows) const;
     /// Readings that the logger had served when the round began.
     int servedBefore(int logger) const { return m_loggers.at(size_t(logger)).starts.last(); }
 
@@ -49,6 +52,7 @@ private:
     using Rows = QMultiMap<QString, qint64>; ///< times by values
 
     static void judge(const Logger &logger, const QList<RecordedRow> &rows, Verdict &verdict);
+    static bool isOfTime(const Logger &logger, int reading, qint64 time);
     static bool takeRow(const Logger &logger, int reading, Rows &rows);
     static QString describe(const Logger &logger, int reading);
 

@@ -23,6 +23,11 @@ public:
     bool start();
     /// Ends it, once the station has gone. What it had not shown by then may be missing.
     void endRound(const QString &how);
+    /// The same in two steps, for who asks for other readings: waits until all that the station was served is counted
+    /// ...
+    void settle();
+    /// ... and closes the round.
+    void noteRound(const QString &how);
     /// A last run that ends cleanly, and the comparison of all that was served with the recording.
     void conclude();
 
