@@ -23,11 +23,11 @@ struct Target
 };
 
 constexpr Target inCommits[] = {
-    {"write", ".dat", 40},
-    {"sync", ".dat", 6},
+    {"write", ".dat", 18},
+    {"sync", ".dat", 4},
 };
 constexpr Target anywhere[] = {
-    {"write", ".dat", 12},       {"write", ".spool-wal", 60},     {"sync", ".spool-wal", 20},
+    {"write", ".dat", 12},       {"write", ".spool-wal", 25},     {"sync", ".spool-wal", 8},
     {"write", ".spool", 4},      {"create", ".spool", 1},         {"remove", ".spool", 1},
     {"remove", ".spool-wal", 1}, {"remove", ".spool-journal", 1}, {"write", ".events-wal", 20},
     {"sync", ".events-wal", 8},  {"rename", ".tpc", 3},           {"create", "", 12},

@@ -45,7 +45,7 @@ void Shard::find(const QString &what)
 
 void Shard::keepEvidence()
 {
-    if (m_result.isClean() || m_order.evidence.isEmpty())
+    if ((m_result.isClean() && !m_order.keepsAll) || m_order.evidence.isEmpty())
         return;
     const QString folder = QStringLiteral("%1/%2-%3").arg(m_order.evidence, m_order.row).arg(m_order.number);
     copyFolder(m_order.folder, folder);

@@ -16,7 +16,8 @@ public:
         int number = 0;
         int rounds = 0;
         quint32 seed = 0;
-        bool isShort = false; ///< on a machine that does other things meanwhile: no time is judged
+        bool keepsAll = false; ///< the evidence of rounds without fault, too
+        bool isShort = false;  ///< on a machine that does other things meanwhile: no time is judged
         QString folder;       ///< for the files of the station, empty
         QString evidence;     ///< for what a fault leaves
     };
@@ -33,7 +34,7 @@ public:
     void endRound(const QString &log);
     void find(const QString &what);
     RowResult &result() { return m_result; }
-    /// Keeps the station's files and the logs of its rounds if anything was found.
+    /// Keeps the station's files and the logs of its rounds if anything was found, or if all are kept.
     void keepEvidence();
 
 private:

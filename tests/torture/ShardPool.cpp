@@ -21,6 +21,8 @@ QStringList argumentsFor(const Shard::Order &order)
                           QStringLiteral("--evidence"), order.evidence};
     if (order.isShort)
         arguments += QStringLiteral("--short");
+    if (order.keepsAll)
+        arguments += QStringLiteral("--keep");
     return arguments;
 }
 

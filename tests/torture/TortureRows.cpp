@@ -7,6 +7,7 @@ const QList<TortureRow> &tortureRows()
     static const QList<TortureRow> rows{
         {"kills", "killed at any moment", 1000, 16, 20, runKills},
         {"powercut", "power cut at any moment", 200, 8, 10, runPowerCuts},
+        {"signals", "told to end at any moment", 100, 6, 10, runSignals},
     };
     return rows;
 }

@@ -23,6 +23,7 @@ struct Options
     int jobs = 1;
     quint32 seed = 0;
     int shard = -1; ///< of the one row; below 0: this is no part
+    bool keepsAll = false;
     bool isShort = false;
     QString folder;
     QString evidence;
@@ -59,6 +60,8 @@ Options readOptions(const QCoreApplication &application)
     add("folder", "For the files of the stations.", "DIR", ".");
     add("evidence", "For the files of stations that were found at fault.", "DIR", "");
     parser.addOption(QCommandLineOption(QStringLiteral("short"), QStringLiteral("Few rounds, and no time is judged.")));
+    parser.addOption(
+        QCommandLineOption(QStringLiteral("keep"), QStringLiteral("Files of stations that were not at fault, too.")));
     parser.process(application);
 
     Options options;
@@ -67,6 +70,7 @@ Options readOptions(const QCoreApplication &application)
     options.count = int(number(parser, "count"));
     options.jobs = std::max(1, int(number(parser, "jobs")));
     options.seed = number(parser, "seed");
+    options.keepsAll = parser.isSet(QStringLiteral("keep"));
     options.isShort = parser.isSet(QStringLiteral("short"));
     options.folder = parser.value(QStringLiteral("folder"));
     options.evidence = parser.value(QStringLiteral("evidence"));
@@ -84,8 +88,8 @@ int runShard(const Options &options)
     const TortureRow *row = findTortureRow(options.rows.value(0));
     if (!row)
         refuse(QStringLiteral("--shard takes a --row"));
-    Shard shard({options.rows.first(), options.shard, options.count, options.seed, options.isShort, options.folder,
-                 options.evidence});
+    Shard shard({options.rows.first(), options.shard, options.count, options.seed, options.keepsAll, options.isShort,
+                 options.folder, options.evidence});
     row->run(shard);
     shard.keepEvidence();
     QTextStream(stdout) << "result " << shard.result().toLine() << Qt::endl;
@@ -97,8 +101,8 @@ void order(ShardPool &pool, const TortureRow &row, const Options &options)
     const int rounds = options.count > 0 ? options.count : options.isShort ? row.shortRounds : row.rounds;
     const QString name = QLatin1String(row.name);
     for (int first = 0, number = 0; first < rounds; first += row.shardRounds, ++number) {
-        pool.add({name, number, std::min(row.shardRounds, rounds - first), options.seed, options.isShort,
-                  QStringLiteral("%1/%2-%3").arg(options.folder, name).arg(number), options.evidence});
+        pool.add({name, number, std::min(row.shardRounds, rounds - first), options.seed, options.keepsAll,
+                  options.isShort, QStringLiteral("%1/%2-%3").arg(options.folder, name).arg(number), options.evidence});
     }
 }
 
