@@ -115,6 +115,7 @@ QProcessEnvironment E2eFixture::environment() const
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path());
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(QStringLiteral("QT_LOGGING_RULES"), m_logRules);
+    environment.insert(m_variables);
     return environment;
 }
 

@@ -47,6 +47,8 @@ public:
     StationProcess &station() { return m_station; }
     /// Which diagnostic lines the station prints; the wire is silent unless asked for.
     void setLogRules(const QString &rules) { m_logRules = rules; }
+    /// Puts a variable into the environment of the stations that are started from now on, in place of what it has there.
+    void setVariable(const QString &name, const QString &value) { m_variables.insert(name, value); }
 
     /// Lets the loggers serve until the condition holds. False when the station ends before, or after minutes.
     bool waitUntil(const std::function<bool()> &condition) const;
@@ -71,6 +73,7 @@ private:
     QTemporaryDir m_folder;
     QString m_projectFolder;
     QString m_logRules;
+    QProcessEnvironment m_variables;
     QString m_error;
     NullSinkServer m_soundServer;
     std::vector<std::unique_ptr<ServedReadings>> m_served;

@@ -3,6 +3,7 @@
 #include "RecordingReader.h"
 #include "loggersim/SimLogger.h"
 
+#include <QDateTime>
 #include <QLocale>
 #include <QMap>
 
@@ -18,11 +19,6 @@ QString exactText(double value)
 QString text(const QVariant &recorded)
 {
     return recorded.isNull() ? noValueText : exactText(recorded.toDouble());
-}
-
-QString text(const RecordedRow &row)
-{
-    return text(row.channel1) + QLatin1Char(' ') + text(row.channel2);
 }
 
 QString expectedText(const QByteArray &sent)
@@ -59,6 +55,12 @@ void ServedReadings::append(const QByteArray &values)
 {
     const QByteArrayList fields = values.split(',');
     m_readings.append(expectedText(fields.at(0)) + QLatin1Char(' ') + expectedText(fields.at(1)));
+    m_times.append(QDateTime::currentSecsSinceEpoch());
+}
+
+QString ServedReadings::textOf(const RecordedRow &row)
+{
+    return text(row.channel1) + QLatin1Char(' ') + text(row.channel2);
 }
 
 QString ServedReadings::differences(const QList<RecordedRow> &rows, bool lastMayMiss) const
@@ -68,7 +70,7 @@ QString ServedReadings::differences(const QList<RecordedRow> &rows, bool lastMay
     for (int first = 0; first < recorded.size(); first = endOfSecond(recorded, first)) {
         QStringList found;
         for (int i = first; i < endOfSecond(recorded, first); ++i)
-            found += text(recorded.at(i));
+            found += textOf(recorded.at(i));
         const QStringList expected = m_readings.mid(first, int(found.size()));
         if (sorted(found) != sorted(expected)) {
             return QStringLiteral("%1: from reading %2 on [%3] was served and [%4] recorded")
@@ -93,7 +95,7 @@ QString ServedReadings::miscounts(const QList<RecordedRow> &rows, const QSet<int
     }
     const QList<RecordedRow> recorded = readingsOf(m_serial, rows);
     for (const RecordedRow &row : recorded)
-        --missing[text(row)];
+        --missing[textOf(row)];
     QStringList found;
     for (auto reading = missing.cbegin(); reading != missing.cend(); ++reading) {
         if (reading.value() < 0 || reading.value() > optional.value(reading.key()))
@@ -107,6 +109,6 @@ QStringList ServedReadings::missingSince(int first, const QList<RecordedRow> &ro
     QStringList missing = m_readings.mid(first, count() - first - 1);
     const QList<RecordedRow> recorded = readingsOf(m_serial, rows);
     for (const RecordedRow &row : recorded)
-        missing.removeAll(text(row));
+        missing.removeAll(textOf(row));
     return missing;
 }

@@ -2,6 +2,7 @@
 
 #include "support/RecordedRows.h"
 
+#include <QList>
 #include <QSet>
 #include <QStringList>
 
@@ -24,6 +25,12 @@ public:
     void append(const QByteArray &values);
     QString serial() const { return m_serial; }
     int count() const { return int(m_readings.size()); }
+    /// Number @p index as textOf() has its row.
+    const QString &at(int index) const { return m_readings.at(index); }
+    /// When it was served, in Unix seconds.
+    qint64 timeOf(int index) const { return m_times.at(index); }
+    /// The values of a row, so that equal texts are equal values.
+    static QString textOf(const RecordedRow &row);
 
     /// What is wrong with a recording's rows, by time, in which each of these readings must be exactly once and in
     /// order: an empty text when nothing is. The last reading may be missing if @p lastMayMiss, because it was on its
@@ -38,4 +45,5 @@ public:
 private:
     QString m_serial;
     QStringList m_readings;
+    QList<qint64> m_times;
 };

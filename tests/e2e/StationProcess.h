@@ -18,6 +18,7 @@ public:
     /// False when the program cannot be started. An ended station can be started again; its lines begin anew.
     bool start(const QProcessEnvironment &environment);
     bool isRunning() const;
+    qint64 processId() const { return m_process.processId(); }
     /// Sends a signal and returns once the program has ended, while this process' event loop runs on. False when it
     /// does not end in time.
     bool end(int signalNumber = SIGTERM);

@@ -1,0 +1,90 @@
+#include "TorturedStation.h"
+
+#include "Shard.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTest>
+
+namespace {
+
+constexpr int patienceMs = 60000;
+// Enough for two batches.
+constexpr int lastReadings = 5;
+
+} // namespace
+
+TorturedStation::TorturedStation(Shard &shard, int loggers)
+    : m_shard(shard),
+      m_folder(prepared(shard.path("project"))),
+      m_e2e(m_folder),
+      m_watch(shard.order().folder, m_folder)
+{
+    for (int i = 0; i < loggers; ++i) {
+        m_e2e.addLogger();
+        m_audit.follow(m_e2e.served(i));
+    }
+}
+
+QString TorturedStation::prepared(const QString &folder)
+{
+    QDir().mkpath(folder);
+    return folder;
+}
+
+bool TorturedStation::start()
+{
+    m_audit.beginRound();
+    if (m_watch.prepare(m_e2e) && m_e2e.start())
+        return true;
+    m_shard.find(QString::fromLocal8Bit(m_e2e.startError()));
+    return false;
+}
+
+void TorturedStation::endRound(const QString &how)
+{
+    settle();
+    for (int i = 0; i < m_e2e.loggerCount(); ++i) {
+        const int end = m_audit.servedBefore(i) + m_watch.shown(m_e2e.logger(i).port());
+        m_audit.excuseUnless(i, [end](int reading) { return reading < end; });
+    }
+    noteRound(how);
+}
+
+/// What the loggers had handed over to the system is counted as served a moment later.
+void TorturedStation::settle()
+{
+    const auto isOver = [this] {
+        for (int i = 0; i < m_e2e.loggerCount(); ++i) {
+            if (m_e2e.logger(i).connectionCount() > 0)
+                return false;
+        }
+        return true;
+    };
+    if (!QTest::qWaitFor(isOver, patienceMs))
+        m_shard.find(QStringLiteral("connections of the ended station stay open"));
+}
+
+void TorturedStation::noteRound(const QString &how)
+{
+    m_shard.endRound(how + QLatin1Char('\n') + station().lines().join(QLatin1Char('\n')));
+}
+
+void TorturedStation::conclude()
+{
+    m_watch.setKill({});
+    m_watch.setSplash(0);
+    if (!start())
+        return;
+    const int before = m_e2e.served(0).count();
+    if (!m_e2e.waitUntil([&] { return m_e2e.haveServed(before + lastReadings, 1); }) || !m_e2e.fallSilent() ||
+        !station().end() || !station().hasSucceeded())
+        m_shard.find(QStringLiteral("the last run: ") + QString::fromLocal8Bit(station().lastWords()));
+    if (QFileInfo::exists(m_e2e.spool()))
+        m_shard.find(QStringLiteral("a clean end leaves the spool"));
+    m_shard.result().add(m_audit.judge(m_e2e.rows()));
+    if (const QString integrity = m_e2e.integrity(); integrity != QLatin1String("ok")) {
+        ++m_shard.result().unsound;
+        m_shard.find(QStringLiteral("integrity: ") + integrity);
+    }
+}
