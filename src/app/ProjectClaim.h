@@ -10,7 +10,8 @@ class RecordingLock;
 class ProjectClaim
 {
 public:
-    // Both are false while somebody else has the file. What the station has claimed already, @p present, is no obstacle.
+    // Both are false while somebody else has the file. What the station has claimed already, @p present, is no
+    // obstacle.
     bool acquireProject(const QString &projectFile, const ProjectClaim &present);
     bool acquireRecording(const QString &recording, const ProjectClaim &present);
     /// Who has it, in words for the operator, after one of them has failed.
