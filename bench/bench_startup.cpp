@@ -1,6 +1,6 @@
-// From process start to a loaded project of 64 devices, and to its dashboard painted, beside an empty window linked with
-// the same libraries. The station says that it records as the last step of loading; the splash's fixed wait, which comes
-// after that, is left out of the second.
+// From process start to a loaded project of 64 devices, and to its dashboard painted, beside an empty window linked
+// with the same libraries. The station says that it records as the last step of loading; the splash's fixed wait, which
+// comes after that, is left out of the second.
 
 #include "project/AppSettings.h"
 #include "project/ProjectFile.h"

@@ -7,6 +7,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTOUIC ON)
+# Slots are connected by the code; forms would look for some by their names, in each of 128 tiles.
+set(CMAKE_AUTOUIC_OPTIONS --no-autoconnection)
 set(CMAKE_AUTORCC ON)
 
 if(SORVANTO_STATION)

@@ -50,7 +50,6 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     m_menus->autoRecord->setChecked(m_settings.autoRecord);
     m_menus->keepAlive->setChecked(m_settings.keepAlive);
     m_settings.pruneRecentProjects();
-    showStartScreen();
     createTimers();
     setUpAlarmSound();
 
@@ -59,6 +58,9 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
         first = m_settings.autoLoadPath();
     if (!first.isEmpty() && !start.isEndRequested())
         projectLoaded(first);
+    // Not before: a project takes its place at once.
+    if (m_state.name() == StationState::StartScreen)
+        showStartScreen();
     m_bIsBuilt = true;
 }
 

@@ -17,7 +17,6 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
-#include <optional>
 
 class AlarmSound;
 class InsertSerialData;
@@ -145,7 +144,8 @@ private:
     void mergeDiscovered(const DiscoveryReply &reply);
 
     // Project flow
-    std::optional<ProjectClaim> claimProject(const QString &path, const QString &recording);
+    bool claimProject(ProjectClaim &claim, const QString &path);
+    bool claimRecording(ProjectClaim &claim, const QString &recording);
     void freeUnconfirmedDevices();
     void openProjectView();
     void leaveProject();

@@ -27,28 +27,36 @@ QString shortened(const QString &folder)
 
 } // namespace
 
-/// What keeps a project that is about to be opened to this station; nothing, with a message, while another has it.
-std::optional<ProjectClaim> SorvantoMain::claimProject(const QString &path, const QString &recording)
+/// Keeps a project that is about to be opened to this station; false, with a message, while another has it.
+bool SorvantoMain::claimProject(ProjectClaim &claim, const QString &path)
 {
-    ProjectClaim claim;
-    if (claim.acquire(path, recording, m_claim))
-        return claim;
-    showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
-    return std::nullopt;
+    const bool claimed = claim.acquireProject(path, m_claim);
+    if (!claimed)
+        showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
+    return claimed;
+}
+
+/// The same for its recording.
+bool SorvantoMain::claimRecording(ProjectClaim &claim, const QString &recording)
+{
+    const bool claimed = claim.acquireRecording(recording, m_claim);
+    if (!claimed)
+        showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
+    return claimed;
 }
 
 void SorvantoMain::projectCreated(const QString &path)
 {
     const QString name = QFileInfo(path).baseName();
-    const auto claim = claimProject(path, ProjectFile(path).newDatabasePath(name));
-    if (!claim)
+    ProjectClaim claim;
+    if (!claimProject(claim, path) || !claimRecording(claim, ProjectFile(path).newDatabasePath(name)))
         return;
     if (!ProjectFile(path).create(name, dataIntervalMs)) {
         reportUnsavedProject();
         return;
     }
     leaveProject();
-    m_claim = *claim;
+    m_claim = claim;
     m_projectFile = path;
     m_projectName = name;
     m_databasePath = ProjectFile(path).databasePath();
@@ -61,6 +69,10 @@ void SorvantoMain::projectCreated(const QString &path)
 
 void SorvantoMain::projectLoaded(const QString &path)
 {
+    // First of all: what another station is just writing is not to be read.
+    ProjectClaim claim;
+    if (!claimProject(claim, path))
+        return;
     const auto entries = ProjectFile(path).readDevices();
     if (!entries) {
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("There is no device information!"));
@@ -71,11 +83,10 @@ void SorvantoMain::projectLoaded(const QString &path)
         showTimedMessage(QStringLiteral("ERROR"), refusal);
         return;
     }
-    const auto claim = claimProject(path, ProjectFile(path).databasePath());
-    if (!claim)
+    if (!claimRecording(claim, ProjectFile(path).databasePath()))
         return;
     leaveProject();
-    m_claim = *claim;
+    m_claim = claim;
     m_devices.load(*entries, m_menus->keepAlive->isChecked());
     m_journal.knowDevices(m_devices.all());
 
