@@ -9,6 +9,7 @@
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
 #include "store/InsertSerialData.h"
+#include "store/RecordedRange.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"
 #include "views/ProjectCenter.h"

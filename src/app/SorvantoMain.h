@@ -27,6 +27,7 @@ class PollPhase;
 class ProjectCenter;
 class ProjectMain;
 class ProjectManager;
+class RecordedRange;
 class QMenu;
 class QTimer;
 class QUdpSocket;
@@ -136,6 +137,7 @@ private:
     void saveRecordRange(quint32 start, quint32 end);
     void showRecordRange(quint32 start, quint32 end);
     void updateRecordRange(const QString &now);
+    void slotRangeKnown();
     void slotWritingFailed(const QString &reason);
     void slotWritingRestored();
     void slotReadingsDropped(int count);
@@ -202,6 +204,7 @@ private:
     QTimer *m_writeDbTimer = nullptr;
     PollPhase *m_pollPhase = nullptr;
     std::unique_ptr<InsertSerialData> m_insertSerialData;
+    std::unique_ptr<RecordedRange> m_recordedRange; ///< while that is open
     QPointer<QUdpSocket> m_sndUdpSocket;
     QPointer<QUdpSocket> m_rcvUdpSocket;
     std::unique_ptr<AlarmSound> m_alarmSound;
