@@ -129,6 +129,7 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
+    bool openInsertSerialData();
     bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
@@ -195,6 +196,8 @@ private:
     bool m_usbPresentBefore = false;
     bool m_bIsBuilt = false;
     bool m_endsProgram = false;
+    std::function<bool()> m_isEndRequested;
+    std::function<void(const QString &text)> m_showOnSplash; ///< null once the station is built
     QList<std::function<void()>> m_toldWithTheWindow;
 
     MainMenus *m_menus = nullptr;

@@ -1,6 +1,7 @@
 #include "app/SorvantoMain.h"
 
 #include "app/Logging.h"
+#include "app/OpeningProgress.h"
 #include "device/ConfiguredDevice.h"
 #include "project/ProjectFile.h"
 #include "store/InsertSerialData.h"
@@ -42,6 +43,24 @@ QString tornSentence(const OpeningReport &report)
 
 } // namespace
 
+/// A torn recording of months takes its time.
+bool SorvantoMain::openInsertSerialData()
+{
+    OpeningProgress progress(this, m_showOnSplash);
+    m_insertSerialData->setSalvageProgress([this, &progress](quint32 done, quint32 all) {
+        progress.show(done, all);
+        return !m_isEndRequested();
+    });
+    // What they do presumes a recording that is open, or none.
+    m_stdTimer->stop();
+    m_checkTimer->stop();
+    const bool isOpen = m_insertSerialData->createConnection();
+    m_insertSerialData->setSalvageProgress({});
+    m_stdTimer->start();
+    m_checkTimer->start();
+    return isOpen;
+}
+
 bool SorvantoMain::createInsertSerialData(const QString &path)
 {
     m_insertSerialData = std::make_unique<InsertSerialData>(path, m_dbConnectionName, this);
@@ -49,12 +68,13 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     connect(m_insertSerialData.get(), &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
     connect(m_insertSerialData.get(), &InsertSerialData::readingsDropped, this, &SorvantoMain::slotReadingsDropped);
     m_journal.watch(*m_insertSerialData);
-    if (!m_insertSerialData->createConnection()) {
+    if (!openInsertSerialData()) {
         m_insertSerialData.reset();
         m_journal.recordingFailed(QStringLiteral("The recording could not be opened."));
         enter(StationState::Ending);
-        QMessageBox::critical(nullptr, QStringLiteral("ERROR"), QStringLiteral("Create database error!\nExit program."),
-                              QMessageBox::Ok);
+        if (!m_isEndRequested())
+            QMessageBox::critical(nullptr, QStringLiteral("ERROR"),
+                                  QStringLiteral("Create database error!\nExit program."), QMessageBox::Ok);
         close();
         QCoreApplication::exit(0);
         return false;
