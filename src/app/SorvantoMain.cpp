@@ -9,6 +9,7 @@
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
 #include "store/InsertSerialData.h"
+#include "store/RecordedRange.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"
 #include "views/ProjectCenter.h"
@@ -39,7 +40,9 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     : QWidget(parent),
       m_form(std::make_unique<Ui::SorvantoMain>()),
       m_devices(this),
-      m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
+      m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64())),
+      m_isEndRequested(start.isEndRequested),
+      m_showOnSplash(start.showOnSplash)
 {
     buildForm();
     connect(&m_journal, &StationJournal::told, this,
@@ -56,11 +59,12 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     QString first = start.projectFile;
     if (first.isEmpty() && start.autoLoad)
         first = m_settings.autoLoadPath();
-    if (!first.isEmpty() && !start.isEndRequested())
+    if (!first.isEmpty() && !m_isEndRequested())
         projectLoaded(first);
     // Not before: a project takes its place at once.
     if (m_state.name() == StationState::StartScreen)
         showStartScreen();
+    m_showOnSplash = nullptr;
     m_bIsBuilt = true;
 }
 

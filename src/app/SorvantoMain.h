@@ -26,6 +26,7 @@ class PollPhase;
 class ProjectCenter;
 class ProjectMain;
 class ProjectManager;
+class RecordedRange;
 class QMenu;
 class QTimer;
 class QUdpSocket;
@@ -127,6 +128,7 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
+    bool openInsertSerialData();
     bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
@@ -135,6 +137,7 @@ private:
     void saveRecordRange(quint32 start, quint32 end);
     void showRecordRange(quint32 start, quint32 end);
     void updateRecordRange(const QString &now);
+    void slotRangeKnown();
     void slotWritingFailed(const QString &reason);
     void slotWritingRestored();
     void slotReadingsDropped(int count);
@@ -193,6 +196,8 @@ private:
     bool m_usbPresentBefore = false;
     bool m_bIsBuilt = false;
     bool m_endsProgram = false;
+    std::function<bool()> m_isEndRequested;
+    std::function<void(const QString &text)> m_showOnSplash; ///< null once the station is built
     QList<std::function<void()>> m_toldWithTheWindow;
 
     MainMenus *m_menus = nullptr;
@@ -202,6 +207,7 @@ private:
     QTimer *m_writeDbTimer = nullptr;
     PollPhase *m_pollPhase = nullptr;
     std::unique_ptr<InsertSerialData> m_insertSerialData;
+    std::unique_ptr<RecordedRange> m_recordedRange; ///< while that is open
     QPointer<QUdpSocket> m_sndUdpSocket;
     QPointer<QUdpSocket> m_rcvUdpSocket;
     std::unique_ptr<AlarmSound> m_alarmSound;

@@ -10,7 +10,8 @@ struct StartOptions
     QString projectFile;  ///< absolute path of the project to load in any case in its place; empty: none was named
     std::function<bool()> isEndRequested = [] {
         return false;
-    }; ///< asked before a project is loaded
+    };                                                               ///< asked before and while a project is loaded
+    std::function<void(const QString &text)> showOnSplash = nullptr; ///< while the station is built; may be null
 };
 
 /// What keeps a file from being loaded as a project, in words for the operator; empty when nothing does.

@@ -22,6 +22,14 @@ constexpr int boxCloserMs = 10;
 
 constexpr int textPointSize = 9;
 
+const QString loadingText = QStringLiteral("Loading modules...");
+
+void showOnSplash(QSplashScreen &splash, const QString &text)
+{
+    splash.showMessage(QStringLiteral("[%1] %2").arg(versionText(), text), Qt::AlignHCenter | Qt::AlignBottom,
+                       Qt::darkGray);
+}
+
 } // namespace
 
 QString versionText()
@@ -55,8 +63,7 @@ QSplashScreen *showSplash()
     auto *splash = new QSplashScreen(sharpPixmap(QStringLiteral(":/img/LoadingLite.png")));
     splash->setAttribute(Qt::WA_DeleteOnClose);
     splash->show();
-    splash->showMessage(QStringLiteral("[%1] Loading modules...").arg(versionText()),
-                        Qt::AlignHCenter | Qt::AlignBottom, Qt::darkGray);
+    showOnSplash(*splash, loadingText);
     return splash;
 }
 
@@ -81,6 +88,10 @@ int runStation(QApplication &application, const StartOptions &options,
     start.isEndRequested = [&signalsFromSystem] {
         return signalsFromSystem.wasRequested();
     };
+    start.showOnSplash = [&splash](const QString &text) {
+        if (splash)
+            showOnSplash(*splash, text);
+    };
     SorvantoMain mainWindow(start);
     const QMetaObject::Connection ending = QObject::connect(
         &signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow, &SorvantoMain::endProgram);
@@ -94,6 +105,8 @@ int runStation(QApplication &application, const StartOptions &options,
     };
     if (isEnding())
         return 0;
+    if (splash)
+        showOnSplash(*splash, loadingText);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &mainWindow,
                      &SorvantoMain::stopRunningRecording, Qt::DirectConnection);
 

@@ -105,9 +105,8 @@ bool InsertSerialData::createConnection()
         m_readOnly = m_readOnly || refusesToWrite(connection());
         return true;
     }
-    if (!m_readOnly)
-        replaceIfTorn();
-    if (openConnection() && (m_readOnly ? isDatabase(connection()) : prepareForWriting())) {
+    if ((m_readOnly || replaceIfTorn()) && openConnection() &&
+        (m_readOnly ? isDatabase(connection()) : prepareForWriting())) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
         m_openedFile = fileIdentity(m_databaseFile);
@@ -226,11 +225,13 @@ bool InsertSerialData::prepareForWriting()
     return tuneForAppending(connection()) && createTable(connection()) && QSqlQuery(connection()).exec(patienceToWrite);
 }
 
-void InsertSerialData::replaceIfTorn()
+/// False when that was given up.
+bool InsertSerialData::replaceIfTorn()
 {
-    const TornRecording torn = replaceTornRecording(m_databaseFile);
+    const TornRecording torn = replaceTornRecording(m_databaseFile, m_salvageProgress);
     m_openingReport.rowsSalvaged = torn.rows;
     m_openingReport.tornFile = torn.file;
+    return !torn.isGivenUp;
 }
 
 void InsertSerialData::startSpool()

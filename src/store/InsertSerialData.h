@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/PendingRow.h"
+#include "store/Salvage.h"
 #include "store/StoredRows.h"
 
 #include <QObject>
@@ -48,6 +49,9 @@ public:
     /// the recording; a file that cannot be written to is opened for reading only. False when the file cannot
     /// be used; the reason is in the log only.
     bool createConnection();
+    /// Told how far a torn recording is read while createConnection() puts a new one in its place. Given up, it stays
+    /// as it is, and is not opened.
+    void setSalvageProgress(const SalvageProgress &progress) { m_salvageProgress = progress; }
     bool isOpen() const;
     /// Whether an open recording is for looking at: nothing is written into it, rows stay where they are.
     bool isReadOnly() const;
@@ -92,7 +96,7 @@ private:
     QSqlDatabase connection() const;
     bool openConnection();
     bool prepareForWriting();
-    void replaceIfTorn();
+    bool replaceIfTorn();
     void startSpool();
     void endSpool();
     static bool hasRoom();
@@ -115,6 +119,7 @@ private:
     QString m_connectionName;
     QString m_folder;
     FreeSpace m_freeSpace;
+    SalvageProgress m_salvageProgress;
     OpeningReport m_openingReport;
     std::unique_ptr<RecordingSpool> m_spool; ///< while rows can be written
     QString m_spoolFailure;                  ///< told to the operator; empty while all is well
