@@ -12,9 +12,12 @@ AlarmSound::AlarmSound(QObject *parent, const QString &soundFile) : QObject(pare
 
 AlarmSound::~AlarmSound()
 {
+    if (!m_audioOutput)
+        return;
     // An owner on its own way out must not hear of it.
-    if (m_audioOutput)
-        m_audioOutput->disconnect(this);
+    m_audioOutput->disconnect(this);
+    // Destroyed while active, the output would go on feeding a stream that it has closed, as it handles pending events.
+    m_audioOutput->stop();
 }
 
 bool AlarmSound::setUp()
