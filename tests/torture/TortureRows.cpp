@@ -8,6 +8,8 @@ const QList<TortureRow> &tortureRows()
         {"kills", "killed at any moment", 1000, 16, 20, runKills},
         {"powercut", "power cut at any moment", 200, 8, 10, runPowerCuts},
         {"signals", "told to end at any moment", 100, 6, 10, runSignals},
+        {"fulldisk", "disk full, then space again", 500, 4, 25, runFullDisks},
+        {"files", "file read, deleted, moved, replaced", 200, 6, 20, runMeddling},
     };
     return rows;
 }
