@@ -115,6 +115,11 @@ QProcessEnvironment E2eFixture::environment() const
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path());
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(QStringLiteral("QT_LOGGING_RULES"), m_logRules);
+    if (m_slowDiskMs > 0) {
+        environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(SLOW_DISK));
+        environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+        environment.insert(QStringLiteral("SLOW_DISK_MS"), QString::number(m_slowDiskMs));
+    }
     return environment;
 }
 

@@ -32,6 +32,7 @@ public:
     bool fallSilent(int loggers);
     bool fallSilent() { return fallSilent(loggerCount()); }
 
+    ServedReadings &served(int index) { return *m_served.at(size_t(index)); }
     const ServedReadings &served(int index) const { return *m_served.at(size_t(index)); }
     /// Whether each of the first @p loggers has served so many readings.
     bool haveServed(int readings, int loggers) const;
@@ -47,6 +48,9 @@ public:
     StationProcess &station() { return m_station; }
     /// Which diagnostic lines the station prints; the wire is silent unless asked for.
     void setLogRules(const QString &rules) { m_logRules = rules; }
+
+    /// Each time the station waits for the disk it waits so long at most, at random, on top.
+    void setSlowDisk(int mostMs) { m_slowDiskMs = mostMs; }
 
     /// Lets the loggers serve until the condition holds. False when the station ends before, or after minutes.
     bool waitUntil(const std::function<bool()> &condition) const;
@@ -71,6 +75,7 @@ private:
     QTemporaryDir m_folder;
     QString m_projectFolder;
     QString m_logRules;
+    int m_slowDiskMs = 0;
     QString m_error;
     NullSinkServer m_soundServer;
     std::vector<std::unique_ptr<ServedReadings>> m_served;
