@@ -2,10 +2,10 @@
 
 #include "store/FileIdentity.h"
 #include "store/InsertStatement.h"
-#include "store/KeptRows.h"
 #include "store/Logging.h"
-#include "store/ReadingSpool.h"
 #include "store/RecordingSchema.h"
+#include "store/RecordingSpool.h"
+#include "store/RowQueue.h"
 #include "store/TornRecording.h"
 #include "store/WriteProtection.h"
 
@@ -36,21 +36,9 @@ constexpr size_t rowsBetweenReleases = 5000;
 constexpr quint64 minimumFreeSpace = 16 * 1024 * 1024;
 constexpr quint64 generousRowSize = 256;
 
-std::vector<PendingRow> &queue()
+RowQueue &queue()
 {
-    static std::vector<PendingRow> rows;
-    return rows;
-}
-
-qint64 &lastNumber()
-{
-    static qint64 number = 0;
-    return number;
-}
-
-qint64 nextNumber()
-{
-    return lastNumber() = numberAfter(lastNumber());
+    return RowQueue::instance();
 }
 
 /// The store whose spool gets the rows that are queued.
@@ -58,17 +46,6 @@ InsertSerialData *&spoolingStore()
 {
     static InsertSerialData *store = nullptr;
     return store;
-}
-
-int &droppedRows()
-{
-    static int count = 0;
-    return count;
-}
-
-void prepend(const std::vector<PendingRow> &front, std::vector<PendingRow> &rows)
-{
-    rows.insert(rows.begin(), front.begin(), front.end());
 }
 
 QString clockText()
@@ -155,31 +132,48 @@ bool InsertSerialData::isReadOnly() const
     return m_open && m_readOnly;
 }
 
-void InsertSerialData::enqueue(const PendingRow &row)
+/// Tells when there is none.
+bool InsertSerialData::hasRoom()
 {
     InsertSerialData *store = spoolingStore();
-    const bool isFull = pendingCount() >= mostRowsInMemory && !(store && store->m_spool->isWorking());
-    if (isFull) {
-        ++droppedRows();
-        if (store)
-            store->fail(Failure::Dropped, QStringLiteral("So many readings wait in memory that there is no room for "
-                                                         "more. New ones are lost until they can be written."));
-        return;
-    }
-    queue().push_back(row);
-    queue().back().number = nextNumber();
+    if (pendingCount() < mostRowsInMemory || (store && store->m_spool->isWorking()))
+        return true;
+    queue().drop();
     if (store)
-        store->spool(queue().back());
+        store->fail(Failure::Dropped, QStringLiteral("So many readings wait in memory that there is no room for "
+                                                     "more. New ones are lost until they can be written."));
+    return false;
+}
+
+void InsertSerialData::enqueue(const PendingRow &row)
+{
+    if (!hasRoom())
+        return;
+    const PendingRow &queued = queue().append(row);
+    if (const InsertSerialData *store = spoolingStore())
+        store->m_spool->add(queued);
+}
+
+std::vector<qint64> InsertSerialData::enqueue(const std::vector<PendingRow> &rows, const std::vector<qint64> &before,
+                                              const std::vector<PendingRow> &held)
+{
+    std::vector<PendingRow> queued;
+    for (const PendingRow &row : rows) {
+        if (hasRoom())
+            queued.push_back(queue().append(row));
+    }
+    const InsertSerialData *store = spoolingStore();
+    return store ? store->m_spool->replaceHeld(before, queued, held) : std::vector<qint64>();
 }
 
 int InsertSerialData::pendingCount()
 {
-    return int(queue().size());
+    return queue().count();
 }
 
 void InsertSerialData::insertNow()
 {
-    if (!m_open || m_readOnly || queue().empty())
+    if (!m_open || m_readOnly || queue().rows().empty())
         return;
     // The connection would go on writing into the file that was deleted or renamed, without a word.
     if (fileIdentity(m_databaseFile) != m_openedFile) {
@@ -187,7 +181,7 @@ void InsertSerialData::insertNow()
                                            "are stored when the project is opened again."));
         return;
     }
-    if (m_freeSpace(m_folder) < std::max<quint64>(minimumFreeSpace, queue().size() * generousRowSize)) {
+    if (m_freeSpace(m_folder) < std::max<quint64>(minimumFreeSpace, quint64(queue().count()) * generousRowSize)) {
         fail(Failure::DiskNearlyFull,
              QStringLiteral("The disk is nearly full. Readings wait in memory until there is space again."));
         return;
@@ -239,36 +233,18 @@ void InsertSerialData::replaceIfTorn()
     m_openingReport.tornFile = torn.file;
 }
 
-/// Puts the rows that an earlier run has left in front of the queue. They stay in the spool until they are committed.
 void InsertSerialData::startSpool()
 {
-    const KeptRows kept = takeInKeptRows(connection(), m_databaseFile);
+    m_spool = std::make_unique<RecordingSpool>(m_databaseFile, m_connectionName);
+    connect(m_spool.get(), &RecordingSpool::failed, this, &InsertSerialData::slotSpoolFailed);
+    connect(m_spool.get(), &RecordingSpool::restored, this, &InsertSerialData::slotSpoolRestored);
+    connect(m_spool.get(), &RecordingSpool::lost, this, &InsertSerialData::slotSpoolLost);
+    const KeptRows &kept = m_spool->kept();
     m_perhapsStored = kept.perhapsStored;
     m_perhapsStoredAs = PerhapsStored::InEarlyBatches;
-    m_storedUpTo = kept.storedUpTo;
     m_openingReport.rowsReplayed = int(kept.rows.size());
     m_openingReport.damagedSpool = kept.setAside;
-    m_spool = std::make_unique<ReadingSpool>(SpoolFile::pathOf(m_databaseFile), m_storedUpTo);
-    connect(m_spool.get(), &ReadingSpool::failed, this, &InsertSerialData::slotSpoolFailed);
-    connect(m_spool.get(), &ReadingSpool::restored, this, &InsertSerialData::slotSpoolRestored);
-    connect(m_spool.get(), &ReadingSpool::lost, this, &InsertSerialData::slotSpoolLost);
-
-    m_lastSpooled = kept.highestNumber;
-    lastNumber() = std::max(lastNumber(), kept.highestNumber);
-    for (PendingRow &row : queue()) {
-        row.number = nextNumber();
-        spool(row);
-    }
-    prepend(kept.rows, queue());
     spoolingStore() = this;
-    if (queue().empty() && kept.highestNumber > 0)
-        takeOutOfSpool(kept.highestNumber);
-}
-
-void InsertSerialData::spool(const PendingRow &row)
-{
-    m_lastSpooled = row.number;
-    m_spool->append(row);
 }
 
 /// What is left of the queue stays in the spool.
@@ -276,9 +252,7 @@ void InsertSerialData::endSpool()
 {
     if (spoolingStore() == this)
         spoolingStore() = nullptr;
-    const std::vector<PendingRow> rows = std::exchange(queue(), {});
-    if (rows.empty() && m_doneUpTo < m_lastSpooled)
-        takeOutOfSpool(m_lastSpooled);
+    const std::vector<PendingRow> rows = queue().takeAll();
     const bool areSaved = m_spool->finish(rows);
     m_spool.reset();
     if (areSaved)
@@ -286,24 +260,6 @@ void InsertSerialData::endSpool()
     qCWarning(lcStore).noquote().nospace() << "InsertSerialData::~InsertSerialData : [ERROR] " << rows.size()
                                            << " rows could not be kept in " << SpoolFile::pathOf(m_databaseFile);
     fail(Failure::Lost, QStringLiteral("%1 readings could not be written and are lost.").arg(rows.size()));
-}
-
-/// The rows up to that number are committed.
-void InsertSerialData::takeOutOfSpool(qint64 lastNumber)
-{
-    // Rows that were left there may partly be stored: what was stored since must be looked at for them.
-    if (!m_leavesRows)
-        m_storedUpTo = newestRowId(connection()).value_or(m_storedUpTo);
-    if (m_spool && lastNumber > m_doneUpTo)
-        m_spool->takeOut({m_doneUpTo + 1, lastNumber}, m_storedUpTo);
-    m_doneUpTo = std::max(m_doneUpTo, lastNumber);
-}
-
-/// The rows up to that number are lost to this run; the next one tries them again.
-void InsertSerialData::leaveInSpool(qint64 lastNumber)
-{
-    m_leavesRows = true;
-    m_doneUpTo = std::max(m_doneUpTo, lastNumber);
 }
 
 void InsertSerialData::slotSpoolFailed(const QString &reason)
@@ -323,8 +279,8 @@ void InsertSerialData::slotSpoolRestored()
 
 void InsertSerialData::slotSpoolLost()
 {
-    for (const PendingRow &row : queue())
-        m_spool->append(row);
+    for (const PendingRow &row : queue().rows())
+        m_spool->add(row);
 }
 
 /// The exclusive lock, before anything is touched: under any lesser one a mere reader makes the commit fail.
@@ -352,8 +308,9 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
 {
     // Another store on the same queue may have emptied it meanwhile.
     const auto count = std::min(m_perhapsStored, pendingCount());
+    const qint64 storedUpTo = m_spool ? m_spool->storedUpTo() : 0;
     const QSqlError error =
-        count == 0 ? QSqlError() : removeStoredRows(connection(), queue(), count, m_storedUpTo, m_perhapsStoredAs);
+        count == 0 ? QSqlError() : removeStoredRows(connection(), queue().rows(), count, storedUpTo, m_perhapsStoredAs);
     if (error.type() == QSqlError::NoError)
         m_perhapsStored = 0;
     return error;
@@ -363,9 +320,9 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
 void InsertSerialData::writeBatch()
 {
     qCDebug(lcStore).noquote().nospace() << "InsertSerialData::insertNow : starttime : " << clockText();
-    const qint64 lastOfBatch = queue().empty() ? m_doneUpTo : queue().back().number;
-    const QStringList statements = insertStatements(queue());
-    const std::vector<PendingRow> batch = std::exchange(queue(), {});
+    const qint64 lastOfBatch = queue().rows().empty() ? 0 : queue().rows().back().number;
+    const QStringList statements = insertStatements(queue().rows());
+    const std::vector<PendingRow> batch = queue().takeAll();
     for (const QString &statement : statements)
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::insertNow : query : " << statement;
     qCDebug(lcStore).noquote().nospace() << "begin transaction : " << true;
@@ -388,13 +345,15 @@ void InsertSerialData::writeBatch()
     if (!committed) {
         m_perhapsStored = int(batch.size());
         m_perhapsStoredAs = PerhapsStored::AsOneBatch;
-        prepend(batch, queue());
+        queue().prepend(batch);
         failWaiting(database.lastError());
     } else if (!firstError.isEmpty()) {
-        leaveInSpool(lastOfBatch);
+        if (m_spool)
+            m_spool->leave(lastOfBatch);
         fail(Failure::Lost, QStringLiteral("Readings could not be written and are lost: %1").arg(firstError));
     } else {
-        takeOutOfSpool(lastOfBatch);
+        if (m_spool)
+            m_spool->committed(lastOfBatch);
         releaseWrittenPages(batch.size());
         succeed();
     }
@@ -429,7 +388,7 @@ void InsertSerialData::failWaiting(const QSqlError &error)
 
 void InsertSerialData::succeed()
 {
-    if (const int dropped = std::exchange(droppedRows(), 0))
+    if (const int dropped = queue().takeDropped())
         emit readingsDropped(dropped);
     if (m_failures.empty() || (m_failures.size() == 1 && m_failures.count(Failure::Unsaved) == 1))
         return;

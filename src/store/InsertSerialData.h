@@ -11,7 +11,7 @@
 #include <memory>
 #include <set>
 
-class ReadingSpool;
+class RecordingSpool;
 
 /// What was found and saved when a recording was opened.
 struct OpeningReport
@@ -24,8 +24,9 @@ struct OpeningReport
 
 /// The recording of one project: a connection to its SQLite file and the only writer of its readings.
 /// Devices append rows to one queue that the whole process shares; insertNow() moves the queue into the file. What is
-/// queued while a store is open also goes to a spool file beside the recording, within a second and without waiting
-/// for it: the next store that opens the recording finds what an interrupted one had not written.
+/// queued while a store is open outlives the program from then on, and goes to a spool file beside the recording within
+/// a second, without waiting for it: the next store that opens the recording finds what an interrupted one had not
+/// written.
 /// While another program has the file locked, opening it waits up to 5 s, any other call about 50 ms.
 class InsertSerialData : public QObject
 {
@@ -57,6 +58,11 @@ public:
     static constexpr int mostRowsInMemory = 200000;
     /// Appends a row to the process-wide queue; also valid while no store is open.
     static void enqueue(const PendingRow &row);
+    /// Appends @p rows and, in the same step, lets @p held outlive the program as well: readings that are shown while
+    /// it is open what is to be recorded for them. They take the places of those held under the numbers @p before;
+    /// returns the numbers of the new ones.
+    static std::vector<qint64> enqueue(const std::vector<PendingRow> &rows, const std::vector<qint64> &before,
+                                       const std::vector<PendingRow> &held);
     static int pendingCount();
 
     /// Writes the whole queue in one transaction. While the file is locked by another program or gone from its place,
@@ -88,10 +94,8 @@ private:
     bool prepareForWriting();
     void replaceIfTorn();
     void startSpool();
-    void spool(const PendingRow &row);
     void endSpool();
-    void takeOutOfSpool(qint64 lastNumber);
-    void leaveInSpool(qint64 lastNumber);
+    static bool hasRoom();
     void slotSpoolFailed(const QString &reason);
     void slotSpoolRestored();
     void slotSpoolLost();
@@ -112,15 +116,11 @@ private:
     QString m_folder;
     FreeSpace m_freeSpace;
     OpeningReport m_openingReport;
-    std::unique_ptr<ReadingSpool> m_spool; ///< while rows can be written
-    QString m_spoolFailure;                ///< told to the operator; empty while all is well
-    qint64 m_doneUpTo = 0;                 ///< rows with this number or a lower one are out of the queue
-    qint64 m_lastSpooled = 0;              ///< the highest number that the spool has been given
-    bool m_leavesRows = false;             ///< rows that a statement failed for stay in the spool
-    /// So many rows at the front of the queue may be in the recording already, under row ids above m_storedUpTo.
+    std::unique_ptr<RecordingSpool> m_spool; ///< while rows can be written
+    QString m_spoolFailure;                  ///< told to the operator; empty while all is well
+    /// So many rows at the front of the queue may be in the recording already, under row ids above the spool's.
     int m_perhapsStored = 0;
     PerhapsStored m_perhapsStoredAs = PerhapsStored::AsOneBatch;
-    qint64 m_storedUpTo = 0;
     size_t m_rowsSinceRelease = 0;
     std::set<Failure> m_failures;
 };

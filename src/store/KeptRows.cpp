@@ -2,7 +2,7 @@
 
 #include "store/Logging.h"
 #include "store/PendingRowFile.h"
-#include "store/SpoolFile.h"
+#include "store/SpoolReplacement.h"
 #include "store/StoredRows.h"
 
 #include <QSqlDatabase>
@@ -30,30 +30,55 @@ qint64 beforeNewest(qint64 newest, const std::vector<PendingRow> &rows)
 }
 
 /// Ids begin anew in a recording that was replaced; what is read must not say then that rows were stored long ago.
-void correctStoredUpTo(SpoolFile &spool, KeptRows &kept, qint64 newest)
+void correctStoredUpTo(SpoolFile &spool, const SpoolFile::Content &content, KeptRows &kept, qint64 newest)
 {
-    if (kept.rows.empty() || kept.storedUpTo <= newest)
+    if (content.rows.empty() || kept.storedUpTo <= newest)
         return;
-    SpoolFile::Change change;
-    change.storedUpTo = kept.storedUpTo = newest;
-    spool.write(change);
+    kept.storedUpTo = newest;
+    SpoolChange change;
+    change.storedUpTo = newest;
+    if (content.state == SpoolFile::State::Whole)
+        spool.write(change);
 }
 
-void takeInSpool(SpoolFile &spool, const SpoolFile::Content &content, KeptRows &kept)
+/// Where no row of the spool can be told from those stored by an earlier version, the newest are looked at.
+qint64 storedUpToOf(const SpoolFile::Content &content, const SpoolChange &redo, qint64 newest)
+{
+    const qint64 known = redo.storedUpTo.value_or(content.storedUpTo);
+    if (content.state == SpoolFile::State::Damaged)
+        return std::min(known, beforeNewest(newest, content.rows));
+    const bool isKnown = redo.storedUpTo || (content.state == SpoolFile::State::Whole && !content.rows.empty());
+    return isKnown ? known : newest;
+}
+
+void replaceDamaged(SpoolFile &spool, const QByteArray &takenIn, KeptRows &kept)
+{
+    SpoolChange saved;
+    saved.rows = kept.rows;
+    saved.storedUpTo = kept.storedUpTo;
+    saved.takenIn = takenIn;
+    QString error;
+    if (!kept.rows.empty())
+        kept.setAside = replaceSpool(spool.path(), saved, &error);
+    if (kept.setAside.isEmpty()) {
+        kept.setAside = SpoolFile::setAside(spool.path());
+        kept.notInSpool = saved;
+    }
+    warnSetAside(spool.path(), kept.setAside);
+    if (!error.isEmpty())
+        warn(spool.path(), error);
+}
+
+void takeInSpool(SpoolFile &spool, const SpoolFile::Content &content, const SpoolChange &redo, KeptRows &kept)
 {
     kept.rows = content.rows;
+    kept.notInSpool = redo;
     if (content.state == SpoolFile::State::Unreadable)
         warn(spool.path(), spool.errorText());
-    if (content.state != SpoolFile::State::Damaged)
-        return;
-    kept.setAside = SpoolFile::setAside(spool.path());
-    warnSetAside(spool.path(), kept.setAside);
-    SpoolFile::Change saved;
-    saved.rows = content.rows;
-    saved.storedUpTo = kept.storedUpTo;
-    saved.takenIn = content.takenIn;
-    if (!kept.setAside.isEmpty() && !saved.rows.empty() && !spool.write(saved))
-        warn(spool.path(), spool.errorText());
+    if (content.state == SpoolFile::State::Damaged)
+        replaceDamaged(spool, content.takenIn, kept);
+    if (!kept.notInSpool.isEmpty())
+        kept.notInSpool.storedUpTo = kept.storedUpTo;
 }
 
 /// The file goes once its rows are in the spool, together with its digest: an interruption takes nothing in twice.
@@ -87,23 +112,22 @@ void takeInSideFile(const PendingRowFile &file, const QSqlDatabase &recording, S
 
 } // namespace
 
-KeptRows takeInKeptRows(const QSqlDatabase &recording, const QString &databaseFile)
+KeptRows takeInKeptRows(const QSqlDatabase &recording, const QString &databaseFile, const SpoolChange &redo)
 {
     SpoolFile spool(SpoolFile::pathOf(databaseFile));
-    const SpoolFile::Content content = spool.read();
-    const std::optional<qint64> newest = newestRowId(recording);
     KeptRows kept;
-    if (content.state == SpoolFile::State::Whole && !content.rows.empty())
-        kept.storedUpTo = content.storedUpTo;
-    else if (content.state == SpoolFile::State::Damaged)
-        kept.storedUpTo = std::min(content.storedUpTo, beforeNewest(newest.value_or(0), content.rows));
-    else
-        kept.storedUpTo = newest.value_or(0);
-    takeInSpool(spool, content, kept);
+    const QString setAside = finishSpoolReplacement(spool.path());
+    SpoolFile::Content content = spool.read();
+    redo.applyTo(content.rows);
+    const std::optional<qint64> newest = newestRowId(recording);
+    kept.storedUpTo = storedUpToOf(content, redo, newest.value_or(0));
+    if (newest)
+        correctStoredUpTo(spool, content, kept, *newest);
+    takeInSpool(spool, content, redo, kept);
+    if (kept.setAside.isEmpty())
+        kept.setAside = setAside;
     if (!kept.rows.empty())
         kept.highestNumber = kept.rows.back().number;
-    if (newest)
-        correctStoredUpTo(spool, kept, *newest);
 
     const int count = int(kept.rows.size());
     const bool isAsked =

@@ -4,8 +4,6 @@
 
 #include <QFile>
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace {
@@ -18,8 +16,12 @@ constexpr std::chrono::minutes untilIdle(1);
 
 } // namespace
 
-ReadingSpool::ReadingSpool(const QString &path, qint64 storedUpTo) : m_path(path), m_storedUpTo(storedUpTo)
+ReadingSpool::ReadingSpool(const QString &path, qint64 storedUpTo, std::unique_ptr<RedoLog> log,
+                           const SpoolChange &change)
+    : m_path(path), m_change(change), m_storedUpTo(storedUpTo), m_log(std::move(log))
 {
+    if (!change.isEmpty())
+        becomeDue({});
     m_thread = std::thread(&ReadingSpool::run, this);
 }
 
@@ -29,27 +31,27 @@ ReadingSpool::~ReadingSpool()
         finish({});
 }
 
-void ReadingSpool::append(const PendingRow &row)
+void ReadingSpool::apply(const SpoolChange &change)
 {
+    if (change.isEmpty())
+        return;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_change.rows.push_back(row);
-    becomeDue(gathering);
+    m_storedUpTo = change.storedUpTo.value_or(m_storedUpTo);
+    if (m_log)
+        log(change);
+    m_change.add(change);
+    becomeDue(change.rows.empty() ? Clock::duration(untilIdle) : gathering);
 }
 
-void ReadingSpool::takeOut(const SpoolFile::Range &numbers, qint64 storedUpTo)
+/// The mutex is held.
+void ReadingSpool::log(SpoolChange change)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    auto &rows = m_change.rows;
-    rows.erase(std::remove_if(rows.begin(), rows.end(),
-                              [&numbers](const PendingRow &row) { return numbers.contains(row.number); }),
-               rows.end());
-    auto &gone = m_change.gone;
-    if (!gone.empty() && gone.back().last + 1 == numbers.first)
-        gone.back().last = numbers.last;
-    else
-        gone.push_back(numbers);
-    m_change.storedUpTo = m_storedUpTo = storedUpTo;
-    becomeDue(untilIdle);
+    // What is found there may be all that is known of the rows.
+    change.storedUpTo = m_storedUpTo;
+    const bool isFull = !m_log->append(change);
+    if (isFull && !m_isLogFull)
+        qCWarning(lcSpool).noquote().nospace() << "ReadingSpool::log : [ERROR] no room : " << m_log->path();
+    m_isLogFull = isFull;
 }
 
 void ReadingSpool::writeNow()
@@ -78,13 +80,21 @@ bool ReadingSpool::finish(const std::vector<PendingRow> &left)
     }
     m_wake.notify_one();
     m_thread.join();
-    if (m_allWritten || left.empty())
-        return true;
-    SpoolFile file(m_path);
-    SpoolFile::Change everything;
-    everything.rows = left;
+    const bool areSaved = m_allWritten || left.empty() || writeAll(left);
+    // What the disk does not take is found there as long as the computer runs.
+    if (m_log && areSaved)
+        m_log->discard(m_log->end());
+    m_log.reset();
+    return areSaved;
+}
+
+/// After the end of the thread.
+bool ReadingSpool::writeAll(const std::vector<PendingRow> &rows) const
+{
+    SpoolChange everything;
+    everything.rows = rows;
     everything.storedUpTo = m_storedUpTo;
-    return file.write(everything);
+    return SpoolFile(m_path).write(everything);
 }
 
 void ReadingSpool::run()
@@ -109,38 +119,30 @@ void ReadingSpool::run()
 /// Writes what has come together, without the mutex meanwhile.
 bool ReadingSpool::write(SpoolFile &file, std::unique_lock<std::mutex> &lock)
 {
-    SpoolFile::Change change = std::exchange(m_change, {});
+    SpoolChange change = std::exchange(m_change, {});
+    const qint64 storedUpTo = m_storedUpTo;
+    const quint64 logged = m_log ? m_log->end() : 0;
+    lock.unlock();
     const bool isLost = file.isLost();
     if (isLost)
         file.close();
     // A new file has to know it, too.
     if (!change.isEmpty() && !file.isOpen())
-        change.storedUpTo = m_storedUpTo;
-    lock.unlock();
+        change.storedUpTo = storedUpTo;
     const bool hasNothingToDo = change.isEmpty() || (change.rows.empty() && !file.isOpen() && !QFile::exists(m_path));
     const bool isWritten = hasNothingToDo || file.write(change);
     tell(isWritten, file.errorText());
     if (isLost)
         emit lost();
     lock.lock();
-    if (!isWritten)
-        putBack(std::move(change));
+    if (!isWritten) {
+        // What came meanwhile stands behind it.
+        change.add(std::exchange(m_change, {}));
+        m_change = std::move(change);
+    } else if (m_log) {
+        m_log->discard(logged);
+    }
     return isWritten && !isLost;
-}
-
-/// Rows and ranges that came since stand behind these; the mutex is held.
-void ReadingSpool::putBack(SpoolFile::Change &&change)
-{
-    const auto isGone = [this](const PendingRow &row) {
-        return std::any_of(m_change.gone.cbegin(), m_change.gone.cend(),
-                           [&row](const SpoolFile::Range &range) { return range.contains(row.number); });
-    };
-    auto &rows = change.rows;
-    rows.erase(std::remove_if(rows.begin(), rows.end(), isGone), rows.end());
-    rows.insert(rows.end(), std::make_move_iterator(m_change.rows.begin()),
-                std::make_move_iterator(m_change.rows.end()));
-    change.gone.insert(change.gone.end(), m_change.gone.cbegin(), m_change.gone.cend());
-    m_change = std::move(change);
 }
 
 void ReadingSpool::tell(bool works, const QString &error)

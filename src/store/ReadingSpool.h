@@ -1,32 +1,35 @@
 #pragma once
 
-#include "store/SpoolFile.h"
+#include "store/RedoLog.h"
 
 #include <QObject>
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
 #include <vector>
 
 /// Brings queued rows to the disk beside their recording, on a thread of its own: a caller never waits for the disk.
-/// Rows that come shortly after one another go there together, with one sync; so do the rows that leave.
+/// Rows that come shortly after one another go there together, with one sync; so do the rows that leave. Until then
+/// they are in a log that outlives the program, where there is one.
 class ReadingSpool : public QObject
 {
     Q_OBJECT
 
 public:
-    /// No row that waits was stored in the recording under the id @p storedUpTo or a lower one.
-    ReadingSpool(const QString &path, qint64 storedUpTo);
+    /// No row that waits was stored in the recording under the id @p storedUpTo or a lower one. @p change, which stands
+    /// in the log already, goes to the disk first.
+    explicit ReadingSpool(const QString &path, qint64 storedUpTo = 0, std::unique_ptr<RedoLog> log = {},
+                          const SpoolChange &change = {});
     ~ReadingSpool() override;
 
-    void append(const PendingRow &row);
-    /// The rows of these numbers need not wait any more. They leave together with the next rows that come, much later
-    /// only when none do.
-    void takeOut(const SpoolFile::Range &numbers, qint64 storedUpTo);
+    /// When this returns the change outlives the program, if there is a log. Rows that only leave go to the disk
+    /// together with the next ones that come, much later only when none do.
+    void apply(const SpoolChange &change);
     /// Does not wait for further rows.
     void writeNow();
     /// Whether what was appended reaches the disk.
@@ -48,14 +51,17 @@ private:
     void run();
     void becomeDue(Clock::duration delay);
     bool write(SpoolFile &file, std::unique_lock<std::mutex> &lock);
-    void putBack(SpoolFile::Change &&change);
+    void log(SpoolChange change);
+    bool writeAll(const std::vector<PendingRow> &rows) const;
     void tell(bool works, const QString &error);
 
     const QString m_path;
     std::mutex m_mutex; ///< for the following
     std::condition_variable m_wake;
-    SpoolFile::Change m_change;
+    SpoolChange m_change;
     qint64 m_storedUpTo;
+    std::unique_ptr<RedoLog> m_log;
+    bool m_isLogFull = false;
     std::optional<Clock::time_point> m_due;
     bool m_isEnding = false;
 

@@ -250,12 +250,10 @@ QString SpoolFile::setAside(const QString &path)
     do
         target = QStringLiteral("%1.damaged-%2").arg(path).arg(number++);
     while (QFile::exists(target));
-    if (!QFile::rename(path, target))
-        return {};
-    // Read beside another file, the log would bring its rows there.
+    // The log first, which would bring its rows into any other file of that name.
     for (const QString &suffix : logSuffixes) {
         if (QFile::exists(path + suffix) && !QFile::rename(path + suffix, target + suffix))
             return {};
     }
-    return target;
+    return QFile::rename(path, target) ? target : QString();
 }

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "store/PendingRow.h"
+#include "store/SpoolChange.h"
 
 #include <QByteArray>
 #include <QSqlDatabase>
 #include <QString>
 
-#include <optional>
 #include <vector>
 
 /// Rows on their way into a recording, in a SQLite file with a write-ahead log beside it: what was written is on the
@@ -24,22 +23,8 @@ public:
         QByteArray takenIn;    ///< digest of the side file of an earlier version whose rows are among these
     };
 
-    /// The numbers of rows that need not wait any more.
-    struct Range
-    {
-        qint64 first = 0;
-        qint64 last = 0;
-        bool contains(qint64 number) const { return first <= number && number <= last; }
-    };
-
-    struct Change
-    {
-        std::vector<PendingRow> rows; ///< to be added; a row of the same number is replaced
-        std::vector<Range> gone;      ///< to be taken out, also of the rows added
-        std::optional<qint64> storedUpTo;
-        QByteArray takenIn;
-        bool isEmpty() const { return rows.empty() && gone.empty() && !storedUpTo && takenIn.isEmpty(); }
-    };
+    using Range = SpoolChange::Range;
+    using Change = SpoolChange;
 
     static QString pathOf(const QString &databaseFile);
 

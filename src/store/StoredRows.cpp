@@ -16,6 +16,12 @@ double channelValue(const QVariant &column)
     return column.isNull() ? noValue : column.toDouble();
 }
 
+PendingRow rowOf(const QSqlQuery &query)
+{
+    return {query.value(0).toString(), channelValue(query.value(1)), channelValue(query.value(2)),
+            query.value(3).toUInt()};
+}
+
 QString queryBetween(quint32 first, quint32 last, qint64 after, int newest)
 {
     return QStringLiteral("select serialno, channel1, channel2, pointDate from "
@@ -49,6 +55,27 @@ std::optional<qint64> newestRowId(const QSqlDatabase &recording)
     return query.value(0).toLongLong();
 }
 
+bool fitsFirstPage(const QSqlDatabase &recording)
+{
+    const auto number = [&recording](const QString &statement) {
+        QSqlQuery query(recording);
+        return query.exec(statement) && query.next() ? query.value(0).toLongLong() : -1;
+    };
+    const qint64 pages = number(QStringLiteral("PRAGMA page_count")) - number(QStringLiteral("PRAGMA freelist_count"));
+    const qint64 trees = 1 + number(QStringLiteral("select count(*) from sqlite_master where rootpage > 0"));
+    return pages > 0 && pages <= trees;
+}
+
+std::vector<PendingRow> allRows(const QSqlDatabase &recording)
+{
+    std::vector<PendingRow> rows;
+    QSqlQuery query(recording);
+    query.exec(QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane order by id"));
+    while (query.next())
+        rows.push_back(rowOf(query));
+    return rows;
+}
+
 QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow> &rows, int count, qint64 after,
                            PerhapsStored kind)
 {
@@ -66,8 +93,7 @@ QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow
     std::for_each(first, last, [&wanted](const PendingRow &row) { wanted += insertTerm(row); });
     QSet<QString> stored;
     while (stored.size() < wanted.size() && query.next()) {
-        const QString term = insertTerm({query.value(0).toString(), channelValue(query.value(1)),
-                                         channelValue(query.value(2)), query.value(3).toUInt()});
+        const QString term = insertTerm(rowOf(query));
         if (wanted.contains(term))
             stored += term;
     }

@@ -22,6 +22,12 @@ enum class PerhapsStored {
 /// The highest row id of a recording, 0 when it is empty; none when the recording cannot be asked.
 std::optional<qint64> newestRowId(const QSqlDatabase &recording);
 
+/// Whether no table or index of the recording has had to be spread over a second page yet: at most a few hundred rows.
+bool fitsFirstPage(const QSqlDatabase &recording);
+
+/// All rows of a recording, in the order of their ids.
+std::vector<PendingRow> allRows(const QSqlDatabase &recording);
+
 /// Takes those of the first @p count rows out that the recording holds already, under a row id above @p after.
 QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow> &rows, int count, qint64 after,
                            PerhapsStored kind);

@@ -1,7 +1,8 @@
 #include "store/Recording.h"
 
 #include "store/InsertStatement.h"
-#include "store/SpoolFile.h"
+#include "store/MemoryFolders.h"
+#include "store/RedoLog.h"
 
 #include <QFile>
 #include <QSqlError>
@@ -45,11 +46,28 @@ QStringList OtherProgram::rows(const QString &queryText) const
     return lines;
 }
 
+/// What was meant to be lost must not stay in the memory of this computer.
+Recording::~Recording()
+{
+    if (const auto log = RedoLog::open(file(), memoryFolders()))
+        log->discard(log->end());
+}
+
 std::unique_ptr<InsertSerialData> Recording::open(quint64 freeSpace) const
 {
     auto store = std::make_unique<InsertSerialData>(file(), QStringLiteral("test"), nullptr,
                                                     [freeSpace](const QString &) { return freeSpace; });
     return store->createConnection() ? std::move(store) : nullptr;
+}
+
+bool Recording::outgrowFirstPage() const
+{
+    open().reset();
+    return OtherProgram(file()).exec(
+        QStringLiteral("insert into ostrivane (serialno, channel1, channel2, pointDate) with recursive n(i) as "
+                       "(select 1 union all select i + 1 from n where i < %1) select 'old', 20.5, 50, 1600000000 + i "
+                       "from n")
+            .arg(firstRows));
 }
 
 QStringList Recording::rows() const

@@ -28,6 +28,11 @@ private:
 class Recording
 {
 public:
+    Recording() = default;
+    ~Recording();
+    Recording(const Recording &) = delete;
+    Recording &operator=(const Recording &) = delete;
+
     QString folder() const { return m_folder.path(); }
     QString file() const { return m_folder.filePath(QStringLiteral("Kitchen.dat")); }
     QString spool() const { return file() + QStringLiteral(".spool"); }
@@ -40,6 +45,10 @@ public:
 
     /// A store on this recording with a disk of @p freeSpace bytes; nullptr when it cannot be opened.
     std::unique_ptr<InsertSerialData> open(quint64 freeSpace = quint64(1) << 40) const;
+    /// Adds so many rows that the first ones are safe from a write that is cut off, all of logger "old"; makes the file
+    /// if need be. False when it cannot be written.
+    bool outgrowFirstPage() const;
+    static constexpr int firstRows = 400;
     /// The rows in the file as "serial|channel 1|channel 2|time", by time and serial.
     QStringList rows() const;
     /// "ok" for a sound file.

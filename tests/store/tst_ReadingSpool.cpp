@@ -127,6 +127,7 @@ void tst_ReadingSpool::queuedRowsReachTheDiskByThemselves()
 
 void tst_ReadingSpool::committedRowsLeave()
 {
+    QVERIFY(m_recording->outgrowFirstPage());
     const auto store = m_recording->open();
     InsertSerialData::enqueue(row("A1", 1700000000));
     QTRY_COMPARE(m_recording->spooledRows().size(), 1);

@@ -26,3 +26,6 @@ void runPowerCuts(Shard &shard);
 void runSignals(Shard &shard);
 void runFullDisks(Shard &shard);
 void runMeddling(Shard &shard);
+void runPlugs(Shard &shard);
+void runSwaps(Shard &shard);
+void runVanishing(Shard &shard);

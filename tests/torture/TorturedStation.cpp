@@ -17,7 +17,7 @@ const QString replayed = QStringLiteral("SorvantoMain::reportSavedRows");
 
 } // namespace
 
-TorturedStation::TorturedStation(Shard &shard, int loggers)
+TorturedStation::TorturedStation(Shard &shard, int loggers, int usbLoggers)
     : m_shard(shard),
       m_folder(prepared(shard.path("project"))),
       m_e2e(m_folder),
@@ -26,6 +26,10 @@ TorturedStation::TorturedStation(Shard &shard, int loggers)
     for (int i = 0; i < loggers; ++i) {
         m_e2e.addLogger();
         m_audit.follow(m_e2e.served(i));
+    }
+    for (int i = 0; i < usbLoggers; ++i) {
+        m_e2e.addUsbLogger();
+        m_audit.follow(m_e2e.servedByUsb(i));
     }
 }
 
@@ -103,6 +107,30 @@ void TorturedStation::conclude(const std::function<QList<RecordedRow>()> &rows)
                                     .arg(m_shard.order().number)
                                     .arg(m_replays)
                                     .arg(m_salvages);
+}
+
+ServedReadings &TorturedStation::served(int logger)
+{
+    const int ofNetwork = m_e2e.loggerCount();
+    return logger < ofNetwork ? m_e2e.served(logger) : m_e2e.servedByUsb(logger - ofNetwork);
+}
+
+/// Both are in the order in which they were served.
+void TorturedStation::demandShown()
+{
+    for (int i = 0; i < m_e2e.loggerCount() + m_e2e.usbLoggerCount(); ++i) {
+        ServedReadings &readings = served(i);
+        readings.noteShown(station().lines());
+        int shown = 0;
+        m_audit.excuseUnless(i, [&](int reading) {
+            const bool isShown = shown < readings.shown().size() && readings.shown().at(shown) == readings.at(reading);
+            shown += isShown ? 1 : 0;
+            return isShown;
+        });
+        if (shown < readings.shown().size())
+            m_shard.find(QStringLiteral("%1 has shown %2, which was not served")
+                             .arg(readings.serial(), readings.shown().at(shown)));
+    }
 }
 
 void TorturedStation::judge(const QList<RecordedRow> &rows)

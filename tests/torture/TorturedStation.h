@@ -13,7 +13,7 @@ class Shard;
 class TorturedStation
 {
 public:
-    TorturedStation(Shard &shard, int loggers);
+    TorturedStation(Shard &shard, int loggers, int usbLoggers = 0);
 
     E2eFixture &e2e() { return m_e2e; }
     StationProcess &station() { return m_e2e.station(); }
@@ -34,6 +34,8 @@ public:
     void finish();
     /// Ends it at once, cleanly.
     void end();
+    /// What must be there is what the station of this run has said that it showed. For a single run, ended already.
+    void demandShown();
     /// Compares all that was served with the rows, and looks through the recording.
     void judge(const QList<RecordedRow> &rows);
     /// A last run of some readings, and the judgement. @p rows gets them then; without, they are those of the
@@ -41,6 +43,7 @@ public:
     void conclude(const std::function<QList<RecordedRow>()> &rows = {});
 
 private:
+    ServedReadings &served(int logger);
     static QString prepared(const QString &folder);
 
     Shard &m_shard;
