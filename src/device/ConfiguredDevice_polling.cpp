@@ -148,6 +148,10 @@ void ConfiguredDevice::takeReadings(const QString &text)
     const QVector<Reading> readings = parseReply(text);
     m_conversation.answer(readings, m_recording);
     keepTimedReadings();
+    for (const Reading &reading : readings) {
+        logDevice() << "- ConfiguredDevice::takeReadings() : " << m_serialNumber << " : " << reading.channel1.text()
+                    << "," << reading.channel2.text();
+    }
     const QPointer<ConfiguredDevice> self(this);
     deviceConnected();
     if (!self || readings.isEmpty())
@@ -160,11 +164,9 @@ void ConfiguredDevice::takeReadings(const QString &text)
 void ConfiguredDevice::keepTimedReadings()
 {
     const auto readings = m_conversation.takeTimed();
-    for (const LoggerConversation::TimedReading &reading : readings) {
+    for (const LoggerConversation::TimedReading &reading : readings)
         m_history.add(chartTimeOf(reading.timeMs), reading.value1, reading.value2, dataIntervalMs);
-        if (reading.isForRecord)
-            m_series.add(reading.timeMs, reading.value1, reading.value2);
-    }
+    m_series.add(readings, m_conversation.heldReadings());
 }
 
 /// Of a reply's readings only the newest: nobody would see the others, and each would be formatted and drawn.

@@ -175,6 +175,16 @@ std::vector<LoggerConversation::TimedReading> LoggerConversation::takeTimed()
     return std::exchange(m_timed, {});
 }
 
+std::vector<LoggerConversation::TimedReading> LoggerConversation::heldReadings() const
+{
+    if (m_held.isEmpty())
+        return {};
+    LoggerConversation ended = *this;
+    ended.m_timed.clear();
+    ended.settle();
+    return ended.takeTimed();
+}
+
 std::optional<LoggerConversation::Poll> LoggerConversation::takeDueRecordPoll()
 {
     const std::optional<Poll> due = std::exchange(m_due, std::nullopt);

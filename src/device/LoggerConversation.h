@@ -49,6 +49,8 @@ public:
     void settle();
     /// The readings, each once, of which it has become clear since the last call what they answer.
     std::vector<TimedReading> takeTimed();
+    /// The readings of which it is not clear yet, as they would be taken if nothing else came.
+    std::vector<TimedReading> heldReadings() const;
 
     /// Takes back the poll that waits for its connection, if it is one for a record.
     std::optional<Poll> takeDueRecordPoll();

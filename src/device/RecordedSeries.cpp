@@ -4,10 +4,26 @@
 
 #include <utility>
 
-void RecordedSeries::add(qint64 timeMs, double value1, double value2)
+std::vector<PendingRow> RecordedSeries::rowsOf(const Readings &readings) const
 {
-    InsertSerialData::enqueue({m_serialNumber, value1, value2, static_cast<quint32>(timeMs / 1000)});
-    m_lastMs = timeMs;
+    std::vector<PendingRow> rows;
+    for (const LoggerConversation::TimedReading &reading : readings) {
+        if (reading.isForRecord)
+            rows.push_back({m_serialNumber, reading.value1, reading.value2, quint32(reading.timeMs / 1000)});
+    }
+    return rows;
+}
+
+void RecordedSeries::add(const Readings &readings, const Readings &held)
+{
+    const std::vector<PendingRow> rows = rowsOf(readings);
+    const std::vector<PendingRow> heldRows = rowsOf(held);
+    if (!rows.empty() || !heldRows.empty() || !m_held.empty())
+        m_held = InsertSerialData::enqueue(rows, m_held, heldRows);
+    for (const LoggerConversation::TimedReading &reading : readings) {
+        if (reading.isForRecord)
+            m_lastMs = reading.timeMs;
+    }
 }
 
 void RecordedSeries::close()

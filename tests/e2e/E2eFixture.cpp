@@ -39,6 +39,22 @@ loggersim::NetworkLogger &E2eFixture::addLogger(const QString &fault, const QStr
     return *m_loggers.back();
 }
 
+loggersim::SerialLogger &E2eFixture::addUsbLogger()
+{
+    if (!m_usbTree)
+        m_usbTree = std::make_unique<loggersim::UsbTree>();
+    const int plug = usbLoggerCount();
+    const int number = loggerCount() + plug;
+    auto logger =
+        std::make_unique<loggersim::SerialLogger>(QStringLiteral("0000%1").arg(1001 + plug),
+                                                  loggersim::climateOf(number), quint32(number), m_usbTree.get(), plug);
+    if (!logger->plugIn())
+        qFatal("no serial port for a logger: %s", qPrintable(logger->errorString()));
+    m_servedByUsb.push_back(std::make_unique<ServedReadings>(logger.get()));
+    m_usbLoggers.push_back(std::move(logger));
+    return *m_usbLoggers.back();
+}
+
 void E2eFixture::setFault(int index, const QString &fault)
 {
     QString error;
@@ -95,6 +111,8 @@ bool E2eFixture::writeFiles()
     QList<loggersim::SimLogger *> loggers;
     for (const auto &logger : m_loggers)
         loggers.append(logger.get());
+    for (const auto &logger : m_usbLoggers)
+        loggers.append(logger.get());
     const QString config = m_folder.filePath(QStringLiteral("config"));
     if (!loggersim::writeProject(projectFile(), intervalMs, loggers, &m_error) ||
         !loggersim::writeSettings(config, projectFile(), false, &m_error))
@@ -115,8 +133,13 @@ QProcessEnvironment E2eFixture::environment() const
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path());
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(QStringLiteral("QT_LOGGING_RULES"), m_logRules);
+    if (m_slowDiskMs > 0) {
+        environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(SLOW_DISK));
+        environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+        environment.insert(QStringLiteral("SLOW_DISK_MS"), QString::number(m_slowDiskMs));
+    }
     environment.insert(m_variables);
-    return environment;
+    return m_usbTree ? m_usbTree->programEnvironment(environment) : environment;
 }
 
 bool E2eFixture::waitUntil(const std::function<bool()> &condition) const

@@ -5,6 +5,8 @@
 #include "support/NullSinkServer.h"
 
 #include "loggersim/NetworkLogger.h"
+#include "loggersim/SerialLogger.h"
+#include "loggersim/UsbTree.h"
 
 #include <QTemporaryDir>
 #include <functional>
@@ -24,6 +26,11 @@ public:
     loggersim::NetworkLogger &addLogger(const QString &fault = QStringLiteral("none"), const QString &key = {});
     loggersim::NetworkLogger &logger(int index) { return *m_loggers.at(size_t(index)); }
     int loggerCount() const { return int(m_loggers.size()); }
+    /// Plugged in; served() and the like do not count it.
+    loggersim::SerialLogger &addUsbLogger();
+    loggersim::SerialLogger &usbLogger(int index) { return *m_usbLoggers.at(size_t(index)); }
+    int usbLoggerCount() const { return int(m_usbLoggers.size()); }
+    ServedReadings &servedByUsb(int index) { return *m_servedByUsb.at(size_t(index)); }
     void setFault(int index, const QString &fault);
     /// Gives every logger this fault.
     void setFaults(const QString &fault);
@@ -32,6 +39,7 @@ public:
     bool fallSilent(int loggers);
     bool fallSilent() { return fallSilent(loggerCount()); }
 
+    ServedReadings &served(int index) { return *m_served.at(size_t(index)); }
     const ServedReadings &served(int index) const { return *m_served.at(size_t(index)); }
     /// Whether each of the first @p loggers has served so many readings.
     bool haveServed(int readings, int loggers) const;
@@ -47,8 +55,12 @@ public:
     StationProcess &station() { return m_station; }
     /// Which diagnostic lines the station prints; the wire is silent unless asked for.
     void setLogRules(const QString &rules) { m_logRules = rules; }
-    /// Puts a variable into the environment of the stations that are started from now on, in place of what it has there.
+    /// Puts a variable into the environment of the stations that are started from now on, in place of what it has
+    /// there.
     void setVariable(const QString &name, const QString &value) { m_variables.insert(name, value); }
+
+    /// Each time the station waits for the disk it waits so long at most, at random, on top.
+    void setSlowDisk(int mostMs) { m_slowDiskMs = mostMs; }
 
     /// Lets the loggers serve until the condition holds. False when the station ends before, or after minutes.
     bool waitUntil(const std::function<bool()> &condition) const;
@@ -73,11 +85,15 @@ private:
     QTemporaryDir m_folder;
     QString m_projectFolder;
     QString m_logRules;
+    int m_slowDiskMs = 0;
     QProcessEnvironment m_variables;
     QString m_error;
     NullSinkServer m_soundServer;
     std::vector<std::unique_ptr<ServedReadings>> m_served;
     std::vector<std::unique_ptr<loggersim::NetworkLogger>> m_loggers;
+    std::unique_ptr<loggersim::UsbTree> m_usbTree;
+    std::vector<std::unique_ptr<ServedReadings>> m_servedByUsb;
+    std::vector<std::unique_ptr<loggersim::SerialLogger>> m_usbLoggers;
     StationProcess m_station;
     bool m_isSetUp = false;
     bool m_loadsByItself = true;

@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QLocale>
 #include <QMap>
+#include <QSet>
 
 namespace {
 
@@ -24,6 +25,12 @@ QString text(const QVariant &recorded)
 QString expectedText(const QByteArray &sent)
 {
     return sent == "----" ? noValueText : exactText(QByteArray::number(sent.toDouble(), 'g', 6).toDouble());
+}
+
+QString expectedTexts(const QByteArray &values)
+{
+    const QByteArrayList fields = values.split(',');
+    return expectedText(fields.at(0)) + QLatin1Char(' ') + expectedText(fields.at(1));
 }
 
 /// The index behind the last row of the same second as row @p first.
@@ -53,8 +60,7 @@ ServedReadings::ServedReadings(loggersim::SimLogger *logger) : ServedReadings(lo
 
 void ServedReadings::append(const QByteArray &values)
 {
-    const QByteArrayList fields = values.split(',');
-    m_readings.append(expectedText(fields.at(0)) + QLatin1Char(' ') + expectedText(fields.at(1)));
+    m_readings.append(expectedTexts(values));
     m_times.append(QDateTime::currentSecsSinceEpoch());
 }
 
@@ -85,21 +91,42 @@ QString ServedReadings::differences(const QList<RecordedRow> &rows, bool lastMay
                : QStringLiteral("%1: the last %2 of %3 readings are missing").arg(m_serial).arg(missing).arg(count());
 }
 
-QString ServedReadings::miscounts(const QList<RecordedRow> &rows, const QSet<int> &mayMiss) const
+int ServedReadings::noteShown(const QStringList &stationLines)
 {
-    QMap<QString, int> missing;
-    QMap<QString, int> optional;
-    for (int i = 0; i < count(); ++i) {
-        ++missing[m_readings.at(i)];
-        optional[m_readings.at(i)] += mayMiss.contains(i) ? 1 : 0;
+    const QString start = QStringLiteral("- ConfiguredDevice::takeReadings() : %1 : ").arg(m_serial);
+    const int before = int(m_shown.size());
+    for (const QString &line : stationLines) {
+        if (line.startsWith(start))
+            m_shown += expectedTexts(line.mid(start.size()).toLatin1());
     }
-    const QList<RecordedRow> recorded = readingsOf(m_serial, rows);
-    for (const RecordedRow &row : recorded)
-        --missing[textOf(row)];
+    return int(m_shown.size()) - before;
+}
+
+QString ServedReadings::miscounts(const QList<RecordedRow> &rows) const
+{
+    QMap<QString, int> served;
+    for (const QString &reading : m_readings)
+        ++served[reading];
+    QMap<QString, int> shown;
+    for (const QString &reading : m_shown)
+        ++shown[reading];
+    QMap<QString, int> recorded;
+    const QList<RecordedRow> own = readingsOf(m_serial, rows);
+    for (const RecordedRow &row : own)
+        ++recorded[textOf(row)];
+    const QStringList texts = QSet<QString>(m_readings.cbegin(), m_readings.cend())
+                                  .unite(QSet<QString>(recorded.keyBegin(), recorded.keyEnd()))
+                                  .unite(QSet<QString>(m_shown.cbegin(), m_shown.cend()))
+                                  .values();
     QStringList found;
-    for (auto reading = missing.cbegin(); reading != missing.cend(); ++reading) {
-        if (reading.value() < 0 || reading.value() > optional.value(reading.key()))
-            found += QStringLiteral("%1 [%2] missing: %3").arg(m_serial, reading.key()).arg(reading.value());
+    for (const QString &reading : texts) {
+        if (recorded.value(reading) < shown.value(reading) || recorded.value(reading) > served.value(reading)) {
+            found += QStringLiteral("%1 [%2]: %3 served, %4 shown, %5 recorded")
+                         .arg(m_serial, reading)
+                         .arg(served.value(reading))
+                         .arg(shown.value(reading))
+                         .arg(recorded.value(reading));
+        }
     }
     return found.join(QStringLiteral("; "));
 }

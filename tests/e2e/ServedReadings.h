@@ -3,7 +3,6 @@
 #include "support/RecordedRows.h"
 
 #include <QList>
-#include <QSet>
 #include <QStringList>
 
 namespace loggersim {
@@ -36,9 +35,13 @@ public:
     /// order: an empty text when nothing is. The last reading may be missing if @p lastMayMiss, because it was on its
     /// way when the recording stopped.
     QString differences(const QList<RecordedRow> &rows, bool lastMayMiss = true) const;
-    /// What is wrong with a recording's rows in which each of these readings must be exactly once, except that those
-    /// numbered in @p mayMiss need not be there: an empty text when nothing is.
-    QString miscounts(const QList<RecordedRow> &rows, const QSet<int> &mayMiss) const;
+    /// Notes which readings the station has shown, by what it has said of them. Returns how many.
+    int noteShown(const QStringList &stationLines);
+    /// All of them, as at() has them.
+    const QStringList &shown() const { return m_shown; }
+    /// What is wrong with a recording's rows in which each reading that was shown must be, and each that was served may
+    /// be once: an empty text when nothing is.
+    QString miscounts(const QList<RecordedRow> &rows) const;
     /// The readings from number @p first on that are not in the recording. The last one may be missing.
     QStringList missingSince(int first, const QList<RecordedRow> &rows) const;
 
@@ -46,4 +49,5 @@ private:
     QString m_serial;
     QStringList m_readings;
     QList<qint64> m_times;
+    QStringList m_shown;
 };

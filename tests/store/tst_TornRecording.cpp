@@ -26,6 +26,8 @@ private slots:
     void everyCutIsFound();
     void unsyncedSectorsAreFound_data();
     void unsyncedSectorsAreFound();
+    void firstRowsAreThereWhereverTheirPageIsCut_data();
+    void firstRowsAreThereWhereverTheirPageIsCut();
     void cutCreationIsFound();
     void tornFileIsSetAsideUntouched();
     void olderTornFileStays();
@@ -41,7 +43,8 @@ private slots:
 private:
     bool record(int rows, int batch, quint32 start = 1700000000, qint64 step = 1);
     QByteArray content(const QString &path) const;
-    void write(const QByteArray &content) const;
+    void write(const QByteArray &content) const { write(m_recording.file(), content); }
+    static void write(const QString &path, const QByteArray &content);
     QString judge(const QByteArray &content);
     QString mend(const QStringList &rowsBefore);
 
@@ -113,11 +116,11 @@ QByteArray tst_TornRecording::content(const QString &path) const
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void tst_TornRecording::write(const QByteArray &content) const
+void tst_TornRecording::write(const QString &path, const QByteArray &content)
 {
-    QFile file(m_recording.file());
+    QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(content) != content.size())
-        qFatal("cannot write the recording");
+        qFatal("cannot write %s", qPrintable(path));
 }
 
 /// What is wrong with the verdict on a file in this state; empty when it is right.
@@ -239,6 +242,82 @@ void tst_TornRecording::unsyncedSectorsAreFound()
         if (problem.isEmpty() && round < 4)
             problem = mend(split ? QStringList() : before);
         QVERIFY2(problem.isEmpty(), qPrintable(QStringLiteral("round %1: %2").arg(round).arg(problem)));
+    }
+}
+
+void tst_TornRecording::firstRowsAreThereWhereverTheirPageIsCut_data()
+{
+    QTest::addColumn<int>("rowsBefore");
+    QTest::addColumn<bool>("isReopened");
+    QTest::addColumn<bool>("hasIndex");
+
+    for (const int rows : {16, 64, 72}) {
+        QTest::addRow("%d rows", rows) << rows << false << true;
+        QTest::addRow("%d rows of an earlier run", rows) << rows << true << true;
+        QTest::addRow("%d rows of an older version", rows) << rows << true << false;
+    }
+}
+
+/// The program ends in the middle of the batch in which the table's first page becomes the root of a tree.
+void tst_TornRecording::firstRowsAreThereWhereverTheirPageIsCut()
+{
+    QFETCH(int, rowsBefore);
+    QFETCH(bool, isReopened);
+    QFETCH(bool, hasIndex);
+    constexpr int batch = 100;
+    constexpr quint32 start = 1700000000;
+
+    auto store = m_recording.open();
+    QVERIFY(hasIndex || OtherProgram(m_recording.file()).exec("drop index ostrivane_pointDate"));
+    for (int i = 0; i < rowsBefore; ++i) {
+        InsertSerialData::enqueue(reading(i, start + quint32(i)));
+        if (InsertSerialData::pendingCount() == 8)
+            store->insertNow();
+    }
+    if (isReopened) {
+        store.reset();
+        store = m_recording.open();
+    }
+    for (int i = rowsBefore; i < rowsBefore + batch; ++i)
+        InsertSerialData::enqueue(reading(i, start + quint32(i)));
+    QTRY_COMPARE(m_recording.spooledRows().size(), rowsBefore + batch);
+    const QByteArray spool = content(m_recording.spool());
+    const QByteArray spoolLog = content(m_recording.spool() + "-wal");
+    QByteArray state = content(m_recording.file());
+    const QByteArray before = state;
+    std::vector<WriteLog::Write> writes;
+    {
+        const WriteLog log(m_recording.file());
+        store->insertNow();
+        writes = log.writes();
+    }
+    store.reset();
+    const QStringList expected = m_recording.rows();
+    QCOMPARE(expected.size(), rowsBefore + batch);
+    QVERIFY(rootSplits(before, content(m_recording.file())));
+
+    for (size_t i = 0; i < writes.size(); ++i) {
+        for (const int size : {0, sector}) {
+            QByteArray cut = state;
+            applyPart(writes[i], size, cut);
+            removeRecording(m_recording);
+            write(m_recording.file(), cut);
+            write(m_recording.spool(), spool);
+            write(m_recording.spool() + "-wal", spoolLog);
+            m_recording.open()->insertNow();
+            const QStringList rows = m_recording.rows();
+            const QString problem = m_recording.integrity();
+            QVERIFY2(rows == expected && problem == "ok",
+                     qPrintable(QString("write %1 of %2 at %3 cut after %4 bytes: %5 of %6 rows, %7")
+                                    .arg(i)
+                                    .arg(writes.size())
+                                    .arg(writes[i].offset)
+                                    .arg(size)
+                                    .arg(rows.size())
+                                    .arg(expected.size())
+                                    .arg(problem)));
+        }
+        apply(writes[i], state);
     }
 }
 

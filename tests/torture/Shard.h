@@ -18,8 +18,8 @@ public:
         quint32 seed = 0;
         bool keepsAll = false; ///< the evidence of rounds without fault, too
         bool isShort = false;  ///< on a machine that does other things meanwhile: no time is judged
-        QString folder;       ///< for the files of the station, empty
-        QString evidence;     ///< for what a fault leaves
+        QString folder;        ///< for the files of the station, empty
+        QString evidence;      ///< for what a fault leaves
     };
 
     explicit Shard(const Order &order);

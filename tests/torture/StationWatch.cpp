@@ -48,6 +48,7 @@ bool StationWatch::prepare(E2eFixture &e2e)
     e2e.setVariable(QStringLiteral("TORTURE_KILL"), m_kill);
     e2e.setVariable(QStringLiteral("TORTURE_LOG"), m_keepsLog ? path("log") : QString());
     e2e.setVariable(QStringLiteral("TORTURE_SPLASH"), m_splash < 0 ? QString() : QString::number(m_splash));
+    e2e.setVariable(QStringLiteral("TORTURE_RIGHTS"), m_takesRights ? QStringLiteral("none") : QString());
     QFile log(path("log"));
     return !log.exists() || log.remove();
 }

@@ -21,6 +21,8 @@ public:
     void setSplash(int milliseconds) { m_splash = milliseconds; }
     /// OPERATION:SUFFIX:N:MOMENT of TORTURE_KILL; empty: it is ended from outside.
     void setKill(const QString &kill) { m_kill = kill; }
+    /// Files that are read-only are so for the superuser's station, too.
+    void takeRights() { m_takesRights = true; }
     void keepLog(bool isKept) { m_keepsLog = isKept; }
     /// To be called before each start of the station.
     bool prepare(E2eFixture &e2e);
@@ -38,5 +40,6 @@ private:
     int m_splash = -1;
     QString m_kill;
     bool m_keepsLog = false;
+    bool m_takesRights = false;
     watch::WatchState *m_state = nullptr;
 };

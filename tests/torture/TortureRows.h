@@ -24,3 +24,8 @@ const TortureRow *findTortureRow(const QString &name);
 void runKills(Shard &shard);
 void runPowerCuts(Shard &shard);
 void runSignals(Shard &shard);
+void runFullDisks(Shard &shard);
+void runMeddling(Shard &shard);
+void runPlugs(Shard &shard);
+void runSwaps(Shard &shard);
+void runVanishing(Shard &shard);

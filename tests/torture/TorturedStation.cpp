@@ -12,9 +12,12 @@ constexpr int patienceMs = 60000;
 // Enough for two batches.
 constexpr int lastReadings = 5;
 
+const QString salvaged = QStringLiteral("InsertSerialData::createConnection : [ERROR] torn : set aside");
+const QString replayed = QStringLiteral("SorvantoMain::reportSavedRows");
+
 } // namespace
 
-TorturedStation::TorturedStation(Shard &shard, int loggers)
+TorturedStation::TorturedStation(Shard &shard, int loggers, int usbLoggers)
     : m_shard(shard),
       m_folder(prepared(shard.path("project"))),
       m_e2e(m_folder),
@@ -23,6 +26,10 @@ TorturedStation::TorturedStation(Shard &shard, int loggers)
     for (int i = 0; i < loggers; ++i) {
         m_e2e.addLogger();
         m_audit.follow(m_e2e.served(i));
+    }
+    for (int i = 0; i < usbLoggers; ++i) {
+        m_e2e.addUsbLogger();
+        m_audit.follow(m_e2e.servedByUsb(i));
     }
 }
 
@@ -67,22 +74,70 @@ void TorturedStation::settle()
 
 void TorturedStation::noteRound(const QString &how)
 {
+    m_salvages += station().count(salvaged);
+    m_replays += station().count(replayed);
     m_shard.endRound(how + QLatin1Char('\n') + station().lines().join(QLatin1Char('\n')));
 }
 
-void TorturedStation::conclude()
+void TorturedStation::finish()
+{
+    if (!m_e2e.fallSilent())
+        m_shard.find(QString::fromLocal8Bit(station().lastWords()));
+    end();
+}
+
+void TorturedStation::end()
+{
+    if (!station().end() || !station().hasSucceeded())
+        m_shard.find(QString::fromLocal8Bit(station().lastWords()));
+}
+
+void TorturedStation::conclude(const std::function<QList<RecordedRow>()> &rows)
 {
     m_watch.setKill({});
     m_watch.setSplash(0);
     if (!start())
         return;
     const int before = m_e2e.served(0).count();
-    if (!m_e2e.waitUntil([&] { return m_e2e.haveServed(before + lastReadings, 1); }) || !m_e2e.fallSilent() ||
-        !station().end() || !station().hasSucceeded())
-        m_shard.find(QStringLiteral("the last run: ") + QString::fromLocal8Bit(station().lastWords()));
+    if (!m_e2e.waitUntil([&] { return m_e2e.haveServed(before + lastReadings, 1); }))
+        m_shard.find(QString::fromLocal8Bit(station().lastWords()));
+    finish();
+    judge(rows ? rows() : m_e2e.rows());
+    m_shard.result().remarks += QStringLiteral("part %1: %2 openings saved readings, %3 of them from a torn recording")
+                                    .arg(m_shard.order().number)
+                                    .arg(m_replays)
+                                    .arg(m_salvages);
+}
+
+ServedReadings &TorturedStation::served(int logger)
+{
+    const int ofNetwork = m_e2e.loggerCount();
+    return logger < ofNetwork ? m_e2e.served(logger) : m_e2e.servedByUsb(logger - ofNetwork);
+}
+
+/// Both are in the order in which they were served.
+void TorturedStation::demandShown()
+{
+    for (int i = 0; i < m_e2e.loggerCount() + m_e2e.usbLoggerCount(); ++i) {
+        ServedReadings &readings = served(i);
+        readings.noteShown(station().lines());
+        int shown = 0;
+        m_audit.excuseUnless(i, [&](int reading) {
+            const bool isShown = shown < readings.shown().size() && readings.shown().at(shown) == readings.at(reading);
+            shown += isShown ? 1 : 0;
+            return isShown;
+        });
+        if (shown < readings.shown().size())
+            m_shard.find(QStringLiteral("%1 has shown %2, which was not served")
+                             .arg(readings.serial(), readings.shown().at(shown)));
+    }
+}
+
+void TorturedStation::judge(const QList<RecordedRow> &rows)
+{
     if (QFileInfo::exists(m_e2e.spool()))
         m_shard.find(QStringLiteral("a clean end leaves the spool"));
-    m_shard.result().add(m_audit.judge(m_e2e.rows()));
+    m_shard.result().add(m_audit.judge(rows));
     if (const QString integrity = m_e2e.integrity(); integrity != QLatin1String("ok")) {
         ++m_shard.result().unsound;
         m_shard.find(QStringLiteral("integrity: ") + integrity);

@@ -4,6 +4,8 @@
 #include "ReadingAudit.h"
 #include "StationWatch.h"
 
+#include <functional>
+
 class Shard;
 
 /// A recording station with its loggers, whose every reading is followed from round to round, each a run of the
@@ -11,7 +13,7 @@ class Shard;
 class TorturedStation
 {
 public:
-    TorturedStation(Shard &shard, int loggers);
+    TorturedStation(Shard &shard, int loggers, int usbLoggers = 0);
 
     E2eFixture &e2e() { return m_e2e; }
     StationProcess &station() { return m_e2e.station(); }
@@ -28,10 +30,20 @@ public:
     void settle();
     /// ... and closes the round.
     void noteRound(const QString &how);
-    /// A last run that ends cleanly, and the comparison of all that was served with the recording.
-    void conclude();
+    /// Ends a run once no reading is on its way any more. Told to the shard when that is no clean end.
+    void finish();
+    /// Ends it at once, cleanly.
+    void end();
+    /// What must be there is what the station of this run has said that it showed. For a single run, ended already.
+    void demandShown();
+    /// Compares all that was served with the rows, and looks through the recording.
+    void judge(const QList<RecordedRow> &rows);
+    /// A last run of some readings, and the judgement. @p rows gets them then; without, they are those of the
+    /// recording.
+    void conclude(const std::function<QList<RecordedRow>()> &rows = {});
 
 private:
+    ServedReadings &served(int logger);
     static QString prepared(const QString &folder);
 
     Shard &m_shard;
@@ -39,4 +51,6 @@ private:
     E2eFixture m_e2e;
     StationWatch m_watch;
     ReadingAudit m_audit;
+    int m_salvages = 0;
+    int m_replays = 0;
 };

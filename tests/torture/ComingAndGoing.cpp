@@ -1,0 +1,98 @@
+#include "ComingAndGoing.h"
+
+#include "Shard.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// Then the station has written its first batches and filled what it keeps of the last values.
+constexpr int warmUpReadings = 20;
+
+} // namespace
+
+ComingAndGoing::ComingAndGoing(Shard &shard, TorturedStation &tortured, int loggers, std::function<void(int)> go,
+                               std::function<void(int)> come)
+    : m_shard(shard), m_tortured(tortured), m_go(std::move(go)), m_come(std::move(come)), m_loggers(size_t(loggers))
+{
+}
+
+void ComingAndGoing::setTimes(int awayMs, int backMs)
+{
+    m_awayMs = awayMs;
+    m_backMs = backMs;
+}
+
+void ComingAndGoing::run()
+{
+    if (!m_tortured.start())
+        return;
+    const int rounds = m_shard.order().rounds;
+    const int first = std::min(rounds, int(m_loggers.size()));
+    const auto haveDone = [this](int count) {
+        return [this, count] {
+            return m_shard.result().rounds >= count;
+        };
+    };
+    if (!turn(haveDone(first)) || !bringAllBack()) {
+        m_shard.find(QString::fromLocal8Bit(m_tortured.station().lastWords()));
+        return;
+    }
+    const ProcessUse before = ProcessUse::of(m_tortured.station().processId());
+    if (!turn(haveDone(rounds)) || !bringAllBack()) {
+        m_shard.find(QString::fromLocal8Bit(m_tortured.station().lastWords()));
+        return;
+    }
+    const ProcessUse after = ProcessUse::of(m_tortured.station().processId());
+    if (const QString more = after.moreThan(before); !more.isEmpty() && !m_shard.order().isShort)
+        m_shard.find(more);
+    m_shard.result().remarks += QStringLiteral("part %1: %2 after the first round of each, %3 at the end")
+                                    .arg(m_shard.order().number)
+                                    .arg(before.text(), after.text());
+    m_tortured.finish();
+    m_tortured.demandShown();
+    m_tortured.judge(m_tortured.e2e().rows());
+}
+
+bool ComingAndGoing::turn(const std::function<bool()> &isOver)
+{
+    for (Logger &logger : m_loggers)
+        logger.next.setRemainingTime(m_shard.below(m_backMs));
+    while (!isOver()) {
+        const auto next = std::min_element(m_loggers.begin(), m_loggers.end(),
+                                           [](const Logger &a, const Logger &b) { return a.next < b.next; });
+        if (!m_tortured.e2e().waitUntil([&] { return next->next.hasExpired(); }))
+            return false;
+        const auto number = int(next - m_loggers.begin());
+        (next->isAway ? m_come : m_go)(number);
+        if (next->isAway)
+            m_shard.endRound({});
+        next->isAway = !next->isAway;
+        next->next.setRemainingTime(m_shard.below(next->isAway ? m_awayMs : m_backMs));
+    }
+    return true;
+}
+
+bool ComingAndGoing::bringAllBack()
+{
+    std::vector<int> before;
+    for (size_t i = 0; i < m_loggers.size(); ++i) {
+        if (std::exchange(m_loggers[i].isAway, false))
+            m_come(int(i));
+        before.push_back(servedBy(int(i)));
+    }
+    return m_tortured.e2e().waitUntil([&] {
+        for (size_t i = 0; i < m_loggers.size(); ++i) {
+            if (servedBy(int(i)) < before[i] + warmUpReadings)
+                return false;
+        }
+        return true;
+    });
+}
+
+int ComingAndGoing::servedBy(int logger)
+{
+    E2eFixture &e2e = m_tortured.e2e();
+    return e2e.usbLoggerCount() > 0 ? e2e.servedByUsb(logger).count() : e2e.served(logger).count();
+}
