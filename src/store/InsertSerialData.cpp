@@ -352,7 +352,7 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
 {
     // Another store on the same queue may have emptied it meanwhile.
     const auto count = std::min(m_perhapsStored, pendingCount());
-    const QSqlError error =
+    QSqlError error =
         count == 0 ? QSqlError() : removeStoredRows(connection(), queue(), count, m_storedUpTo, m_perhapsStoredAs);
     if (error.type() == QSqlError::NoError)
         m_perhapsStored = 0;

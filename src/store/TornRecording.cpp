@@ -27,7 +27,7 @@ QString freeName(const QString &path)
 QString salvaged(PageFile &file, const QString &path, TornRecording &torn)
 {
     const QString part = path + QLatin1String(".salvage");
-    const QString whole = path + QLatin1String(".salvaged");
+    QString whole = path + QLatin1String(".salvaged");
     const SalvageResult result = salvageRecording(file, part);
     torn.rows = int(std::min<qint64>(result.rows, std::numeric_limits<int>::max()));
     if (result.complete && (!QFile::exists(whole) || QFile::remove(whole)) && QFile::rename(part, whole))
