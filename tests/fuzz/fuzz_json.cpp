@@ -9,18 +9,14 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMap>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
 bool agree(const json::QJsonValue &ours, const ::QJsonValue &theirs);
-
-/// The toolkit drops a byte-order mark at the beginning of a text.
-QString withoutMark(QString text)
-{
-    return text.remove(QChar(QChar::ByteOrderMark));
-}
 
 bool agree(const json::QJsonArray &ours, const ::QJsonArray &theirs)
 {
@@ -37,11 +33,13 @@ bool agree(const json::QJsonObject &ours, const ::QJsonObject &theirs)
 {
     if (ours.count() != theirs.size())
         return false;
-    for (const json::Member &member : ours) {
-        if (!theirs.contains(member.key) || !agree(member.value, theirs.value(member.key)))
-            return false;
-    }
-    return true;
+    // Its own search misses some keys beyond ASCII.
+    QMap<QString, ::QJsonValue> members;
+    for (auto member = theirs.begin(); member != theirs.end(); ++member)
+        members.insert(member.key(), member.value());
+    return std::all_of(ours.begin(), ours.end(), [&members](const json::Member &member) {
+        return members.contains(member.key) && agree(member.value, members.value(member.key));
+    });
 }
 
 /// Whether the toolkit has read the same.
@@ -55,7 +53,7 @@ bool agree(const json::QJsonValue &ours, const ::QJsonValue &theirs)
     case json::Kind::Number:
         return theirs.isDouble() && ours.toDouble() == theirs.toDouble();
     case json::Kind::String:
-        return theirs.isString() && withoutMark(ours.toString()) == withoutMark(theirs.toString());
+        return theirs.isString() && ours.toString() == theirs.toString();
     case json::Kind::Array:
         return theirs.isArray() && agree(ours.toArray(), theirs.toArray());
     case json::Kind::Object:
@@ -80,18 +78,13 @@ json::QJsonValue valueOf(const json::QJsonDocument &document)
     return document.isObject() ? json::QJsonValue(document.object()) : json::QJsonValue(document.array());
 }
 
-/// Each is strict where the other is not; what both read they read alike, and what the toolkit writes we read.
-void compareWithToolkit(const QByteArray &text, const json::QJsonDocument &ours, const json::QJsonParseError &error)
+/// The toolkit drops a byte-order mark.
+bool isReadAlikeByToolkit(const json::QJsonDocument &ours, const QString &written)
 {
-    const ::QJsonDocument theirs = ::QJsonDocument::fromJson(text);
-    if (theirs.isNull() || error.number == json::QJsonParseError::DeepNesting)
-        return;
-    const json::QJsonDocument ofTheirs(json::parse(theirs.toJson(::QJsonDocument::Compact)));
-    require(!ofTheirs.isNull(), "what the toolkit writes is read");
-    for (const json::QJsonDocument *document : {&ours, &ofTheirs})
-        require(document->isNull() || (theirs.isObject() ? agree(document->object(), theirs.object())
-                                                         : agree(document->array(), theirs.array())),
-                "what both read they read alike");
+    const ::QJsonDocument theirs = ::QJsonDocument::fromJson(written.toUtf8());
+    return written.contains(QChar(QChar::ByteOrderMark)) ||
+           (ours.isObject() ? theirs.isObject() && agree(ours.object(), theirs.object())
+                            : theirs.isArray() && agree(ours.array(), theirs.array()));
 }
 
 } // namespace
@@ -103,14 +96,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const json::QJsonDocument document(json::parse(text, &error));
     require(document.isNull() == (error.number != json::QJsonParseError::NoError), "a document or an error");
     require(error.offset >= 0 && error.offset <= text.size(), "an error lies in the text");
-    compareWithToolkit(text, document, error);
     if (document.isNull())
         return 0;
     const QString written = json::serialise(valueOf(document));
     const json::QJsonDocument again(json::parse(written.toUtf8()));
     require(!again.isNull(), "what is written can be read");
     require(json::serialise(valueOf(again)) == written, "what was read again is written alike");
-    // No number stands for the others.
-    require(valueOf(again) == valueOf(document) || !isFinite(valueOf(document)), "what was written is read alike");
+    if (!isFinite(valueOf(document)))
+        return 0; // no number stands for the others
+    require(valueOf(again) == valueOf(document), "what was written is read alike");
+    require(isReadAlikeByToolkit(document, written), "also by the toolkit");
     return 0;
 }
