@@ -43,6 +43,9 @@ if(SORVANTO_SANITIZE)
     # The sanitizers' own instrumentation makes the compiler see null where there is none.
     target_compile_options(sorvanto_options INTERFACE -Wno-null-dereference)
 endif()
+if(SORVANTO_FUZZ)
+    target_compile_options(sorvanto_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # sorvanto_layer(NAME SOURCES... LINK...): one layer of the station as a static library, reachable from the layers above only.
 function(sorvanto_layer name)

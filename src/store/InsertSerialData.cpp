@@ -310,7 +310,7 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
     // Another store on the same queue may have emptied it meanwhile.
     const auto count = std::min(m_perhapsStored, pendingCount());
     const qint64 storedUpTo = m_spool ? m_spool->storedUpTo() : 0;
-    const QSqlError error =
+    QSqlError error =
         count == 0 ? QSqlError() : removeStoredRows(connection(), queue().rows(), count, storedUpTo, m_perhapsStoredAs);
     if (error.type() == QSqlError::NoError)
         m_perhapsStored = 0;

@@ -4,6 +4,7 @@
 #include "store/SetAside.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QUuid>
@@ -19,6 +20,8 @@ constexpr int applicationId = 0x53765370;
 constexpr int corruptCode = 11;
 constexpr int notADatabaseCode = 26;
 constexpr int primaryCode = 0xff;
+
+constexpr qint64 headerSize = 100;
 
 const QStringList logSuffixes{QStringLiteral("-wal"), QStringLiteral("-shm"), QStringLiteral("-journal")};
 
@@ -103,6 +106,12 @@ SpoolFile::Content SpoolFile::read()
     Content content;
     if (!QFile::exists(m_path))
         return content;
+    // SQLite would delete the log, and all rows with it.
+    if (QFileInfo(m_path).size() < headerSize && QFileInfo(m_path + QLatin1String("-wal")).size() > 0) {
+        m_error = QStringLiteral("The file has been cut off beside its log");
+        content.state = State::Damaged;
+        return content;
+    }
     // Closing a connection that may write would work the log into the file. One that died while it made the file has
     // left a journal, which only a writer can undo; no row is in it then.
     const bool isHalfMade = QFile::exists(m_path + QLatin1String("-journal"));

@@ -17,7 +17,7 @@ namespace {
 QString salvaged(PageFile &file, const QString &path, const SalvageProgress &progress, TornRecording &torn)
 {
     const QString part = path + QLatin1String(".salvage");
-    const QString whole = path + QLatin1String(".salvaged");
+    QString whole = path + QLatin1String(".salvaged");
     const SalvageResult result = salvageRecording(file, part, progress);
     torn.isGivenUp = result.isGivenUp;
     torn.rows = int(std::min<qint64>(result.rows, std::numeric_limits<int>::max()));
