@@ -4,6 +4,16 @@
 
 #include <QTest>
 
+namespace {
+
+/// A reading for the record.
+RecordedSeries::Readings one(qint64 timeMs, double value1, double value2)
+{
+    return {{timeMs, value1, value2, true}};
+}
+
+} // namespace
+
 class tst_RecordedSeries : public QObject
 {
     Q_OBJECT
@@ -26,7 +36,7 @@ private slots:
 void tst_RecordedSeries::aReadingIsARow()
 {
     RecordedSeries series(QStringLiteral("7"));
-    series.add(100000, 21.5, 40.25);
+    series.add(one(100000, 21.5, 40.25), {});
     const auto rows = takeRecordedRows();
     QCOMPARE(rows.size(), 1);
     QCOMPARE(rows.first().serial, QStringLiteral("7"));
@@ -50,7 +60,7 @@ void tst_RecordedSeries::timesAreWholeSeconds()
 {
     QFETCH(qint64, ms);
     RecordedSeries series(QStringLiteral("7"));
-    series.add(ms, 1, 2);
+    series.add(one(ms, 1, 2), {});
     series.close();
     const auto rows = takeRecordedRows();
     QCOMPARE(rows.size(), 2);
@@ -61,7 +71,7 @@ void tst_RecordedSeries::timesAreWholeSeconds()
 void tst_RecordedSeries::aChannelMayHaveNoValue()
 {
     RecordedSeries series(QStringLiteral("7"));
-    series.add(100000, noValue, 2);
+    series.add(one(100000, noValue, 2), {});
     const auto rows = takeRecordedRows();
     QCOMPARE(rows.size(), 1);
     QVERIFY(rows.first().channel1.isNull());
@@ -71,8 +81,8 @@ void tst_RecordedSeries::aChannelMayHaveNoValue()
 void tst_RecordedSeries::theEndIsASecondAfterTheLastReading()
 {
     RecordedSeries series(QStringLiteral("7"));
-    series.add(100000, 1, 2);
-    series.add(110000, 3, 4);
+    series.add(one(100000, 1, 2), {});
+    series.add(one(110000, 3, 4), {});
     series.close();
     const auto rows = takeRecordedRows();
     QCOMPARE(rows.size(), 3);
@@ -85,7 +95,7 @@ void tst_RecordedSeries::theEndIsASecondAfterTheLastReading()
 void tst_RecordedSeries::nothingIsClosedTwice()
 {
     RecordedSeries series(QStringLiteral("7"));
-    series.add(100000, 1, 2);
+    series.add(one(100000, 1, 2), {});
     series.close();
     QCOMPARE(takeRecordedRows().size(), 2);
     series.close();
@@ -102,9 +112,9 @@ void tst_RecordedSeries::whatWasNeverOpenIsNotClosed()
 void tst_RecordedSeries::aSeriesGoesOnAfterItsEnd()
 {
     RecordedSeries series(QStringLiteral("7"));
-    series.add(100000, 1, 2);
+    series.add(one(100000, 1, 2), {});
     series.close();
-    series.add(200000, 3, 4);
+    series.add(one(200000, 3, 4), {});
     series.close();
     const auto rows = takeRecordedRows();
     QCOMPARE(rows.size(), 4);
@@ -116,8 +126,8 @@ void tst_RecordedSeries::aSeriesGoesOnAfterItsEnd()
 void tst_RecordedSeries::aReadingOfAnEarlierTimeIsTheLast()
 {
     RecordedSeries series(QStringLiteral("7"));
-    series.add(200000, 1, 2);
-    series.add(100000, 3, 4);
+    series.add(one(200000, 1, 2), {});
+    series.add(one(100000, 3, 4), {});
     series.close();
     const auto rows = takeRecordedRows();
     QCOMPARE(rows.size(), 3);
@@ -129,7 +139,7 @@ void tst_RecordedSeries::seriesAreApart()
 {
     RecordedSeries first(QStringLiteral("7"));
     RecordedSeries second(QStringLiteral("8"));
-    first.add(100000, 1, 2);
+    first.add(one(100000, 1, 2), {});
     second.close();
     first.close();
     const auto rows = takeRecordedRows();
