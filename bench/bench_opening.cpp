@@ -85,8 +85,10 @@ void makeWithoutIndex(const QString &from, const QString &file)
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
         database.setDatabaseName(part);
-        isMade = isMade && database.open() && QSqlQuery(database).exec(QStringLiteral("PRAGMA journal_mode = OFF")) &&
-                 QSqlQuery(database).exec(QStringLiteral("drop index ostrivane_pointDate"));
+        isMade = isMade && database.open();
+        QSqlQuery query(database);
+        for (const char *statement : {"PRAGMA journal_mode = OFF", "drop index ostrivane_pointDate"})
+            isMade = isMade && query.exec(QLatin1String(statement));
     }
     QSqlDatabase::removeDatabase(name);
     if (!isMade || !QFile::rename(part, file))
