@@ -7,7 +7,6 @@
 
 #include <QAction>
 #include <QDateTime>
-#include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTimer>
@@ -62,9 +61,6 @@ class tst_Recording : public QObject
 private slots:
     void init()
     {
-        // Only an event loop that runs and ends takes the toolkit out of the state of ending.
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
-        QApplication::exec();
         m_fixture = std::make_unique<StationFixture>();
         QCOMPARE(InsertSerialData::pendingCount(), 0);
     }
@@ -271,65 +267,6 @@ private slots:
         QCOMPARE(rows.size(), 4);
         QVERIFY(rows.last().isGap());
         QCOMPARE(storedTime("record_stop_time").size(), 19);
-    }
-
-    void readingsOnTheirWayAreAwaitedAtTheEnd_data()
-    {
-        QTest::addColumn<bool>("isSession");
-        QTest::newRow("end of the program") << false;
-        QTest::newRow("end of the session") << true;
-    }
-
-    void readingsOnTheirWayAreAwaitedAtTheEnd()
-    {
-        QFETCH(bool, isSession);
-        open(2);
-        m_station->slotKeepAlive(true);
-        m_station->slotStartRecord();
-        pollUntilPending(2);
-        // Both polls are under way when the first of the answers comes.
-        m_fixture->logger(0).setSilent();
-        const auto asked = m_fixture->logger(0).commands().size();
-        m_station->writeDevice();
-        QTRY_COMPARE(m_fixture->logger(0).commands().size(), asked + 1);
-        m_station->writeDevice();
-        QTRY_COMPARE(m_fixture->logger(0).commands().size(), asked + 2);
-        QTRY_COMPARE(InsertSerialData::pendingCount(), 4);
-        m_fixture->logger(0).send("ATDC 30.00,45.10\r\n");
-        QTimer::singleShot(0, &m_fixture->logger(0), [this] { m_fixture->logger(0).send("ATDC 31.00,45.10\r\n"); });
-        if (isSession)
-            m_station->stopRunningRecording();
-        else
-            m_station->endProgram();
-        const QList<RecordedRow> rows = m_fixture->rows(m_name);
-        QCOMPARE(m_fixture->readingCount(m_name), 6);
-        for (const double value : {30.0, 31.0})
-            QVERIFY(std::any_of(rows.cbegin(), rows.cend(),
-                                [value](const RecordedRow &row) { return row.channel1 == value; }));
-    }
-
-    void aSilentLoggerHoldsUpNoEnd()
-    {
-        open(1);
-        m_station->slotKeepAlive(true);
-        m_station->slotStartRecord();
-        pollUntilPending(1);
-        m_fixture->logger(0).setSilent();
-        m_station->writeDevice();
-        QSignalSpy heard(&m_fixture->logger(0), &ScriptedLogger::commandReceived);
-        QVERIFY(heard.wait());
-        m_station->endProgram();
-        QVERIFY(m_station->isEnding());
-        QCOMPARE(m_fixture->readingCount(m_name), 1);
-    }
-
-    void pollsGoOnWhenTheSessionStays()
-    {
-        open(1);
-        m_station->slotStartRecord();
-        pollUntilPending(1);
-        m_station->stopRunningRecording();
-        QVERIFY(child<QTimer>(*m_station, "writeDeviceTimer")->isActive());
     }
 
     void saysWhenTheRecordedRangeCannotBeSaved()
