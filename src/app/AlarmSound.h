@@ -3,6 +3,7 @@
 #include "app/AudioOutput.h"
 
 #include <QAudio>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QObject>
 #include <memory>
@@ -36,7 +37,9 @@ signals:
 private:
     bool openOutput();
     bool openFile();
+    bool isPlaying();
 
     QFile m_audioFile;
+    QElapsedTimer m_sinceEnd;                   // since the file of this play was first seen to be at its end
     std::unique_ptr<AudioOutput> m_audioOutput; // reads from the file, so it goes first
 };

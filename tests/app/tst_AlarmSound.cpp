@@ -88,6 +88,7 @@ private slots:
     void alarmStops();
     void stopEndsThePlay();
     void nextPlayStartsFromTheBeginning();
+    void soundsAgainAfterAPlayWhoseEndCameTooLate();
     void mayBeDestroyedWhileItPlays();
     void serverMayVanishAndComeBack();
 
@@ -197,9 +198,16 @@ void tst_AlarmSound::activePlayIsNotStartedOver()
 {
     AlarmSound alarm;
     QVERIFY(alarm.setUp());
+    const auto *output = alarm.findChild<AudioOutput *>();
     QTimer check;
     connect(&check, &QTimer::timeout, &alarm, [&alarm] { alarm.setAlarm(true); });
-    check.start(20);
+    check.start(alarmCheckMs);
+    QTimer look;
+    connect(&look, &QTimer::timeout, &alarm, [&] {
+        if (output->state() == QAudio::ActiveState)
+            alarm.setAlarm(true);
+    });
+    look.start(20);
     // Were it started over at each look, it would never reach its end.
     QTRY_VERIFY_WITH_TIMEOUT(playsFinished(m_ear) > 0, patienceMs);
 }
@@ -241,6 +249,25 @@ void tst_AlarmSound::nextPlayStartsFromTheBeginning()
     m_ear.forget();
     alarm.setAlarm(true);
     QTRY_VERIFY_WITH_TIMEOUT(tenthsHeard(m_ear, lowToneHz) > 5, patienceMs);
+}
+
+/// The rest of the sound alone does not make the server go on.
+void tst_AlarmSound::soundsAgainAfterAPlayWhoseEndCameTooLate()
+{
+    AlarmSound alarm;
+    QVERIFY(alarm.setUp());
+    alarm.setAlarm(true);
+    const auto *output = alarm.findChild<AudioOutput *>();
+    constexpr qint64 bytesPerSecond = SinkMonitor::sampleRate * SinkMonitor::frameBytes;
+    const qint64 size = contentOf(QStringLiteral("://critical.wav")).size();
+    while (output->processedUSecs() * bytesPerSecond / 1000000 < size - 3600)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    QVERIFY(m_ear.waitForSilence(0.3));
+    m_ear.forget();
+    QTimer check;
+    connect(&check, &QTimer::timeout, &alarm, [&alarm] { alarm.setAlarm(true); });
+    check.start(alarmCheckMs);
+    QTRY_VERIFY_WITH_TIMEOUT(playsFinished(m_ear) > 0, patienceMs);
 }
 
 /// The output has handed over a part of the sound, and will go on as soon as events are handled.

@@ -105,3 +105,12 @@ double SinkMonitor::trailingSilenceSeconds()
     listen();
     return double(m_silentFrames) / sampleRate;
 }
+
+bool SinkMonitor::waitForSilence(double seconds)
+{
+    while (trailingSilenceSeconds() < seconds) {
+        if (!m_recorder.waitForReadyRead(startTimeoutMs))
+            return false;
+    }
+    return true;
+}

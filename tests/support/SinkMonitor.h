@@ -29,6 +29,8 @@ public:
     const QList<double> &toneLevels(double frequencyHz);
     /// How long it has been silent now.
     double trailingSilenceSeconds();
+    /// Returns when it has been silent for so long, and handles no event meanwhile; false if nothing more comes in.
+    bool waitForSilence(double seconds);
 
 private:
     void listen();
