@@ -247,9 +247,15 @@ QString SpoolFile::setAside(const QString &path)
     // QFile::rename never replaces a file, so an older one set aside stays.
     int number = 1;
     QString target;
+    const auto isTaken = [&] {
+        return QFile::exists(target) ||
+               std::any_of(logSuffixes.cbegin(), logSuffixes.cend(), [&](const QString &suffix) {
+                   return QFile::exists(path + suffix) && QFile::exists(target + suffix);
+               });
+    };
     do
         target = QStringLiteral("%1.damaged-%2").arg(path).arg(number++);
-    while (QFile::exists(target));
+    while (isTaken());
     // The log first, which would bring its rows into any other file of that name.
     for (const QString &suffix : logSuffixes) {
         if (QFile::exists(path + suffix) && !QFile::rename(path + suffix, target + suffix))

@@ -32,6 +32,7 @@ private:
     QStringList rowsAfterwards() const;
 
     std::unique_ptr<Recording> m_recording;
+    std::unique_ptr<InsertSerialData> m_store; ///< the other program's
 };
 
 void tst_KilledStore::cleanup()
@@ -65,10 +66,10 @@ QStringList tst_KilledStore::rowsAfterwards() const
 void tst_KilledStore::queuedRowsAreThere()
 {
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         InsertSerialData::enqueue(row("A1", 1700000000));
         InsertSerialData::enqueue(row("B2", 1700000000, noValue, 3));
-        return store != nullptr;
+        return m_store != nullptr;
     }));
     const auto store = m_recording->open();
     QCOMPARE(store->openingReport().rowsReplayed, 2);
@@ -82,7 +83,7 @@ void tst_KilledStore::rowsQueuedBeforeTheOpeningAreThere()
 {
     QVERIFY(isKilledAfter([this] {
         InsertSerialData::enqueue(row("A1", 1700000000));
-        return m_recording->open() != nullptr;
+        return (m_store = m_recording->open()) != nullptr;
     }));
     QCOMPARE(rowsAfterwards(), QStringList("A1|21.5|40|1700000000"));
 }
@@ -99,11 +100,11 @@ void tst_KilledStore::committedRowsAreThereOnce()
     QFETCH(bool, isLarge);
     QVERIFY(!isLarge || m_recording->outgrowFirstPage());
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         for (quint32 i = 0; i < 4; ++i) {
             InsertSerialData::enqueue(row("A1", 1700000000 + i));
             if (i % 2 == 0)
-                store->insertNow();
+                m_store->insertNow();
         }
         return true;
     }));
@@ -116,9 +117,9 @@ void tst_KilledStore::equalReadingOfALaterBatchIsKept()
 {
     QVERIFY(m_recording->outgrowFirstPage());
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         InsertSerialData::enqueue(row("A1", 1700000000));
-        store->insertNow();
+        m_store->insertNow();
         InsertSerialData::enqueue(row("A1", 1700000000));
         return true;
     }));
@@ -128,20 +129,20 @@ void tst_KilledStore::equalReadingOfALaterBatchIsKept()
 void tst_KilledStore::killedWhileTakingIn()
 {
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         InsertSerialData::enqueue(row("A1", 1700000000));
         InsertSerialData::enqueue(row("A1", 1700000001));
         return true;
     }));
     // Before the batch, after it, and after the rows have reached the spool.
-    QVERIFY(isKilledAfter([this] { return m_recording->open() != nullptr; }));
+    QVERIFY(isKilledAfter([this] { return (m_store = m_recording->open()) != nullptr; }));
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         return QTest::qWaitFor([this] { return m_recording->spooledRows().size() == 2; });
     }));
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
-        store->insertNow();
+        m_store = m_recording->open();
+        m_store->insertNow();
         return true;
     }));
     QCOMPARE(rowsAfterwards(), QStringList({"A1|21.5|40|1700000000", "A1|21.5|40|1700000001"}));
@@ -150,7 +151,7 @@ void tst_KilledStore::killedWhileTakingIn()
 void tst_KilledStore::heldRowsAreThereAsTheyStood()
 {
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         InsertSerialData::enqueue(row("B2", 1700000000));
         const auto held = InsertSerialData::enqueue({}, {}, {row("A1", 1700000000)});
         InsertSerialData::enqueue({}, held, {row("A1", 1700000000), row("A1", 1700000001)});
@@ -163,7 +164,7 @@ void tst_KilledStore::heldRowsAreThereAsTheyStood()
 void tst_KilledStore::heldRowsGiveWay()
 {
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         const auto held = InsertSerialData::enqueue({}, {}, {row("A1", 1700000000), row("A1", 1700000001)});
         return InsertSerialData::enqueue({row("A1", 1700000005)}, held, {}).empty();
     }));
@@ -174,11 +175,11 @@ void tst_KilledStore::heldRowsOutliveABatch()
 {
     QVERIFY(m_recording->outgrowFirstPage());
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         InsertSerialData::enqueue(row("B2", 1700000000));
         InsertSerialData::enqueue({}, {}, {row("A1", 1700000000)});
         InsertSerialData::enqueue(row("B2", 1700000001));
-        store->insertNow();
+        m_store->insertNow();
         return true;
     }));
     QCOMPARE(rowsAfterwards().mid(Recording::firstRows),
@@ -189,7 +190,7 @@ void tst_KilledStore::rowsOfASpoolThatCannotBeWritten()
 {
     QVERIFY(QDir(m_recording->folder()).mkdir("Kitchen.dat.spool"));
     QVERIFY(isKilledAfter([this] {
-        const auto store = m_recording->open();
+        m_store = m_recording->open();
         for (quint32 i = 0; i < 5000; ++i)
             InsertSerialData::enqueue(row("A1", 1700000000 + i));
         return true;
