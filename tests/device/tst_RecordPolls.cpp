@@ -1,6 +1,6 @@
 #include "device/ChartTime.h"
 #include "device/ConfiguredDevice.h"
-#include "store/InsertSerialData.h"
+#include "store/Recording.h"
 #include "support/RecordedRows.h"
 #include "support/ScriptedLogger.h"
 #include "support/TemporaryInterval.h"
@@ -28,6 +28,7 @@ private slots:
     void repliesToOnePoll();
     void repliesOfManyLines();
     void lostReplyShiftsNoTimes();
+    void readingThatIsShownIsKeptBeforeItsPollIsKnown();
     void pollUnansweredForLongTakesNoDisplayReading();
     void replyThatNobodyAskedForIsNotRecordedTwice();
     void historyStandsAtTheTimesOfThePolls_data();
@@ -284,6 +285,24 @@ void tst_RecordPolls::lostReplyShiftsNoTimes()
     QVERIFY(bench.reply(3));
     bench.device.setRecording(false); // also tells that nothing more is to come
     QCOMPARE(rowsTaken(), QStringList("3@4"));
+}
+
+void tst_RecordPolls::readingThatIsShownIsKeptBeforeItsPollIsKnown()
+{
+    const Recording recording;
+    const auto store = recording.open();
+    Bench bench(1000);
+    QVERIFY(bench.connect());
+    bench.poll("rr");
+    QVERIFY(bench.hasHeard(3));
+    QVERIFY(bench.reply(1));
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+    // As if the first one's answer was lost, until the second comes.
+    QTRY_COMPARE(recording.spooledRows(), QStringList("select 'A1', 1, 1, 1700000001"));
+    QVERIFY(bench.reply(2));
+    QTRY_COMPARE(recording.spooledRows(),
+                 QStringList({"select 'A1', 1, 1, 1700000000", "select 'A1', 2, 1, 1700000001"}));
+    QCOMPARE(InsertSerialData::pendingCount(), 2);
 }
 
 void tst_RecordPolls::pollUnansweredForLongTakesNoDisplayReading()

@@ -53,6 +53,7 @@ public:
     bool start();
     QByteArray startError() const { return m_error.toLocal8Bit(); }
     StationProcess &station() { return m_station; }
+    const StationProcess &station() const { return m_station; }
     /// Which diagnostic lines the station prints; the wire is silent unless asked for.
     void setLogRules(const QString &rules) { m_logRules = rules; }
     /// Puts a variable into the environment of the stations that are started from now on, in place of what it has

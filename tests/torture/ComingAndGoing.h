@@ -31,14 +31,16 @@ private:
     bool turn(const std::function<bool()> &isOver);
     /// Waits until all are back and read again.
     bool bringAllBack();
-    bool areAllRead(int readings);
     int servedBy(int logger);
+    ProcessUse leastUse();
 
     Shard &m_shard;
     TorturedStation &m_tortured;
     const std::function<void(int)> m_go;
     const std::function<void(int)> m_come;
     std::vector<Logger> m_loggers;
+    // As quickly as a computer takes note of a device, at least.
+    static constexpr int leastAwayMs = 100;
     int m_awayMs = 2500;
     int m_backMs = 4000;
 };

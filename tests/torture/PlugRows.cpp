@@ -15,10 +15,8 @@ constexpr int networkLoggers = 16;
 // They tell what is shown.
 const QString deviceLines = QStringLiteral("sorvanto.*.debug=false;sorvanto.app.debug=true;sorvanto.device.debug=true");
 
-void swapPlaces(loggersim::SerialLogger &one, loggersim::SerialLogger &other)
+void exchangePlugs(loggersim::SerialLogger &one, loggersim::SerialLogger &other)
 {
-    one.pullOut();
-    other.pullOut();
     const int plug = one.plug();
     one.setPlug(other.plug());
     other.setPlug(plug);
@@ -47,13 +45,16 @@ void runSwaps(Shard &shard)
     TorturedStation tortured(shard, 1, usbLoggers);
     E2eFixture &e2e = tortured.e2e();
     e2e.setLogRules(deviceLines);
-    // Each exchanges its place with another: a going and a coming at once.
-    const auto swap = [&](int logger) {
-        const int other = (logger + 1 + shard.below(usbLoggers - 1)) % usbLoggers;
-        swapPlaces(e2e.usbLogger(logger), e2e.usbLogger(other));
-    };
-    ComingAndGoing swaps(shard, tortured, usbLoggers, swap, [](int) {});
-    swaps.setTimes(4000, 8000);
+    // Both are out for a while, as long as it takes.
+    constexpr int pairs = usbLoggers / 2;
+    ComingAndGoing swaps(
+        shard, tortured, pairs,
+        [&e2e](int logger) {
+            e2e.usbLogger(logger).pullOut();
+            e2e.usbLogger(logger + pairs).pullOut();
+        },
+        [&e2e](int logger) { exchangePlugs(e2e.usbLogger(logger), e2e.usbLogger(logger + pairs)); });
+    swaps.setTimes(1500, 8000);
     swaps.run();
 }
 

@@ -2,7 +2,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
+
+#include <algorithm>
 
 namespace {
 
@@ -38,6 +39,12 @@ QString ProcessUse::text() const
         .arg(descriptors)
         .arg(sockets)
         .arg(residentMiB, 0, 'f', 1);
+}
+
+ProcessUse ProcessUse::orLess(const ProcessUse &other) const
+{
+    return {std::min(descriptors, other.descriptors), std::min(sockets, other.sockets),
+            std::min(residentMiB, other.residentMiB)};
 }
 
 QString ProcessUse::moreThan(const ProcessUse &before) const

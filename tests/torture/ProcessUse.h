@@ -11,6 +11,8 @@ struct ProcessUse
 
     static ProcessUse of(qint64 processId);
     QString text() const;
+    /// The lesser of each.
+    ProcessUse orLess(const ProcessUse &other) const;
     /// In what it is more than @p before; empty when in nothing.
     QString moreThan(const ProcessUse &before) const;
 };

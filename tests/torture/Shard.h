@@ -32,6 +32,7 @@ public:
 
     /// One more round is done; @p log is what belongs to it, kept if a fault is found.
     void endRound(const QString &log);
+    void keepLog(const QString &log) { m_logs += log; }
     void find(const QString &what);
     RowResult &result() { return m_result; }
     /// Keeps the station's files and the logs of its rounds if anything was found, or if all are kept.

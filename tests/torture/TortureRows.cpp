@@ -5,11 +5,11 @@
 const QList<TortureRow> &tortureRows()
 {
     static const QList<TortureRow> rows{
-        {"kills", "killed at any moment", 1000, 16, 20, runKills},
+        {"kills", "killed at any moment", 1000, 12, 20, runKills},
         {"powercut", "power cut at any moment", 200, 8, 10, runPowerCuts},
         {"signals", "told to end at any moment", 100, 6, 10, runSignals},
         {"fulldisk", "disk full, then space again", 500, 4, 25, runFullDisks},
-        {"files", "file read, deleted, moved, replaced", 200, 6, 20, runMeddling},
+        {"files", "file read, deleted, moved, replaced", 200, 4, 20, runMeddling},
         {"plugs", "USB plugged out and in", 1000, 8, 250, runPlugs},
         {"swaps", "USB ports swapped", 100, 4, 50, runSwaps},
         {"network", "network logger gone and back", 1000, 16, 250, runVanishing},

@@ -12,6 +12,7 @@ constexpr int patienceMs = 60000;
 // Enough for two batches.
 constexpr int lastReadings = 5;
 
+const QString takenReading = QStringLiteral("- ConfiguredDevice::takeReadings() : ");
 const QString salvaged = QStringLiteral("InsertSerialData::createConnection : [ERROR] torn : set aside");
 const QString replayed = QStringLiteral("SorvantoMain::reportSavedRows");
 
@@ -115,12 +116,28 @@ ServedReadings &TorturedStation::served(int logger)
     return logger < ofNetwork ? m_e2e.served(logger) : m_e2e.servedByUsb(logger - ofNetwork);
 }
 
+/// Of readings that come at once only the last is shown. Of USB loggers the others are answers to what was asked again,
+/// because the port was let go meanwhile.
+QStringList TorturedStation::shownLines() const
+{
+    const auto key = [](const QString &line) {
+        return line.startsWith(takenReading) ? line.section(QLatin1Char(' '), 0, 3) : QString();
+    };
+    QStringList shown;
+    const QStringList &lines = m_e2e.station().lines();
+    for (int i = 0; i < lines.size(); ++i) {
+        if (!key(lines.at(i)).isEmpty() && (i + 1 == lines.size() || key(lines.at(i)) != key(lines.at(i + 1))))
+            shown += lines.at(i);
+    }
+    return shown;
+}
+
 /// Both are in the order in which they were served.
 void TorturedStation::demandShown()
 {
     for (int i = 0; i < m_e2e.loggerCount() + m_e2e.usbLoggerCount(); ++i) {
         ServedReadings &readings = served(i);
-        readings.noteShown(station().lines());
+        readings.noteShown(shownLines());
         int shown = 0;
         m_audit.excuseUnless(i, [&](int reading) {
             const bool isShown = shown < readings.shown().size() && readings.shown().at(shown) == readings.at(reading);
@@ -135,6 +152,7 @@ void TorturedStation::demandShown()
 
 void TorturedStation::judge(const QList<RecordedRow> &rows)
 {
+    m_shard.keepLog(station().lines().join(QLatin1Char('\n')));
     if (QFileInfo::exists(m_e2e.spool()))
         m_shard.find(QStringLiteral("a clean end leaves the spool"));
     m_shard.result().add(m_audit.judge(rows));

@@ -44,6 +44,7 @@ public:
 
 private:
     ServedReadings &served(int logger);
+    QStringList shownLines() const;
     static QString prepared(const QString &folder);
 
     Shard &m_shard;
