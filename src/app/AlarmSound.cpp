@@ -47,7 +47,7 @@ bool AlarmSound::isPlaying()
 {
     if (m_audioOutput->state() != QAudio::ActiveState)
         return false;
-    if (!m_audioFile.atEnd())
+    if (!m_audioFile.isReadToItsEnd())
         return true;
     if (!m_sinceEnd.isValid())
         m_sinceEnd.start();
