@@ -23,7 +23,8 @@ QString freeName(const QString &path, const QString &word, const QStringList &en
 
 QString setAside(const QString &path, const QString &word, const QStringList &endings)
 {
-    const QStringList parts = QStringList(QString()) + endings;
+    // The file itself last: without it, what belongs to it is taken for nobody's.
+    const QStringList parts = endings + QStringList(QString());
     const QString name = freeName(path, word, parts);
     QStringList renamed;
     for (const QString &part : parts) {
