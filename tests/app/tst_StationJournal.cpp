@@ -62,8 +62,8 @@ private slots:
         m_station->slotStartRecord();
         m_station->slotStopRecord();
         m_station->slotCloseProject();
-        QCOMPARE(kinds(), QStringList({"program-started", "project-opened", "logger-connected", "recording-started",
-                                       "recording-stopped", "logger-lost", "project-closed"}));
+        QTRY_COMPARE(kinds(), QStringList({"program-started", "project-opened", "logger-connected", "recording-started",
+                                           "recording-stopped", "logger-lost", "project-closed"}));
         QVERIFY(readJournal(journal()).isWhole());
         QCOMPARE(entries()[1].text(JournalEntry::Text), m_fixture->projectPath(name));
         QCOMPARE(entries()[0].text(JournalEntry::New), QStringLiteral("V3.54"));
@@ -89,8 +89,8 @@ private slots:
             m_station->close();
         }
         m_station.reset();
-        QCOMPARE(kinds().mid(kinds().indexOf(QStringLiteral("recording-stopped"))),
-                 QStringList({"recording-stopped", "logger-lost", "project-closed", "program-ended"}));
+        QTRY_COMPARE(kinds().mid(kinds().indexOf(QStringLiteral("recording-stopped"))),
+                     QStringList({"recording-stopped", "logger-lost", "project-closed", "program-ended"}));
         openStation();
         QCOMPARE(shownMessages(), QStringList());
     }
@@ -117,7 +117,7 @@ private slots:
         m_fixture->logger(0).setReply("ATDC 5.00,45.10\r\n");
         pollUntil([this] { return device()->isConnected(); });
         QTRY_VERIFY2(kinds().size() >= 5, qPrintable(kinds().join(' ')));
-        QCOMPARE(kinds().mid(2), QStringList({"logger-connected", "logger-lost", "logger-connected"}));
+        QTRY_COMPARE(kinds().mid(2), QStringList({"logger-connected", "logger-lost", "logger-connected"}));
         QCOMPARE(entries()[3].text(JournalEntry::Text), QStringLiteral("It gave no answers."));
         QCOMPARE(entries()[3].text(JournalEntry::Key), device()->serialNumber());
     }
@@ -131,7 +131,7 @@ private slots:
         device()->checkAlarmAll();
         m_station->slotUpdateProjectFile();
         QTRY_VERIFY2(kinds().size() >= 6, qPrintable(kinds().join(' ')));
-        QCOMPARE(kinds().mid(3), QStringList({"alarm-began", "alarm-ended", "limits-changed"}));
+        QTRY_COMPARE(kinds().mid(3), QStringList({"alarm-began", "alarm-ended", "limits-changed"}));
         const JournalEntry begun = entries()[3];
         QCOMPARE(begun.text(JournalEntry::Channel), QStringLiteral("1"));
         QCOMPARE(begun.text(JournalEntry::Value), QStringLiteral("9.25"));
@@ -177,7 +177,7 @@ private slots:
         m_station->slotStdTimer();
         m_station->slotStdTimer();
         QTRY_VERIFY(kinds().contains(QStringLiteral("clock-jumped")));
-        QCOMPARE(kinds().count(QStringLiteral("clock-jumped")), 1);
+        QTRY_COMPARE(kinds().count(QStringLiteral("clock-jumped")), 1);
         const JournalEntry jump = entries()[kinds().indexOf(QStringLiteral("clock-jumped"))];
         QCOMPARE(qRound(jump.fields[JournalEntry::Value].toDouble()), 3600);
         const QDateTime old = QDateTime::fromString(jump.text(JournalEntry::Old), Qt::ISODateWithMs);
@@ -195,6 +195,7 @@ private slots:
         m_station->slotStdTimer();
         m_station->slotStopRecord();
         m_station->slotCloseProject();
+        QTRY_VERIFY(kinds().endsWith(QStringLiteral("project-closed")));
         QVERIFY2(!kinds().contains(QStringLiteral("clock-jumped")), qPrintable(kinds().join(' ')));
     }
 
@@ -210,8 +211,8 @@ private slots:
         m_station = std::make_unique<SorvantoMain>();
         m_station->projectLoaded(m_fixture->projectPath(name));
         m_station.reset();
-        QCOMPARE(kinds(), QStringList({"program-started", "project-opened", "writing-failed", "project-closed",
-                                       "program-ended"}));
+        QTRY_COMPARE(kinds(), QStringList({"program-started", "project-opened", "writing-failed", "project-closed",
+                                           "program-ended"}));
     }
 
     void headIsHandedOut()

@@ -134,13 +134,16 @@ private slots:
         QCOMPARE(op.fixture.rows(op.name).size(), 3);
         op.close();
 
-        QStringList told;
-        readJournal(journalPath(recording.fileName()), [&told](const JournalEntry &entry) {
-            if (entry.text(JournalEntry::Kind).startsWith(QLatin1String("rows-")))
-                told << entry.text(JournalEntry::Kind) + ' ' + entry.text(JournalEntry::Value) + ' ' +
-                            entry.text(JournalEntry::Text);
-        });
-        QCOMPARE(told, QStringList({"rows-salvaged 2 " + kept, "rows-replayed 1 "}));
+        const auto told = [&recording] {
+            QStringList entries;
+            readJournal(journalPath(recording.fileName()), [&entries](const JournalEntry &entry) {
+                if (entry.text(JournalEntry::Kind).startsWith(QLatin1String("rows-")))
+                    entries << entry.text(JournalEntry::Kind) + ' ' + entry.text(JournalEntry::Value) + ' ' +
+                                   entry.text(JournalEntry::Text);
+            });
+            return entries;
+        };
+        QTRY_COMPARE(told(), QStringList({"rows-salvaged 2 " + kept, "rows-replayed 1 "}));
     }
 
 private:

@@ -106,6 +106,7 @@ private slots:
         journal.open(bench.path());
         for (const JournalEvent &one : everyKind())
             journal.append(one);
+        QTRY_COMPARE(journal.entryCount(), qint64(2 * everyKind().size()));
         journal.close();
         const QList<JournalEntry> entries = bench.entries();
         QCOMPARE(entries.size(), 2 * everyKind().size());
@@ -122,6 +123,7 @@ private slots:
         EventJournal journal;
         journal.open(bench.path());
         journal.append(eventOf(JournalKind::ProjectOpened));
+        QTRY_COMPARE(journal.entryCount(), qint64(1));
         journal.close();
         const JournalEntry entry = bench.entries().first();
         const qint64 time = entry.time().toMSecsSinceEpoch();
@@ -162,6 +164,7 @@ private slots:
         journal.append(eventOf(JournalKind::RecordingStopped));
         QTRY_COMPARE(restored.count(), 1);
         QCOMPARE(failed.count(), 1);
+        QTRY_COMPARE(journal.entryCount(), qint64(3));
         journal.close();
         int entries = 0;
         QVERIFY(readJournal(path, [&entries](const JournalEntry &) { ++entries; }).isWhole());
@@ -198,6 +201,7 @@ private slots:
         for (int i = 0; i < EventJournal::longestQueue + 7; ++i)
             journal.append(eventOf(JournalKind::NameChanged));
         journal.open(bench.path());
+        QTRY_COMPARE(journal.entryCount(), qint64(EventJournal::longestQueue + 1));
         journal.close();
         const QList<JournalEntry> entries = bench.entries();
         QCOMPARE(entries.size(), EventJournal::longestQueue + 1);
