@@ -68,7 +68,7 @@ QByteArray StationProcess::lastWords() const
 {
     const QString state = isRunning() ? QStringLiteral("is running")
                           : m_process.exitStatus() == QProcess::CrashExit
-                              ? QStringLiteral("was ended by a signal")
+                              ? QStringLiteral("was ended by signal %1").arg(m_process.exitCode())
                               : QStringLiteral("ended with code %1").arg(m_process.exitCode());
     const QStringList last = m_lines.mid(qMax(0, int(m_lines.size()) - lastWordsMax));
     return QStringLiteral("the station %1; it said last:\n%2").arg(state, last.join(QLatin1Char('\n'))).toLocal8Bit();

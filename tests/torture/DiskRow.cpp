@@ -18,6 +18,8 @@ constexpr int loggers = 12;
 constexpr qint64 megabyte = 1024 * 1024;
 constexpr int longestWaitMs = 2500;
 
+const QString committed = QStringLiteral("commit transaction : true");
+
 class Filler
 {
 public:
@@ -30,6 +32,9 @@ public:
     {
         if (!m_tortured.start())
             return;
+        // Without room for a new recording the station has nothing to do but to say so.
+        if (!m_tortured.e2e().waitUntil([this] { return m_tortured.station().count(committed) > 0; }))
+            m_shard.find(QString::fromLocal8Bit(m_tortured.station().lastWords()));
         for (int round = 0; round < m_shard.order().rounds; ++round) {
             // Below what the station asks for, more often to the last byte or nearly so.
             const int kind = m_shard.below(4);

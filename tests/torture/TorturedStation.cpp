@@ -16,6 +16,11 @@ const QString takenReading = QStringLiteral("- ConfiguredDevice::takeReadings() 
 const QString salvaged = QStringLiteral("InsertSerialData::createConnection : [ERROR] torn : set aside");
 const QString replayed = QStringLiteral("SorvantoMain::reportSavedRows");
 
+QString keyOf(const QString &line)
+{
+    return line.startsWith(takenReading) ? line.section(QLatin1Char(' '), 0, 3) : QString();
+}
+
 } // namespace
 
 TorturedStation::TorturedStation(Shard &shard, int loggers, int usbLoggers)
@@ -116,18 +121,27 @@ ServedReadings &TorturedStation::served(int logger)
     return logger < ofNetwork ? m_e2e.served(logger) : m_e2e.servedByUsb(logger - ofNetwork);
 }
 
-/// Of readings that come at once only the last is shown. Of USB loggers the others are answers to what was asked again,
-/// because the port was let go meanwhile.
+/// Of readings that come at once only the last is shown. What was asked again, because its port was let go meanwhile,
+/// may be answered twice; the second answer is shown only.
 QStringList TorturedStation::shownLines() const
 {
-    const auto key = [](const QString &line) {
-        return line.startsWith(takenReading) ? line.section(QLatin1Char(' '), 0, 3) : QString();
-    };
+    QMap<QString, int> polls;
+    bool isAnswer = true;
     QStringList shown;
     const QStringList &lines = m_e2e.station().lines();
     for (int i = 0; i < lines.size(); ++i) {
-        if (!key(lines.at(i)).isEmpty() && (i + 1 == lines.size() || key(lines.at(i)) != key(lines.at(i + 1))))
-            shown += lines.at(i);
+        const QString &line = lines.at(i);
+        const QString port = line.section(QLatin1Char('['), 1).section(QLatin1Char(']'), 0, 0);
+        if (line.startsWith(QLatin1String("SerialDevice::writeCommand")))
+            ++polls[port];
+        else if (line.startsWith(QLatin1String("SerialDevice::close")))
+            polls[port] = 0;
+        else if (line.startsWith(QLatin1String("SerialDevice::readData")))
+            isAnswer = polls[port]-- > 0;
+        else if (line.startsWith(QLatin1String("TelnetDevice::readData")))
+            isAnswer = true;
+        if (isAnswer && line.startsWith(takenReading) && keyOf(line) != keyOf(lines.value(i + 1)))
+            shown += line;
     }
     return shown;
 }
