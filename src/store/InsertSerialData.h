@@ -2,6 +2,7 @@
 
 #include "store/PendingRow.h"
 #include "store/StoredRows.h"
+#include "store/WritingTroubles.h"
 
 #include <QObject>
 #include <QSqlDatabase>
@@ -9,7 +10,6 @@
 
 #include <functional>
 #include <memory>
-#include <set>
 
 class RecordingSpool;
 
@@ -87,25 +87,16 @@ signals:
     void readingsDropped(int count);
 
 private:
-    enum class Failure { InUse, Gone, DiskNearlyFull, Waiting, Lost, Unsaved, Dropped };
-
     QSqlDatabase connection() const;
-    bool openConnection();
-    bool prepareForWriting();
     void replaceIfTorn();
     void startSpool();
     void endSpool();
     static bool hasRoom();
-    void slotSpoolFailed(const QString &reason);
-    void slotSpoolRestored();
     void slotSpoolLost();
     bool takeExclusiveLock();
     QSqlError dropRowsAlreadyStored();
     void writeBatch();
     void releaseWrittenPages(size_t rows);
-    void fail(Failure kind, const QString &reason);
-    void failWaiting(const QSqlError &error);
-    void succeed();
     quint32 rangeEnd(const char *function, const QString &query) const;
 
     bool m_open = false;
@@ -117,10 +108,9 @@ private:
     FreeSpace m_freeSpace;
     OpeningReport m_openingReport;
     std::unique_ptr<RecordingSpool> m_spool; ///< while rows can be written
-    QString m_spoolFailure;                  ///< told to the operator; empty while all is well
     /// So many rows at the front of the queue may be in the recording already, under row ids above the spool's.
     int m_perhapsStored = 0;
     PerhapsStored m_perhapsStoredAs = PerhapsStored::AsOneBatch;
     size_t m_rowsSinceRelease = 0;
-    std::set<Failure> m_failures;
+    WritingTroubles m_troubles;
 };
