@@ -3,6 +3,7 @@
 #include "store/PendingRow.h"
 #include "store/Salvage.h"
 #include "store/StoredRows.h"
+#include "store/WritingTroubles.h"
 
 #include <QObject>
 #include <QSqlDatabase>
@@ -10,7 +11,6 @@
 
 #include <functional>
 #include <memory>
-#include <set>
 
 class RecordingSpool;
 
@@ -91,25 +91,16 @@ signals:
     void readingsDropped(int count);
 
 private:
-    enum class Failure { InUse, Gone, DiskNearlyFull, Waiting, Lost, Unsaved, Dropped };
-
     QSqlDatabase connection() const;
-    bool openConnection();
-    bool prepareForWriting();
     bool replaceIfTorn();
     void startSpool();
     void endSpool();
     static bool hasRoom();
-    void slotSpoolFailed(const QString &reason);
-    void slotSpoolRestored();
     void slotSpoolLost();
     bool takeExclusiveLock();
     QSqlError dropRowsAlreadyStored();
     void writeBatch();
     void releaseWrittenPages(size_t rows);
-    void fail(Failure kind, const QString &reason);
-    void failWaiting(const QSqlError &error);
-    void succeed();
     quint32 rangeEnd(const char *function, const QString &query) const;
 
     bool m_open = false;
@@ -122,10 +113,9 @@ private:
     SalvageProgress m_salvageProgress;
     OpeningReport m_openingReport;
     std::unique_ptr<RecordingSpool> m_spool; ///< while rows can be written
-    QString m_spoolFailure;                  ///< told to the operator; empty while all is well
     /// So many rows at the front of the queue may be in the recording already, under row ids above the spool's.
     int m_perhapsStored = 0;
     PerhapsStored m_perhapsStoredAs = PerhapsStored::AsOneBatch;
     size_t m_rowsSinceRelease = 0;
-    std::set<Failure> m_failures;
+    WritingTroubles m_troubles;
 };
