@@ -11,8 +11,9 @@ QString freeName(const QString &path, const QString &word, const QStringList &en
 {
     for (int number = 1;; ++number) {
         const QString name = QStringLiteral("%1.%2-%3").arg(path, word).arg(number);
-        const auto isTaken = [&name](const QString &ending) {
-            return QFile::exists(name + ending);
+        // What stands there of a file whose setting aside was cut off is its own.
+        const auto isTaken = [&path, &name](const QString &ending) {
+            return QFile::exists(path + ending) && QFile::exists(name + ending);
         };
         if (std::none_of(endings.cbegin(), endings.cend(), isTaken))
             return name;

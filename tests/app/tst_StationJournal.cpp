@@ -100,9 +100,11 @@ private slots:
     {
         openStation();
         m_station.reset();
+        QTRY_VERIFY(kinds().endsWith(QStringLiteral("program-ended")));
         cutLast(2);
         const QString last = entries().last().time().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
         openStation();
+        QTRY_COMPARE(kinds().count(QStringLiteral("program-started")), 2);
         const QString sentence =
             QStringLiteral("The station was not closed properly the last time; the last entry of its "
                            "journal is of %1.");
@@ -259,7 +261,7 @@ private slots:
         QCOMPARE(m_fixture->readingCount(name), 1);
         QVERIFY(QDir(journal()).removeRecursively());
         m_station->slotCloseProject();
-        QVERIFY(kinds().contains(QStringLiteral("recording-started")));
+        QTRY_VERIFY(kinds().contains(QStringLiteral("recording-started")));
     }
 
 private:
