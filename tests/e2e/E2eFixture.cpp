@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int intervalMs = 1000;
 // No test comes near it unless something is broken, or the machine has many times its load to carry.
 constexpr int patienceMs = 280000;
 
@@ -114,7 +113,7 @@ bool E2eFixture::writeFiles()
     for (const auto &logger : m_usbLoggers)
         loggers.append(logger.get());
     const QString config = m_folder.filePath(QStringLiteral("config"));
-    if (!loggersim::writeProject(projectFile(), intervalMs, loggers, &m_error) ||
+    if (!loggersim::writeProject(projectFile(), m_intervalMs, loggers, &m_error) ||
         !loggersim::writeSettings(config, projectFile(), false, &m_error))
         return false;
     if (!m_loadsByItself)

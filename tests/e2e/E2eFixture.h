@@ -48,7 +48,7 @@ public:
     /// Starts this, in this folder, in place of the program of this build. No project loads by itself then, so that the
     /// command has to name it.
     void setCommand(const QStringList &command, const QString &folder = {});
-    /// Starts the station on a project with the loggers added so far, polled every second. Only the first start
+    /// Starts the station on a project with the loggers added so far, polled every interval. Only the first start
     /// writes the project. False, with a reason, when something cannot be set up.
     bool start();
     QByteArray startError() const { return m_error.toLocal8Bit(); }
@@ -56,6 +56,8 @@ public:
     const StationProcess &station() const { return m_station; }
     /// Which diagnostic lines the station prints; the wire is silent unless asked for.
     void setLogRules(const QString &rules) { m_logRules = rules; }
+    /// Between polls; a second without it.
+    void setInterval(int milliseconds) { m_intervalMs = milliseconds; }
     /// Puts a variable into the environment of the stations that are started from now on, in place of what it has
     /// there.
     void setVariable(const QString &name, const QString &value) { m_variables.insert(name, value); }
@@ -87,6 +89,7 @@ private:
     QString m_projectFolder;
     QString m_logRules;
     int m_slowDiskMs = 0;
+    int m_intervalMs = 1000;
     QProcessEnvironment m_variables;
     QString m_error;
     NullSinkServer m_soundServer;

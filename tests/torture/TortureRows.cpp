@@ -13,6 +13,7 @@ const QList<TortureRow> &tortureRows()
         {"plugs", "USB plugged out and in", 1000, 8, 250, runPlugs},
         {"swaps", "USB ports swapped", 100, 4, 50, runSwaps},
         {"network", "network logger gone and back", 1000, 16, 250, runVanishing},
+        {"days", "hours of 64 loggers, DST changes", 144, 0, 72, runDays},
     };
     return rows;
 }

@@ -29,3 +29,4 @@ void runMeddling(Shard &shard);
 void runPlugs(Shard &shard);
 void runSwaps(Shard &shard);
 void runVanishing(Shard &shard);
+void runDays(Shard &shard);

@@ -100,6 +100,8 @@ void order(ShardPool &pool, const TortureRow &row, const Options &options)
 {
     const int rounds = options.count > 0 ? options.count : options.isShort ? row.shortRounds : row.rounds;
     const QString name = QLatin1String(row.name);
+    if (rounds == 0)
+        return;
     const int most = options.isShort ? std::min(row.shardRounds, (rounds + 1) / 2) : row.shardRounds;
     for (int first = 0, number = 0; first < rounds; first += most, ++number) {
         pool.add({name, number, std::min(most, rounds - first), options.seed, options.keepsAll, options.isShort,

@@ -11,6 +11,9 @@
 ///   TORTURE_KILL    OPERATION:SUFFIX:N:MOMENT ends the station at its Nth such operation on a file whose name ends so;
 ///                   MOMENT is before, half or after; may be missing
 ///   TORTURE_SPLASH  milliseconds that a long sleep of the main thread takes; may be missing
+///   TORTURE_CLOCK   START:FACTOR:BASE, a clock that runs so many times faster and showed START, in Unix seconds, when
+///   the
+///                   monotonic clock showed BASE nanoseconds; may be missing
 ///   TORTURE_RIGHTS  none: what permissions forbid is forbidden to the superuser, too; may be missing
 namespace watch {
 

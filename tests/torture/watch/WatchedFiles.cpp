@@ -55,7 +55,7 @@ WatchState *mapState()
 int64_t monotonicNs()
 {
     timespec time = {};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    ::syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &time);
     return int64_t(time.tv_sec) * 1000000000 + time.tv_nsec;
 }
 

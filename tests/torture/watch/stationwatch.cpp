@@ -2,6 +2,7 @@
 // station has taken from its sockets and shown, keeps a log of what changes the files of one folder, and can end the
 // station at a chosen operation. What the station does and gets is the same as without it.
 
+#include "StationClock.h"
 #include "WatchedFiles.h"
 
 #include <algorithm>
@@ -335,29 +336,37 @@ ssize_t read(int descriptor, void *bytes, size_t size)
     return count;
 }
 
-int poll(pollfd *descriptors, nfds_t count, int timeout)
-{
-    static const auto poll = real<int(pollfd *, nfds_t, int)>("poll");
-    turnEnds();
-    return poll(descriptors, count, timeout);
-}
-
 int ppoll(pollfd *descriptors, nfds_t count, const timespec *timeout, const sigset_t *mask)
 {
     static const auto ppoll = real<int(pollfd *, nfds_t, const timespec *, const sigset_t *)>("ppoll");
     turnEnds();
-    return ppoll(descriptors, count, timeout, mask);
+    if (!timeout)
+        return ppoll(descriptors, count, nullptr, mask);
+    const timespec duration = realDuration(*timeout);
+    return ppoll(descriptors, count, &duration, mask);
+}
+
+int poll(pollfd *descriptors, nfds_t count, int timeout)
+{
+    const timespec duration{timeout / 1000, timeout % 1000 * 1000000L};
+    return ppoll(descriptors, count, timeout < 0 ? nullptr : &duration, nullptr);
 }
 
 int clock_nanosleep(clockid_t clock, int flags, const timespec *time, timespec *left)
 {
     static const auto sleep = real<int(clockid_t, int, const timespec *, timespec *)>("clock_nanosleep");
     static const char *const splash = ::getenv("TORTURE_SPLASH");
-    if (!splash || *splash == '\0' || flags != 0 || time->tv_sec < 2 || !isMainThread())
+    if (flags != 0)
         return sleep(clock, flags, time, left);
-    const int milliseconds = std::atoi(splash);
-    const timespec shorter{milliseconds / 1000, milliseconds % 1000 * 1000000L};
-    return sleep(clock, flags, &shorter, nullptr);
+    timespec duration = realDuration(*time);
+    if (splash && *splash != '\0' && time->tv_sec >= 2 && isMainThread()) {
+        const int milliseconds = std::atoi(splash);
+        duration = {milliseconds / 1000, milliseconds % 1000 * 1000000L};
+    }
+    // What is left is asked for after a signal; nobody here minds a shorter sleep then.
+    if (left)
+        *left = {};
+    return sleep(clock, flags, &duration, nullptr);
 }
 
 int nanosleep(const timespec *time, timespec *left)
@@ -365,6 +374,12 @@ int nanosleep(const timespec *time, timespec *left)
     const int error = clock_nanosleep(CLOCK_REALTIME, 0, time, left);
     errno = error;
     return error == 0 ? 0 : -1;
+}
+
+int usleep(useconds_t microseconds)
+{
+    const timespec time{time_t(microseconds / 1000000), long(microseconds % 1000000) * 1000};
+    return nanosleep(&time, nullptr);
 }
 
 } // extern "C"
