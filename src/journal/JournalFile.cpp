@@ -1,5 +1,6 @@
 #include "journal/JournalFile.h"
 
+#include "files/FileIdentity.h"
 #include "journal/JournalReader.h"
 
 #include <QFile>
@@ -63,6 +64,7 @@ JournalFile::Opening JournalFile::open()
     const QFileInfo file(m_path);
     const QByteArray headBefore = std::exchange(m_head, noJournalHash());
     m_count = 0;
+    const bool isAnother = fileIdentity(m_path) != m_openedFile;
     JournalVerdict verdict;
     if (file.exists() && file.size() > 0) {
         verdict = readJournal(m_path);
@@ -87,8 +89,9 @@ JournalFile::Opening JournalFile::open()
     if (!opening.setAside.isEmpty())
         begun.text = QStringLiteral("What was here was no whole journal and is kept as %1.")
                          .arg(QFileInfo(opening.setAside).fileName());
-    else if (!headBefore.isEmpty() && headBefore != noJournalHash() && m_count == 0)
-        begun.text = QStringLiteral("The journal was deleted or moved while the project was open; its head was %1.")
+    else if (!headBefore.isEmpty() && headBefore != noJournalHash() && (m_count == 0 || isAnother))
+        begun.text = QStringLiteral("The journal was deleted, moved or replaced while the project was open; its head "
+                                    "was %1.")
                          .arg(QString::fromLatin1(headBefore));
     if (begun.text && !append({begun}))
         opening.error = m_error;
@@ -131,14 +134,15 @@ bool JournalFile::openForWriting()
         if (!query.exec(statement))
             return refuse(query.lastError().text());
     }
+    m_openedFile = fileIdentity(m_path);
     return true;
 }
 
 bool JournalFile::append(const QList<JournalEvent> &events)
 {
-    // The connection would go on writing into a file that was deleted, without a word.
-    if (!QFile::exists(m_path))
-        return refuse(QStringLiteral("It was deleted or moved."));
+    // The connection would go on writing into a file that was deleted or moved, without a word.
+    if (fileIdentity(m_path) != m_openedFile)
+        return refuse(QStringLiteral("It was deleted, moved or replaced."));
     if (!m_database.transaction())
         return refuse(m_database.lastError().text());
     QByteArray head = m_head;

@@ -45,6 +45,7 @@ private:
     const QString m_connectionName;
     QSqlDatabase m_database;
     bool m_open = false;
+    QByteArray m_openedFile; ///< identity of the file behind the connection
     QString m_error;
     QByteArray m_head;
     qint64 m_count = 0;

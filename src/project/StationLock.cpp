@@ -1,6 +1,6 @@
 #include "project/StationLock.h"
 
-#include "store/FileIdentity.h"
+#include "files/FileIdentity.h"
 
 #include <QCryptographicHash>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "store/InsertSerialData.h"
 
-#include "store/FileIdentity.h"
+#include "files/FileIdentity.h"
 #include "store/InsertStatement.h"
 #include "store/Logging.h"
 #include "store/RecordingConnection.h"
@@ -209,6 +209,8 @@ bool InsertSerialData::replaceIfTorn()
     const TornRecording torn = replaceTornRecording(m_databaseFile, m_salvageProgress);
     m_openingReport.rowsSalvaged = torn.rows;
     m_openingReport.tornFile = torn.file;
+    m_openingReport.isLeftTorn = torn.mustStay;
+    m_readOnly = torn.mustStay;
     return !torn.isGivenUp;
 }
 

@@ -1,6 +1,6 @@
 #include "store/SpoolFile.h"
 
-#include "store/FileIdentity.h"
+#include "files/FileIdentity.h"
 #include "store/SetAside.h"
 
 #include <QFile>
@@ -23,6 +23,7 @@ constexpr int primaryCode = 0xff;
 
 constexpr qint64 headerSize = 100;
 
+const QString asideWord = QStringLiteral("damaged");
 const QStringList logSuffixes{QStringLiteral("-wal"), QStringLiteral("-shm"), QStringLiteral("-journal")};
 
 bool saysDamaged(const QSqlError &error)
@@ -271,5 +272,10 @@ void SpoolFile::removeIfEmpty()
 
 QString SpoolFile::setAside(const QString &path)
 {
-    return ::setAside(path, QStringLiteral("damaged"), logSuffixes);
+    return ::setAside(path, asideWord, logSuffixes);
+}
+
+QString SpoolFile::lastSetAside(const QString &path)
+{
+    return ::lastSetAside(path, asideWord);
 }

@@ -154,6 +154,39 @@ private slots:
         QVERIFY(bench.entries().first().text(JournalEntry::Text).contains(QString::fromLatin1(head)));
     }
 
+    void replacedWhileOpen_data()
+    {
+        QTest::addColumn<bool>("byAnother");
+        QTest::newRow("by another journal") << true;
+        QTest::newRow("by nothing yet") << false;
+    }
+
+    void replacedWhileOpen()
+    {
+        QFETCH(bool, byAnother);
+        const JournalBench bench;
+        const JournalBench other;
+        QVERIFY(other.write({eventOf(JournalKind::ProgramStarted)}));
+        JournalFile file(bench.path(), QString());
+        QCOMPARE(file.open().error, QString());
+        QVERIFY(file.append({eventOf(JournalKind::ProjectOpened)}));
+        const QByteArray head = file.head();
+        // With its log, as somebody who makes room for another does it.
+        for (const QString &part : {QString(), QStringLiteral("-wal"), QStringLiteral("-shm")})
+            QVERIFY(QFile::rename(bench.path() + part, bench.path() + QStringLiteral(".moved") + part));
+        overwrite(bench.path(), byAnother ? contentOf(other.path()) : QByteArray());
+        const QByteArray moved = contentOf(bench.path() + QStringLiteral(".moved-wal"));
+
+        QVERIFY(!file.append({eventOf(JournalKind::RecordingStarted)}));
+        QVERIFY(!file.isOpen());
+        QVERIFY(contentOf(bench.path() + QStringLiteral(".moved-wal")) == moved);
+        QCOMPARE(file.open().error, QString());
+        QVERIFY(file.append({eventOf(JournalKind::RecordingStarted)}));
+        const QStringList before = byAnother ? QStringList{"program-started"} : QStringList();
+        QCOMPARE(bench.kinds(), before + QStringList({setAsideKind, QStringLiteral("recording-started")}));
+        QVERIFY(bench.entries().at(before.size()).text(JournalEntry::Text).contains(QString::fromLatin1(head)));
+    }
+
     void folderThatIsNone()
     {
         const JournalBench bench;
