@@ -17,10 +17,11 @@ class RecordingSpool;
 /// What was found and saved when a recording was opened.
 struct OpeningReport
 {
-    int rowsReplayed = 0; ///< had waited beside the recording since an earlier run
-    int rowsSalvaged = 0; ///< were read out of a torn recording
-    QString tornFile;     ///< where that is now
-    QString damagedSpool; ///< where a file of waiting rows is now that could not be read to its end
+    int rowsReplayed = 0;    ///< had waited beside the recording since an earlier run
+    int rowsSalvaged = 0;    ///< were read out of a torn recording
+    QString tornFile;        ///< where that is now
+    bool isLeftTorn = false; ///< one could not be set aside, and is open for reading only
+    QString damagedSpool;    ///< where a file of waiting rows is now that could not be read to its end
 };
 
 /// The recording of one project: a connection to its SQLite file and the only writer of its readings.
@@ -46,8 +47,8 @@ public:
     ~InsertSerialData() override;
 
     /// Opens the file, makes the table where there is none and queues the rows that an earlier run has left beside
-    /// the recording; a file that cannot be written to is opened for reading only. False when the file cannot
-    /// be used; the reason is in the log only.
+    /// the recording; a file that cannot, or must not, be written to is opened for reading only. False when the file
+    /// cannot be used; the reason is in the log only.
     bool createConnection();
     /// Told how far a torn recording is read while createConnection() puts a new one in its place. Given up, it stays
     /// as it is, and is not opened.

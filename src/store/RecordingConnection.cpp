@@ -28,7 +28,9 @@ bool openRecording(const QString &name, const QString &file, bool isReadOnly)
     database.setConnectOptions(isReadOnly ? patienceToOpen + onlyForReading : patienceToOpen);
     if (!database.open())
         return false;
+    // One that was cut off can be read so, as far as it goes.
     if (isReadOnly)
-        return isDatabase(database);
+        return isDatabase(database) ||
+               (QSqlQuery(database).exec(QStringLiteral("PRAGMA writable_schema = ON")) && isDatabase(database));
     return tuneForAppending(database) && createTable(database) && QSqlQuery(database).exec(patienceToWrite);
 }

@@ -1,5 +1,7 @@
 #include "store/SetAside.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 
 #include <algorithm>
@@ -41,4 +43,24 @@ QString setAside(const QString &path, const QString &word, const QStringList &en
         return {};
     }
     return name;
+}
+
+QString lastSetAside(const QString &path, const QString &word)
+{
+    const QFileInfo file(path);
+    const QString beginning = QStringLiteral("%1.%2-").arg(file.fileName(), word);
+    const auto isOne = [&beginning](const QString &name) {
+        bool isNumber = false;
+        name.mid(beginning.size()).toUInt(&isNumber);
+        return name.startsWith(beginning) && isNumber;
+    };
+    QFileInfo last;
+    const QFileInfoList files = file.dir().entryInfoList(QDir::Files | QDir::Hidden);
+    for (const QFileInfo &other : files) {
+        // A name given last may have a lower number than those before it.
+        if (isOne(other.fileName()) &&
+            (last.filePath().isEmpty() || other.metadataChangeTime() > last.metadataChangeTime()))
+            last = other;
+    }
+    return last.filePath();
 }

@@ -49,6 +49,8 @@ public:
     /// Renames the file with its log so that nobody reads or replaces it any more. Returns the new path, empty on
     /// failure.
     static QString setAside(const QString &path);
+    /// Where that was done last.
+    static QString lastSetAside(const QString &path);
 
 private:
     QSqlDatabase connection() const;

@@ -10,9 +10,12 @@ struct TornRecording
     int rows = 0; ///< that could be read and are in the recording now
     QString file; ///< where the torn file is, untouched; empty when none was found
     bool isGivenUp = false;
+    /// One was found, or what was to take its place, and stays where it is: nothing may be written into that, nor a new
+    /// recording begin there.
+    bool mustStay = false;
 };
 
 /// Before a recording is opened for writing: a torn one is set aside under a name of its own and replaced by what can
 /// be saved of it. Waits like the opening itself while another program is writing. A file that is whole, or nothing of
-/// ours, or cannot be replaced stays where and as it is; the reason is in the log.
+/// ours, or cannot be replaced stays where and as it is; the reason of the latter is in the log.
 TornRecording replaceTornRecording(const QString &path, const SalvageProgress &progress = {});

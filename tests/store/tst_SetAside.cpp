@@ -5,6 +5,8 @@
 #include "support/LogCapture.h"
 #include "support/WriteObstacles.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -23,7 +25,10 @@ private slots:
     void spoolThatCannotBeSetAsideStays_data();
     void spoolThatCannotBeSetAsideStays();
     void sideFileThatWasTakenInIsSetAside();
+    void tornRecordingThatCannotBeSetAsideStays_data();
     void tornRecordingThatCannotBeSetAsideStays();
+    void savedRecordingThatCannotBePutInPlaceStays();
+    void lastNameGiven();
 };
 
 namespace {
@@ -48,11 +53,12 @@ bool setMode(const QString &path, mode_t mode)
     return chmod(QFile::encodeName(path).constData(), mode) == 0;
 }
 
-/// In which files can be written, but not renamed.
+/// In which files can be written, but not renamed, nor new ones made; in a sticky one, those of others cannot be
+/// renamed.
 class FixedFolder
 {
 public:
-    explicit FixedFolder(const QString &path) : m_path(path) { m_isFixed = setMode(path, 0555); }
+    explicit FixedFolder(const QString &path, mode_t mode = 0555) : m_path(path) { m_isFixed = setMode(path, mode); }
     ~FixedFolder() { setMode(m_path, 0777); }
     FixedFolder(const FixedFolder &) = delete;
     FixedFolder &operator=(const FixedFolder &) = delete;
@@ -62,6 +68,8 @@ private:
     QString m_path;
     bool m_isFixed;
 };
+
+constexpr mode_t sticky = 01777;
 
 } // namespace
 
@@ -171,27 +179,100 @@ void tst_SetAside::sideFileThatWasTakenInIsSetAside()
     QCOMPARE(contentOf(aside + "1"), damaged + "x");
 }
 
+void tst_SetAside::tornRecordingThatCannotBeSetAsideStays_data()
+{
+    QTest::addColumn<uint>("mode");
+    QTest::addColumn<bool>("isShort");
+    QTest::newRow("nothing can be saved, too short") << 0555u << true;
+    QTest::newRow("nothing can be saved") << 0555u << false;
+    QTest::newRow("not renamed, too short") << uint(sticky) << true;
+    QTest::newRow("not renamed") << uint(sticky) << false;
+}
+
+/// Nothing is written into it, and what can be read is there to be looked at.
 void tst_SetAside::tornRecordingThatCannotBeSetAsideStays()
 {
+    QFETCH(uint, mode);
+    QFETCH(bool, isShort);
     const Recording recording;
-    {
+    QByteArray first;
+    for (quint32 batch = 0; batch < 2; ++batch) {
+        first = contentOf(recording.file());
         const auto store = recording.open();
         for (quint32 i = 0; i < 2000; ++i)
-            InsertSerialData::enqueue(row("A1", 1700000000 + i));
+            InsertSerialData::enqueue(row("A1", 1700000000 + batch * 2000 + i));
         store->insertNow();
     }
-    const QByteArray torn = contentOf(recording.file()).chopped(4096);
+    const QByteArray whole = contentOf(recording.file());
+    // Of the second batch the end is missing, or all but the first page.
+    const QByteArray torn =
+        isShort ? whole.chopped(4096) : whole.left(4096) + first.mid(4096) + whole.mid(first.size());
     write(recording.file(), torn);
     QVERIFY(setMode(recording.file(), 0666));
     const LogCapture log;
     {
-        const FixedFolder folder(recording.folder());
+        const FixedFolder folder(recording.folder(), mode);
         QVERIFY(folder.isFixed());
         const OrdinaryUser nobody;
-        recording.open().reset();
+        const auto store = recording.open();
+        QVERIFY(store);
+        QVERIFY(store->isReadOnly());
+        QVERIFY(store->openingReport().isLeftTorn);
+        QCOMPARE(store->openingReport().tornFile, QString());
+        InsertSerialData::enqueue(row("B2", 1800000000));
+        store->insertNow();
+        QCOMPARE(InsertSerialData::pendingCount(), 1);
     }
     QCOMPARE(contentOf(recording.file()), torn);
     QCOMPARE(log.warnings().filter("torn, and not to be replaced").size(), 1);
+    QCOMPARE(QDir(recording.folder()).entryList({"*.salvage*", "*.torn*", "*.spool*"}, QDir::Files), QStringList());
+
+    QVERIFY(recording.open()->openingReport().rowsSalvaged > 0);
+}
+
+/// No empty recording may begin in the place of one that only has to be renamed.
+void tst_SetAside::savedRecordingThatCannotBePutInPlaceStays()
+{
+    const Recording recording;
+    {
+        const auto store = recording.open();
+        InsertSerialData::enqueue(row("A1", 1700000000));
+        store->insertNow();
+    }
+    const QString saved = recording.file() + ".salvaged";
+    QVERIFY(QFile::rename(recording.file(), saved));
+    QVERIFY(setMode(saved, 0666));
+    {
+        const FixedFolder folder(recording.folder(), sticky);
+        QVERIFY(folder.isFixed());
+        const OrdinaryUser nobody;
+        InsertSerialData store(recording.file(), QStringLiteral("test"));
+        QVERIFY(!store.createConnection());
+        QVERIFY(!QFile::exists(recording.file()));
+    }
+    QVERIFY(QFile::exists(saved));
+    recording.open().reset();
+    QCOMPARE(recording.rows().size(), 1);
+}
+
+void tst_SetAside::lastNameGiven()
+{
+    const QTemporaryDir folder;
+    QCOMPARE(lastSetAside(folder.filePath("file"), "damaged"), QString());
+    for (const char *name :
+         {"file.damaged-2", "file.damaged-x", "file.damaged-1", "file.damaged-1-wal", "other.damaged-3"}) {
+        // Times of files may be coarse.
+        const auto isLater = [&] {
+            write(folder.filePath(name), anyContent);
+            return QFileInfo(folder.filePath(name)).metadataChangeTime() >
+                   QFileInfo(folder.filePath("file.damaged-2")).metadataChangeTime();
+        };
+        if (qstrcmp(name, "file.damaged-2") == 0)
+            write(folder.filePath(name), anyContent);
+        else
+            QTRY_VERIFY(isLater());
+    }
+    QCOMPARE(lastSetAside(folder.filePath("file"), "damaged"), folder.filePath("file.damaged-1"));
 }
 
 QTEST_GUILESS_MAIN(tst_SetAside)

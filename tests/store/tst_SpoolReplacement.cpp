@@ -123,6 +123,7 @@ void tst_SpoolReplacement::isFinishedOrBegunAnew()
     QVERIFY(store);
     QVERIFY(QFile::exists(aside()));
     QCOMPARE(store->openingReport().rowsReplayed, int(m_rows.size()));
+    QCOMPARE(store->openingReport().damagedSpool, aside());
     store->insertNow();
     QCOMPARE(m_recording->rows().size(), int(m_rows.size()));
     QCOMPARE(QDir(m_recording->folder()).entryList({"*.part*", "*.whole*"}, QDir::Files), QStringList());
