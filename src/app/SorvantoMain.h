@@ -130,6 +130,7 @@ private:
     bool createInsertSerialData(const QString &path);
     bool openInsertSerialData();
     bool isRecordingReadOnly() const;
+    QString readOnlyReason() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
     void writeRowsLeftOver();

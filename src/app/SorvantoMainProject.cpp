@@ -170,8 +170,7 @@ void SorvantoMain::openProjectView()
         m_journal.openProject(m_databasePath, m_projectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
-    if (!isRecordingReadOnly())
-        m_journal.rowsSaved(m_insertSerialData->openingReport());
+    m_journal.rowsSaved(m_insertSerialData->openingReport());
     m_journal.compareDevices(m_devices.all());
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_devices.all());

@@ -22,8 +22,7 @@ constexpr int writeDbTimerMs = 1500;
 constexpr int batchOfOneDevice = 8;
 constexpr int batchOfSeveralDevices = 16;
 
-const QString readOnlyReason =
-    QStringLiteral("The recording is write-protected. It can be looked at, but nothing can be recorded.");
+const QString onlyLooking = QStringLiteral(" It can be looked at, but nothing can be recorded.");
 
 QString localTimeText(quint32 unixSeconds)
 {
@@ -70,6 +69,7 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     m_journal.watch(*m_insertSerialData);
     if (!openInsertSerialData()) {
         m_insertSerialData.reset();
+        m_journal.begin();
         m_journal.recordingFailed(QStringLiteral("The recording could not be opened."));
         enter(StationState::Ending);
         if (!m_isEndRequested())
@@ -80,13 +80,17 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
         return false;
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
+    if (isRecordingReadOnly())
+        m_journal.leaveOut();
+    else
+        m_journal.begin();
     m_recordedRange = std::make_unique<RecordedRange>(*m_insertSerialData, path);
     connect(m_recordedRange.get(), &RecordedRange::known, this, &SorvantoMain::slotRangeKnown);
     writeRowsLeftOver();
     reportSavedRows(m_insertSerialData->openingReport());
     if (isRecordingReadOnly()) {
-        m_projectCenter->setRecordingRefused(readOnlyReason);
-        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
+        m_projectCenter->setRecordingRefused(readOnlyReason());
+        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason());
     }
     m_projectCenter->setRecordRange(localTimeText(m_recordedRange->start()), localTimeText(m_recordedRange->end()));
     return true;
@@ -115,6 +119,15 @@ void SorvantoMain::reportSavedRows(const OpeningReport &report)
 bool SorvantoMain::isRecordingReadOnly() const
 {
     return m_insertSerialData && m_insertSerialData->isReadOnly();
+}
+
+QString SorvantoMain::readOnlyReason() const
+{
+    const bool isTorn = m_insertSerialData->openingReport().isLeftTorn;
+    return (isTorn ? QStringLiteral("The recording was cut off in the middle of a write, and what can be saved of it "
+                                    "cannot be put in its place: its folder or its disk takes no file.")
+                   : QStringLiteral("The recording is write-protected.")) +
+           onlyLooking;
 }
 
 void SorvantoMain::deleteInsertSerialData()
@@ -156,7 +169,7 @@ void SorvantoMain::slotStartRecord()
         return;
     }
     if (isRecordingReadOnly()) {
-        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
+        showTimedMessage(QStringLiteral("WARNING"), readOnlyReason());
         return;
     }
     toggleRecordState(true);

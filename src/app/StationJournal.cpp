@@ -63,9 +63,8 @@ void StationJournal::openProject(const QString &recording, const QString &projec
     m_path = journalPath(recording);
     m_journal = std::make_unique<EventJournal>();
     connectJournal();
-    m_journal->open(m_path);
     m_day = m_clock().toLocalTime().date();
-    if (!std::exchange(m_startIsTold, true)) {
+    if (!m_startIsTold) {
         JournalEvent start{JournalKind::ProgramStarted};
         start.newText = versionText();
         start.time = m_programStart;
@@ -75,6 +74,20 @@ void StationJournal::openProject(const QString &recording, const QString &projec
     opened.newText = versionText();
     opened.text = projectFile;
     append(opened);
+}
+
+void StationJournal::begin()
+{
+    if (!m_journal || std::exchange(m_isBegun, true))
+        return;
+    m_startIsTold = true;
+    m_journal->open(m_path);
+}
+
+void StationJournal::leaveOut()
+{
+    if (!m_isBegun)
+        m_journal.reset();
 }
 
 void StationJournal::connectJournal()
@@ -102,7 +115,8 @@ void StationJournal::closeProject()
     if (m_programEnds)
         append({JournalKind::ProgramEnded});
     m_journal->close();
-    logHead();
+    if (std::exchange(m_isBegun, false))
+        logHead();
     m_journal.reset();
 }
 

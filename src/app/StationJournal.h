@@ -30,8 +30,13 @@ public:
     /// Replaces the source of the time of entries.
     void setClock(const Clock &clock) { m_clock = clock; }
 
-    /// Nothing while the journal of that recording is open already.
+    /// Nothing while the journal of that recording is open already. What happens is only collected, until it is known
+    /// whether anything can be recorded.
     void openProject(const QString &recording, const QString &projectFile);
+    /// From here on it is written.
+    void begin();
+    /// Nothing is recorded: what was collected is not written, and nothing more is taken.
+    void leaveOut();
     /// Closes the journal, with the end of the program if that is what comes.
     void closeProject();
     /// The next project to be closed is closed because the program ends.
@@ -73,6 +78,7 @@ private:
     Clock m_clock;
     const QDateTime m_programStart;
     bool m_startIsTold = false;
+    bool m_isBegun = false;
     bool m_programEnds = false;
     bool m_isRecording = false;
     int m_mostRowsWaiting = 0;

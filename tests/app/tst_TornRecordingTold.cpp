@@ -4,6 +4,7 @@
 #include "journal/JournalReader.h"
 #include "store/InsertSerialData.h"
 
+#include <QDir>
 #include <QProgressDialog>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -104,6 +105,38 @@ private slots:
         recording.seek(0);
         QCOMPARE(recording.readAll(), before);
         QVERIFY(!QFile::exists(recording.fileName() + QStringLiteral(".torn-1")));
+    }
+
+    /// Nothing is written into it, or about it, and so nothing is recorded.
+    void oneThatCannotBeReplacedIsForLooking()
+    {
+        Operator op;
+        QVERIFY(op.openProject(1, 600000));
+        op.station->slotStartRecord();
+        op.station->writeDevice();
+        QTRY_COMPARE(InsertSerialData::pendingCount(), 1);
+        op.station.reset();
+        QFile recording(op.fixture.recordingPath(op.name));
+        QVERIFY(recording.resize(recording.size() - 4096));
+        const QString journal = journalPath(recording.fileName());
+        QVERIFY(QFile::remove(journal));
+        // What is to be saved goes into a file of that name.
+        QVERIFY(QDir().mkpath(recording.fileName() + QStringLiteral(".salvage")));
+
+        op.startStation();
+        op.station->projectLoaded(op.projectPath());
+        const QString reason =
+            QStringLiteral("The recording was cut off in the middle of a write, and what can be saved of it cannot be "
+                           "put in its place: its folder or its disk takes no file. It can be looked at, but nothing "
+                           "can be recorded.");
+        QCOMPARE(shownMessages(), QStringList{reason});
+        auto *record = child<QAbstractButton>(*op.project(), "btn_record");
+        QVERIFY(!record->isEnabled());
+        QVERIFY(record->toolTip().contains(reason));
+        op.station->slotStartRecord();
+        QVERIFY(!op.station->isRecording());
+        op.close();
+        QVERIFY(!QFile::exists(journal));
     }
 
     /// One message to the operator, and an entry each in the journal.
