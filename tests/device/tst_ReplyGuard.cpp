@@ -137,7 +137,8 @@ void tst_ReplyGuard::complainsOnce()
     QVERIFY2(guard.takeComplaint().isEmpty(), "silence is no good answer");
 }
 
-/// A connection that took until the next tick polls twice within moments, and a logger may answer both before it floods.
+/// A connection that took until the next tick polls twice within moments, and a logger may answer both before it
+/// floods.
 void tst_ReplyGuard::pollsInQuickSuccessionProveNothing()
 {
     const QByteArray tooMuch(bytesPerPoll + 1, ',');
