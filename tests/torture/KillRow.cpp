@@ -26,6 +26,7 @@ struct Target
 };
 
 constexpr Target inCommits[] = {
+    {"write", ".dat", 7},
     {"write", ".dat", 18},
     {"sync", ".dat", 4},
 };
@@ -77,15 +78,15 @@ private:
     {
         const int kind = m_shard.below(100);
         m_isInCommit = false;
-        if (kind < 35)
-            return killAt(m_shard.below(longestRunMs));
-        if (kind < 43)
-            return killWhileEnding();
-        if (kind < 52)
-            return killSoonAfter(QString::fromLatin1(beginnings[m_shard.below(int(std::size(beginnings)))]));
-        if (m_mayBeTorn && kind < 85)
+        if (m_mayBeTorn && kind < 70)
             return killDuring(inSalvage[m_shard.below(int(std::size(inSalvage)))]);
-        if (kind < 80) {
+        if (kind < 25)
+            return killAt(m_shard.below(longestRunMs));
+        if (kind < 33)
+            return killWhileEnding();
+        if (kind < 43)
+            return killSoonAfter(QString::fromLatin1(beginnings[m_shard.below(int(std::size(beginnings)))]));
+        if (kind < 83) {
             m_isInCommit = true;
             return killDuring(inCommits[m_shard.below(int(std::size(inCommits)))]);
         }
