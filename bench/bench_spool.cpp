@@ -1,7 +1,9 @@
 // One poll round's readings through the spool file, against a bare append and fdatasync of the bytes that the spool
 // itself writes for them. Both write to files in the working directory, round by round in turn, so that the disk's
-// moods hit both.
+// moods hit both. And the same rounds into the log in memory.
 
+#include "store/MemoryFolders.h"
+#include "store/RedoLog.h"
 #include "store/SpoolFile.h"
 
 #include <QCoreApplication>
@@ -101,6 +103,29 @@ void writeRound(benchmark::State &state)
     state.counters["ratio"] = median(spoolTimes) / median(bareTimes);
 }
 
+/// The same rounds into the log that the caller waits for.
+void logRound(benchmark::State &state)
+{
+    const int loggers = int(state.range(0));
+    const auto log = RedoLog::open(spoolPath, memoryFolders());
+    if (!log) {
+        state.SkipWithError("there is no log");
+        return;
+    }
+    qint64 number = loggers;
+    for (auto _ : state) {
+        const SpoolChange change = roundOf(loggers, number);
+        const quint64 saved = log->end();
+        state.SetIterationTime(seconds([&] {
+            if (!log->append(change))
+                state.SkipWithError("the log is full");
+        }));
+        log->discard(saved);
+    }
+    log->discard(log->end());
+}
+
+BENCHMARK(logRound)->Arg(1)->Arg(4)->Arg(64)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(writeRound)->Arg(1)->Arg(4)->Arg(64)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -7,6 +7,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTOUIC ON)
+# Slots are connected by the code; forms would look for some by their names, in each of 128 tiles.
+set(CMAKE_AUTOUIC_OPTIONS --no-autoconnection)
 set(CMAKE_AUTORCC ON)
 
 if(SORVANTO_STATION)
@@ -40,6 +42,9 @@ if(SORVANTO_SANITIZE)
     target_link_options(sorvanto_options INTERFACE -fsanitize=address,undefined)
     # The sanitizers' own instrumentation makes the compiler see null where there is none.
     target_compile_options(sorvanto_options INTERFACE -Wno-null-dereference)
+endif()
+if(SORVANTO_FUZZ)
+    target_compile_options(sorvanto_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 # sorvanto_layer(NAME SOURCES... LINK...): one layer of the station as a static library, reachable from the layers above only.

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Makes img/*.png from svg/*.svg, at single and double density, and icons/*.png for the desktop. Run by hand after a
 # drawing has changed; the pictures are kept in the repository, so that a build needs neither the renderer nor the font.
-# Needs rsvg-convert (librsvg2-bin) and the font "Open Sans" (fonts-open-sans).
+# Needs rsvg-convert (librsvg2-bin), convert (imagemagick) and the font "Open Sans" (fonts-open-sans).
 set -eu
 cd "$(dirname "$0")"
 
@@ -16,6 +16,14 @@ make() {
     rsvg-convert -w "$(($2 * 2))" -h "$(($3 * 2))" -o "img/$1@2x.png" "svg/$1.svg"
 }
 
+# quicken NAME: the same picture with one filter for all its lines, which takes a third of the time to decode. For the
+# splash, which every start waits for.
+quicken() {
+    for picture in "img/$1.png" "img/$1@2x.png"; do
+        convert "$picture" -strip -define png:compression-filter=2 -define png:compression-level=9 "PNG24:$picture"
+    done
+}
+
 # make_icons NAME DRAWING: the sizes that desktops ask for.
 make_icons() {
     for size in 16 22 24 32 48 64 128 256 512; do
@@ -25,6 +33,7 @@ make_icons() {
 
 mkdir -p img icons
 make LoadingLite 480 280
+quicken LoadingLite
 make SorvantoLogoLite 135 30
 make OstrivaneLogo 100 18
 make OstrivaneSymbol2 24 24

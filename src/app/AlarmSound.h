@@ -3,6 +3,7 @@
 #include "app/AudioOutput.h"
 
 #include <QAudio>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QObject>
 #include <memory>
@@ -36,7 +37,19 @@ signals:
 private:
     bool openOutput();
     bool openFile();
+    bool isPlaying();
 
-    QFile m_audioFile;
+    /// Never at its end for the output: Qt 6 has the server tell it then when the last sample was played, and is told
+    /// even if it was destroyed meanwhile.
+    class SoundFile : public QFile
+    {
+    public:
+        using QFile::QFile;
+        bool atEnd() const override { return false; }
+        bool isReadToItsEnd() const { return QFile::atEnd(); }
+    };
+
+    SoundFile m_audioFile;
+    QElapsedTimer m_sinceEnd;                   // since the file of this play was first seen to be at its end
     std::unique_ptr<AudioOutput> m_audioOutput; // reads from the file, so it goes first
 };

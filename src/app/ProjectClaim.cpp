@@ -20,11 +20,14 @@ std::shared_ptr<Lock> lockOn(const QString &path, const std::shared_ptr<Lock> &p
 
 } // namespace
 
-bool ProjectClaim::acquire(const QString &projectFile, const QString &recording, const ProjectClaim &present)
+bool ProjectClaim::acquireProject(const QString &projectFile, const ProjectClaim &present)
 {
     m_project = lockOn(projectFile, present.m_project, m_refusal);
-    m_recording = m_project ? lockOn(recording, present.m_recording, m_refusal) : nullptr;
-    if (!m_recording)
-        m_project.reset();
     return m_project != nullptr;
+}
+
+bool ProjectClaim::acquireRecording(const QString &recording, const ProjectClaim &present)
+{
+    m_recording = lockOn(recording, present.m_recording, m_refusal);
+    return m_recording != nullptr;
 }

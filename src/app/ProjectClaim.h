@@ -10,10 +10,11 @@ class RecordingLock;
 class ProjectClaim
 {
 public:
-    /// What the station has claimed already, @p present, is no obstacle. False while somebody else has either of the
-    /// two; nothing is claimed then.
-    bool acquire(const QString &projectFile, const QString &recording, const ProjectClaim &present);
-    /// Who has it, in words for the operator, after acquire() has failed.
+    // Both are false while somebody else has the file. What the station has claimed already, @p present, is no
+    // obstacle.
+    bool acquireProject(const QString &projectFile, const ProjectClaim &present);
+    bool acquireRecording(const QString &recording, const ProjectClaim &present);
+    /// Who has it, in words for the operator, after one of them has failed.
     QString refusal() const { return m_refusal; }
 
 private:

@@ -67,9 +67,7 @@ void ProjectDevices::adopt(const QList<ConfiguredDevice *> &chosen)
     for (ConfiguredDevice *device : chosen) {
         const auto kept = std::find_if(before.begin(), before.end(),
                                        [device](const OwnedDevice &candidate) { return candidate.get() == device; });
-        if (kept != before.end())
-            kept->release();
-        own(device);
+        own(kept == before.end() ? device : kept->release());
     }
 }
 

@@ -9,6 +9,7 @@
 #include "device/DataInterval.h"
 #include "dialogs/SharpPixmap.h"
 #include "store/InsertSerialData.h"
+#include "store/RecordedRange.h"
 #include "ui_SorvantoMain.h"
 #include "views/ContentMinimum.h"
 #include "views/ProjectCenter.h"
@@ -19,6 +20,7 @@
 #include <QTimer>
 #include <QUdpSocket>
 #include <QUuid>
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -26,13 +28,21 @@ namespace {
 constexpr int stdTimerMs = 1000;
 constexpr int checkTimerMs = 1500;
 
+// However short the stored interval, no logger is asked more often.
+constexpr int shortestPollMs = 1000;
+
+// Of the two seconds that an end may take.
+constexpr int longestAwaitMs = 1000;
+
 } // namespace
 
 SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     : QWidget(parent),
       m_form(std::make_unique<Ui::SorvantoMain>()),
       m_devices(this),
-      m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64()))
+      m_dbConnectionName(QString::fromLatin1(QUuid::createUuid().toString().toUtf8().toBase64())),
+      m_isEndRequested(start.isEndRequested),
+      m_showOnSplash(start.showOnSplash)
 {
     buildForm();
     connect(&m_journal, &StationJournal::told, this,
@@ -43,15 +53,18 @@ SorvantoMain::SorvantoMain(const StartOptions &start, QWidget *parent)
     m_menus->autoRecord->setChecked(m_settings.autoRecord);
     m_menus->keepAlive->setChecked(m_settings.keepAlive);
     m_settings.pruneRecentProjects();
-    showStartScreen();
     createTimers();
     setUpAlarmSound();
 
     QString first = start.projectFile;
     if (first.isEmpty() && start.autoLoad)
         first = m_settings.autoLoadPath();
-    if (!first.isEmpty())
+    if (!first.isEmpty() && !m_isEndRequested())
         projectLoaded(first);
+    // Not before: a project takes its place at once.
+    if (m_state.name() == StationState::StartScreen)
+        showStartScreen();
+    m_showOnSplash = nullptr;
     m_bIsBuilt = true;
 }
 
@@ -157,6 +170,11 @@ void SorvantoMain::setClock(const ConfiguredDevice::Clock &clock)
     m_journal.setClock(clock);
 }
 
+void SorvantoMain::startPolls()
+{
+    m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
+}
+
 void SorvantoMain::writeDevice()
 {
     if (!isProjectOpen())
@@ -210,12 +228,37 @@ void SorvantoMain::slotKeepAlive(bool on)
 
 void SorvantoMain::stopRunningRecording()
 {
+    if (!isRecording())
+        return;
+    m_writeDeviceTimer->stop();
+    awaitReadings();
     if (isRecording())
         slotStopRecord();
+    if (isProjectOpen())
+        startPolls();
+}
+
+/// Those on their way, which belong to the recording.
+void SorvantoMain::awaitReadings()
+{
+    QTimer limit;
+    limit.setSingleShot(true);
+    limit.start(longestAwaitMs);
+    const auto isAwaited = [this] {
+        const QList<ConfiguredDevice *> devices = m_devices.all();
+        return std::any_of(devices.cbegin(), devices.cend(),
+                           [](const ConfiguredDevice *device) { return device->awaitsReading(); });
+    };
+    // After a splash that nobody could interrupt the answers lie there, unread.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    while (isRecording() && limit.isActive() && isAwaited())
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents);
 }
 
 void SorvantoMain::endProgram()
 {
+    if (std::exchange(m_endsProgram, true))
+        return;
     stopRunningRecording();
     enter(StationState::Ending);
     close();

@@ -17,7 +17,6 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
-#include <optional>
 
 class AlarmSound;
 class InsertSerialData;
@@ -27,6 +26,7 @@ class PollPhase;
 class ProjectCenter;
 class ProjectMain;
 class ProjectManager;
+class RecordedRange;
 class QMenu;
 class QTimer;
 class QUdpSocket;
@@ -62,9 +62,10 @@ public:
     /// Replaces the source of the time of polls, for projects opened from then on.
     void setClock(const ConfiguredDevice::Clock &clock);
 
-    /// Stops a running recording so that everything read so far is in the file.
+    /// Stops a running recording so that everything asked so far is in the file: answers on their way are awaited, for
+    /// a second at most.
     void stopRunningRecording();
-    /// Stops a running recording, closes the window and ends the event loop.
+    /// Stops a running recording likewise, closes the window and ends the event loop.
     void endProgram();
 
 public slots:
@@ -110,6 +111,8 @@ private:
     void connectMenus();
     void createTimers();
     void stopTimers();
+    void startPolls();
+    void awaitReadings();
     void setUpAlarmSound();
     void checkAlarmSound();
     void enter(StationState::Name state);
@@ -125,6 +128,7 @@ private:
 
     // Recording
     bool createInsertSerialData(const QString &path);
+    bool openInsertSerialData();
     bool isRecordingReadOnly() const;
     void deleteInsertSerialData();
     void toggleRecordState(bool on);
@@ -133,6 +137,7 @@ private:
     void saveRecordRange(quint32 start, quint32 end);
     void showRecordRange(quint32 start, quint32 end);
     void updateRecordRange(const QString &now);
+    void slotRangeKnown();
     void slotWritingFailed(const QString &reason);
     void slotWritingRestored();
     void slotReadingsDropped(int count);
@@ -142,7 +147,8 @@ private:
     void mergeDiscovered(const DiscoveryReply &reply);
 
     // Project flow
-    std::optional<ProjectClaim> claimProject(const QString &path, const QString &recording);
+    bool claimProject(ProjectClaim &claim, const QString &path);
+    bool claimRecording(ProjectClaim &claim, const QString &recording);
     void freeUnconfirmedDevices();
     void openProjectView();
     void leaveProject();
@@ -152,6 +158,7 @@ private:
     void reportCancelledExchanges();
     void reportUnsavedProject();
     void reportRefusedDevices(const QStringList &sentences);
+    void reportDevicesTooMany();
 
     // Screens
     void showStartScreen();
@@ -188,6 +195,9 @@ private:
     bool m_usbPresent = false;
     bool m_usbPresentBefore = false;
     bool m_bIsBuilt = false;
+    bool m_endsProgram = false;
+    std::function<bool()> m_isEndRequested;
+    std::function<void(const QString &text)> m_showOnSplash; ///< null once the station is built
     QList<std::function<void()>> m_toldWithTheWindow;
 
     MainMenus *m_menus = nullptr;
@@ -197,6 +207,7 @@ private:
     QTimer *m_writeDbTimer = nullptr;
     PollPhase *m_pollPhase = nullptr;
     std::unique_ptr<InsertSerialData> m_insertSerialData;
+    std::unique_ptr<RecordedRange> m_recordedRange; ///< while that is open
     QPointer<QUdpSocket> m_sndUdpSocket;
     QPointer<QUdpSocket> m_rcvUdpSocket;
     std::unique_ptr<AlarmSound> m_alarmSound;

@@ -8,6 +8,7 @@
 #include "dialogs/ProjectManager.h"
 #include "project/ProjectFile.h"
 #include "store/InsertSerialData.h"
+#include "store/WriteProtection.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
@@ -16,9 +17,6 @@
 #include <QTimer>
 
 namespace {
-
-// However short the stored interval, no logger is asked more often.
-constexpr int shortestPollMs = 1000;
 
 constexpr int longestFolderText = 40;
 
@@ -29,28 +27,36 @@ QString shortened(const QString &folder)
 
 } // namespace
 
-/// What keeps a project that is about to be opened to this station; nothing, with a message, while another has it.
-std::optional<ProjectClaim> SorvantoMain::claimProject(const QString &path, const QString &recording)
+/// Keeps a project that is about to be opened to this station; false, with a message, while another has it.
+bool SorvantoMain::claimProject(ProjectClaim &claim, const QString &path)
 {
-    ProjectClaim claim;
-    if (claim.acquire(path, recording, m_claim))
-        return claim;
-    showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
-    return std::nullopt;
+    const bool claimed = claim.acquireProject(path, m_claim);
+    if (!claimed)
+        showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
+    return claimed;
+}
+
+/// The same for its recording.
+bool SorvantoMain::claimRecording(ProjectClaim &claim, const QString &recording)
+{
+    const bool claimed = claim.acquireRecording(recording, m_claim);
+    if (!claimed)
+        showTimedMessage(QStringLiteral("ERROR"), claim.refusal());
+    return claimed;
 }
 
 void SorvantoMain::projectCreated(const QString &path)
 {
     const QString name = QFileInfo(path).baseName();
-    const auto claim = claimProject(path, ProjectFile(path).newDatabasePath(name));
-    if (!claim)
+    ProjectClaim claim;
+    if (!claimProject(claim, path) || !claimRecording(claim, ProjectFile(path).newDatabasePath(name)))
         return;
     if (!ProjectFile(path).create(name, dataIntervalMs)) {
         reportUnsavedProject();
         return;
     }
     leaveProject();
-    m_claim = *claim;
+    m_claim = claim;
     m_projectFile = path;
     m_projectName = name;
     m_databasePath = ProjectFile(path).databasePath();
@@ -63,6 +69,10 @@ void SorvantoMain::projectCreated(const QString &path)
 
 void SorvantoMain::projectLoaded(const QString &path)
 {
+    // First of all: what another station is just writing is not to be read.
+    ProjectClaim claim;
+    if (!claimProject(claim, path))
+        return;
     const auto entries = ProjectFile(path).readDevices();
     if (!entries) {
         showTimedMessage(QStringLiteral("ERROR"), QStringLiteral("There is no device information!"));
@@ -73,11 +83,10 @@ void SorvantoMain::projectLoaded(const QString &path)
         showTimedMessage(QStringLiteral("ERROR"), refusal);
         return;
     }
-    const auto claim = claimProject(path, ProjectFile(path).databasePath());
-    if (!claim)
+    if (!claimRecording(claim, ProjectFile(path).databasePath()))
         return;
     leaveProject();
-    m_claim = *claim;
+    m_claim = claim;
     m_devices.load(*entries, m_menus->keepAlive->isChecked());
     m_journal.knowDevices(m_devices.all());
 
@@ -96,12 +105,13 @@ void SorvantoMain::projectLoaded(const QString &path)
     enter(StationState::Open);
     openProjectView();
     reportRefusedDevices(file.refusedDevices());
+    reportDevicesTooMany();
 }
 
 void SorvantoMain::projectListConfirm(const QList<ConfiguredDevice *> &devices, const QStringList &dashboardNames)
 {
     freeUnconfirmedDevices();
-    m_devices.adopt(devices);
+    m_devices.adopt(m_projectManager ? devices + m_projectManager->unseenDevices(devices) : devices);
     m_dashboardNames = dashboardNames;
     closeDiscoverySockets();
     discardScreens();
@@ -155,12 +165,13 @@ void SorvantoMain::openProjectView()
     m_projectCenter = new ProjectCenter(m_projectFile, m_form->centralFrame);
     connect(m_projectCenter, &ProjectCenter::clickRecord, this, &SorvantoMain::slotToggleRecord);
     connect(m_projectCenter, &ProjectCenter::updateProjectFile, this, &SorvantoMain::slotUpdateProjectFile);
+    // Before the recording, whose opening may be the first thing to be told.
+    if (!isWriteProtected(m_databasePath))
+        m_journal.openProject(m_databasePath, m_projectFile);
     if (!createInsertSerialData(m_databasePath))
         return;
-    if (!isRecordingReadOnly()) {
-        m_journal.openProject(m_databasePath, m_projectFile);
+    if (!isRecordingReadOnly())
         m_journal.rowsSaved(m_insertSerialData->openingReport());
-    }
     m_journal.compareDevices(m_devices.all());
     m_projectCenter->setDashboardNames(m_dashboardNames);
     m_projectCenter->setDevices(m_devices.all());
@@ -170,7 +181,7 @@ void SorvantoMain::openProjectView()
     slotKeepAlive(m_settings.keepAlive);
     openUsbDevicesAnew();
     // In this order: a second that begins meanwhile is polled once more rather than not at all.
-    m_pollPhase->start(qMax(shortestPollMs, dataIntervalMs));
+    startPolls();
     writeDevice();
     if (m_settings.autoRecord && !isRecordingReadOnly())
         slotToggleRecord();
@@ -200,7 +211,8 @@ void SorvantoMain::closeProject()
     m_alarmSound->stop();
     m_form->label_projectname->clear();
     m_form->label_interval->clear();
-    stopRunningRecording();
+    if (isRecording())
+        slotStopRecord();
     deleteInsertSerialData();
     freeUnconfirmedDevices();
     m_devices.clear();
@@ -246,6 +258,17 @@ void SorvantoMain::reportRefusedDevices(const QStringList &sentences)
     const auto others = sentences.size() - 1;
     const QString more = others > 0 ? QStringLiteral("\nSo are %1 more, which the log names.").arg(others) : QString();
     showTimedMessage(QStringLiteral("ERROR"), sentences.first() + more);
+}
+
+void SorvantoMain::reportDevicesTooMany()
+{
+    if (m_devices.size() <= ProjectManager::maxDevices)
+        return;
+    showTimedMessage(QStringLiteral("WARNING"),
+                     QStringLiteral("The project lists %1 devices, and %2 can be chosen. All are polled and recorded, "
+                                    "and all stay in its file; those without a place are on no dashboard.")
+                         .arg(m_devices.size())
+                         .arg(ProjectManager::maxDevices));
 }
 
 void SorvantoMain::showProjectName()

@@ -1,9 +1,11 @@
 #include "app/SorvantoMain.h"
 
 #include "app/Logging.h"
+#include "app/OpeningProgress.h"
 #include "device/ConfiguredDevice.h"
 #include "project/ProjectFile.h"
 #include "store/InsertSerialData.h"
+#include "store/RecordedRange.h"
 #include "ui_SorvantoMain.h"
 #include "views/ProjectCenter.h"
 
@@ -41,6 +43,24 @@ QString tornSentence(const OpeningReport &report)
 
 } // namespace
 
+/// A torn recording of months takes its time.
+bool SorvantoMain::openInsertSerialData()
+{
+    OpeningProgress progress(this, m_showOnSplash);
+    m_insertSerialData->setSalvageProgress([this, &progress](quint32 done, quint32 all) {
+        progress.show(done, all);
+        return !m_isEndRequested();
+    });
+    // What they do presumes a recording that is open, or none.
+    m_stdTimer->stop();
+    m_checkTimer->stop();
+    const bool isOpen = m_insertSerialData->createConnection();
+    m_insertSerialData->setSalvageProgress({});
+    m_stdTimer->start();
+    m_checkTimer->start();
+    return isOpen;
+}
+
 bool SorvantoMain::createInsertSerialData(const QString &path)
 {
     m_insertSerialData = std::make_unique<InsertSerialData>(path, m_dbConnectionName, this);
@@ -48,24 +68,27 @@ bool SorvantoMain::createInsertSerialData(const QString &path)
     connect(m_insertSerialData.get(), &InsertSerialData::writingRestored, this, &SorvantoMain::slotWritingRestored);
     connect(m_insertSerialData.get(), &InsertSerialData::readingsDropped, this, &SorvantoMain::slotReadingsDropped);
     m_journal.watch(*m_insertSerialData);
-    if (!m_insertSerialData->createConnection()) {
+    if (!openInsertSerialData()) {
         m_insertSerialData.reset();
+        m_journal.recordingFailed(QStringLiteral("The recording could not be opened."));
         enter(StationState::Ending);
-        QMessageBox::critical(nullptr, QStringLiteral("ERROR"), QStringLiteral("Create database error!\nExit program."),
-                              QMessageBox::Ok);
+        if (!m_isEndRequested())
+            QMessageBox::critical(nullptr, QStringLiteral("ERROR"),
+                                  QStringLiteral("Create database error!\nExit program."), QMessageBox::Ok);
         close();
         QCoreApplication::exit(0);
         return false;
     }
     qCDebug(lcApp).noquote() << "SorvantoMain::createInsertSerialData :" << path;
+    m_recordedRange = std::make_unique<RecordedRange>(*m_insertSerialData, path);
+    connect(m_recordedRange.get(), &RecordedRange::known, this, &SorvantoMain::slotRangeKnown);
     writeRowsLeftOver();
     reportSavedRows(m_insertSerialData->openingReport());
     if (isRecordingReadOnly()) {
         m_projectCenter->setRecordingRefused(readOnlyReason);
         showTimedMessage(QStringLiteral("WARNING"), readOnlyReason);
     }
-    m_projectCenter->setRecordRange(localTimeText(m_insertSerialData->startDateTime()),
-                                    localTimeText(m_insertSerialData->endDateTime()));
+    m_projectCenter->setRecordRange(localTimeText(m_recordedRange->start()), localTimeText(m_recordedRange->end()));
     return true;
 }
 
@@ -99,6 +122,7 @@ void SorvantoMain::deleteInsertSerialData()
     if (!m_insertSerialData)
         return;
     qCDebug(lcApp) << "SorvantoMain::deleteInsertSerialData()";
+    m_recordedRange.reset();
     m_insertSerialData.reset();
 }
 
@@ -159,8 +183,8 @@ void SorvantoMain::slotStopRecord()
         for (ConfiguredDevice *device : devices)
             device->insertNoValue();
         m_insertSerialData->insertNow();
-        start = m_insertSerialData->startDateTime();
-        end = m_insertSerialData->endDateTime();
+        start = m_recordedRange->start();
+        end = m_recordedRange->end();
         saveRecordRange(start, end);
     }
     m_form->label_record_state->setPixmap(m_readyPixmap);
@@ -188,6 +212,16 @@ void SorvantoMain::showRecordRange(quint32 start, quint32 end)
         m_projectCenter->setEndTimeText(localTimeText(end));
 }
 
+/// Found out only after the recording was opened, or stopped; while it goes on, its end moves with the clock.
+void SorvantoMain::slotRangeKnown()
+{
+    const quint32 start = m_recordedRange->start();
+    const quint32 end = isRecording() ? 0 : m_recordedRange->end();
+    if (!isRecordingReadOnly())
+        saveRecordRange(start, end);
+    showRecordRange(start, end);
+}
+
 /// Rows that could not be written when the recording stopped, or when the project was closed the last time. While the
 /// station records they go with the next batch.
 void SorvantoMain::writeRowsLeftOver()
@@ -197,8 +231,8 @@ void SorvantoMain::writeRowsLeftOver()
     m_insertSerialData->insertNow();
     if (InsertSerialData::pendingCount() > 0)
         return;
-    const quint32 start = m_insertSerialData->startDateTime();
-    const quint32 end = m_insertSerialData->endDateTime();
+    const quint32 start = m_recordedRange->start();
+    const quint32 end = m_recordedRange->end();
     saveRecordRange(start, end);
     showRecordRange(start, end);
 }

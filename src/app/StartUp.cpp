@@ -22,6 +22,14 @@ constexpr int boxCloserMs = 10;
 
 constexpr int textPointSize = 9;
 
+const QString loadingText = QStringLiteral("Loading modules...");
+
+void showOnSplash(QSplashScreen &splash, const QString &text)
+{
+    splash.showMessage(QStringLiteral("[%1] %2").arg(versionText(), text), Qt::AlignHCenter | Qt::AlignBottom,
+                       Qt::darkGray);
+}
+
 } // namespace
 
 QString versionText()
@@ -55,8 +63,7 @@ QSplashScreen *showSplash()
     auto *splash = new QSplashScreen(sharpPixmap(QStringLiteral(":/img/LoadingLite.png")));
     splash->setAttribute(Qt::WA_DeleteOnClose);
     splash->show();
-    splash->showMessage(QStringLiteral("[%1] Loading modules...").arg(versionText()),
-                        Qt::AlignHCenter | Qt::AlignBottom, Qt::darkGray);
+    showOnSplash(*splash, loadingText);
     return splash;
 }
 
@@ -77,22 +84,38 @@ int runStation(QApplication &application, const StartOptions &options,
     QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &boxCloser,
                      [&boxCloser] { boxCloser.start(boxCloserMs); });
     const QString problem = options.projectFile.isEmpty() ? QString() : projectFileProblem(options.projectFile);
-    SorvantoMain mainWindow(problem.isEmpty() ? options : StartOptions{false, {}});
+    StartOptions start = problem.isEmpty() ? options : StartOptions{false, {}};
+    start.isEndRequested = [&signalsFromSystem] {
+        return signalsFromSystem.wasRequested();
+    };
+    start.showOnSplash = [&splash](const QString &text) {
+        if (splash)
+            showOnSplash(*splash, text);
+    };
+    SorvantoMain mainWindow(start);
     const QMetaObject::Connection ending = QObject::connect(
         &signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow, &SorvantoMain::endProgram);
     // Some sound backends handle events while the window is destroyed; a request must not reach it then.
     const auto noMoreRequests = qScopeGuard([&ending] { QObject::disconnect(ending); });
-    if (signalsFromSystem.wasRequested())
-        mainWindow.endProgram();
-    if (mainWindow.isEnding())
+    // Asked for, not only listened to: no event loop runs while the station is built and while the splash waits.
+    const auto isEnding = [&mainWindow, &signalsFromSystem] {
+        if (signalsFromSystem.wasRequested())
+            mainWindow.endProgram();
+        return mainWindow.isEnding();
+    };
+    if (isEnding())
         return 0;
+    if (splash)
+        showOnSplash(*splash, loadingText);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &mainWindow,
                      &SorvantoMain::stopRunningRecording, Qt::DirectConnection);
 
     QCoreApplication::processEvents();
-    if (mainWindow.isEnding())
+    if (isEnding())
         return 0;
     pause(splashMs);
+    if (isEnding())
+        return 0;
 
     mainWindow.show();
     // Not earlier: half the time that a message stays would be spent waiting.

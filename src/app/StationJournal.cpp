@@ -5,6 +5,7 @@
 #include "app/StartUp.h"
 #include "journal/EventJournal.h"
 #include "journal/JournalPath.h"
+#include "journal/SteadyTime.h"
 #include "store/InsertSerialData.h"
 #include "store/PendingRow.h"
 
@@ -51,7 +52,6 @@ StationJournal::StationJournal(QObject *parent)
       m_clock([] { return QDateTime::currentDateTime(); }),
       m_programStart(QDateTime::currentDateTime())
 {
-    m_elapsed.start();
 }
 
 StationJournal::~StationJournal() = default;
@@ -145,6 +145,13 @@ void StationJournal::rowsSaved(const OpeningReport &report)
     appendSaved(JournalKind::RowsReplayed, report.rowsReplayed, report.damagedSpool);
 }
 
+void StationJournal::recordingFailed(const QString &reason)
+{
+    JournalEvent event{JournalKind::WritingFailed};
+    event.text = reason;
+    append(event);
+}
+
 void StationJournal::setRecording(bool on)
 {
     if (std::exchange(m_isRecording, on) != on)
@@ -154,7 +161,7 @@ void StationJournal::setRecording(bool on)
 void StationJournal::lookAtClock()
 {
     const QDateTime now = m_clock().toLocalTime();
-    const auto jump = m_clockWatch.look(now.toMSecsSinceEpoch(), m_elapsed.elapsed());
+    const auto jump = m_clockWatch.look(now.toMSecsSinceEpoch(), steadyTimeMs());
     if (jump) {
         JournalEvent event{JournalKind::ClockJumped};
         event.value = double(*jump) / 1000;

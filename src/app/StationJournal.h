@@ -6,7 +6,6 @@
 #include "project/DeviceEntry.h"
 
 #include <QDate>
-#include <QElapsedTimer>
 #include <QList>
 #include <QObject>
 #include <functional>
@@ -47,6 +46,8 @@ public:
 
     /// What the opening of the recording has brought back.
     void rowsSaved(const OpeningReport &report);
+    /// It could not be opened at all.
+    void recordingFailed(const QString &reason);
 
     void setRecording(bool on);
     /// To be called every second: notices that the clock was set and that a day has ended.
@@ -78,7 +79,6 @@ private:
     QString m_path;
     std::unique_ptr<EventJournal> m_journal;
     QList<DeviceEntry> m_knownDevices;
-    QElapsedTimer m_elapsed;
     ClockWatch m_clockWatch;
     QDate m_day;
 };

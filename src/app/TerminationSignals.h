@@ -14,7 +14,7 @@ public:
     explicit TerminationSignals(QObject *parent = nullptr);
     ~TerminationSignals() override;
 
-    /// Whether a request has been delivered already, to a listener or to none.
+    /// Whether a request has come, be it delivered or still waiting for the event loop.
     bool wasRequested() const;
 
 signals:

@@ -12,12 +12,15 @@ namespace {
 
 // A signal handler may do little more than write to a pipe; the event loop reads the other end.
 std::array<int, 2> signalPipe{-1, -1};
+// Read also where no event loop runs.
+volatile std::sig_atomic_t isRequested = 0;
 
 constexpr std::array<int, 3> handledSignals{SIGTERM, SIGINT, SIGHUP};
 
 void writeToPipe(int)
 {
     const int errorBefore = errno;
+    isRequested = 1;
     const char byte = 0;
     // A full pipe already holds a request, so a failed write loses nothing.
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
@@ -48,7 +51,6 @@ class TerminationSignals::Private
 {
 public:
     std::unique_ptr<QSocketNotifier> notifier;
-    bool requested = false;
 };
 
 TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
@@ -60,9 +62,9 @@ TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent), d(std
         char bytes[16];
         while (::read(signalPipe[0], bytes, sizeof(bytes)) > 0) {
         }
-        d->requested = true;
         emit terminationRequested();
     });
+    isRequested = 0;
     setHandler(writeToPipe);
     // Whoever read the diagnostics may leave; that must not end a recording.
     std::signal(SIGPIPE, SIG_IGN);
@@ -81,5 +83,5 @@ TerminationSignals::~TerminationSignals()
 
 bool TerminationSignals::wasRequested() const
 {
-    return d->requested;
+    return isRequested != 0;
 }

@@ -22,6 +22,9 @@ protected:
     Axis() = default;
     ~Axis() = default;
 
+    /// How much of the line lies before its middle.
+    int widthBefore() const { return m_width / 2; }
+
     int m_width = 1;
     QColor m_lineColour = Qt::black;
     QColor m_labelColour = Qt::black;

@@ -66,10 +66,10 @@ std::vector<DateAxis::Label> DateAxis::labels(const PlotArea &plot, const Scale 
 
 void DateAxis::draw(QPainter &painter, const PlotArea &plot, const Scale &scale, const DateTicks &ticks) const
 {
-    const double line = plot.bottom() - m_width / 2;
+    const double line = plot.bottom() - widthBefore();
     const double end = line + m_width;
     // The corner belongs to the other axis.
-    const double from = plot.left() + m_width - m_width / 2;
+    const double from = plot.left() + m_width - widthBefore();
     fillSharp(painter, {from, line, plot.right() + 1 - from, double(m_width)}, m_lineColour);
     for (const double tick : ticks.major)
         fillSharp(painter, {std::round(scale.pixel(tick)), end, 1, majorTickLength}, m_lineColour);

@@ -46,8 +46,8 @@ std::optional<ValueAxis::Division> ValueAxis::division(const PlotArea &plot, con
 
 void ValueAxis::draw(QPainter &painter, const PlotArea &plot, const Scale &scale, const ValueTicks &ticks) const
 {
-    const double line = plot.left() - m_width / 2;
-    const double bottom = plot.bottom() - m_width / 2 + m_width;
+    const double line = plot.left() - widthBefore();
+    const double bottom = plot.bottom() - widthBefore() + m_width;
     fillSharp(painter, {line, double(plot.top()), double(m_width), bottom - plot.top()}, m_lineColour);
     for (const double tick : ticks.values)
         fillSharp(painter, {line - tickLength, std::round(scale.pixel(tick)), tickLength, 1}, m_lineColour);
@@ -56,7 +56,7 @@ void ValueAxis::draw(QPainter &painter, const PlotArea &plot, const Scale &scale
 
 void ValueAxis::drawLabels(QPainter &painter, const PlotArea &plot, const Scale &scale, const ValueTicks &ticks) const
 {
-    const double right = plot.left() - m_width / 2 - tickLength - labelDistance;
+    const double right = plot.left() - widthBefore() - tickLength - labelDistance;
     const int longest = int(right / QFontMetricsF(m_font).horizontalAdvance(QLatin1Char('0')));
     const std::vector<QString> texts = tickTexts(ticks, longest);
     double taken = std::numeric_limits<double>::infinity();

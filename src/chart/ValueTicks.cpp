@@ -56,9 +56,9 @@ Range limited(const Range &range)
 ValueTicks ticks(const Step &step, double first, double last)
 {
     ValueTicks result;
-    // Rounding up leaves a negative zero, which would read "-0".
-    for (double index = first + 0.0; index <= last; ++index)
-        result.values.push_back(step.multiple(index));
+    // Rounding up leaves a negative zero, which would read "-0"; with zero added it has no sign.
+    for (int i = 0; first + i <= last; ++i)
+        result.values.push_back(step.multiple(first + i));
     result.step = step.size();
     result.decimals = std::max(0, -step.exponent);
     return result;

@@ -8,6 +8,12 @@ QString limitCommand(const char *name, float limit)
            QLatin1String("\r\n");
 }
 
+/// A line end in the rule, which a project from elsewhere may hold, would begin a command of its own.
+QString oneLine(QString rule)
+{
+    return rule.remove(QLatin1Char('\r')).remove(QLatin1Char('\n'));
+}
+
 } // namespace
 
 void AlarmExchange::start()
@@ -48,7 +54,7 @@ QString AlarmExchange::command(const AlarmSettings &settings) const
     case State::Max2:
         return limitCommand("ATBMAX2", settings.range.max2);
     case State::Rule:
-        return QStringLiteral("ATBAL %1\r\n").arg(settings.buzzerRule);
+        return QStringLiteral("ATBAL %1\r\n").arg(oneLine(settings.buzzerRule));
     case State::Set:
         return QStringLiteral("ATBSET\r\n");
     case State::Idle:

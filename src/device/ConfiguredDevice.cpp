@@ -15,7 +15,7 @@ ConfiguredDevice::ConfiguredDevice(const QString &serialNumber, int interfaceKin
       m_pollMs(m_pollTime.toMSecsSinceEpoch()),
       m_conversation(m_pollMs),
       m_link(m_kind.makeLink(&m_conversation)),
-      m_telnet(dynamic_cast<TelnetDevice *>(m_link.get())),
+      m_telnet(m_kind.isPolled ? dynamic_cast<TelnetDevice *>(m_link.get()) : nullptr),
       m_series(serialNumber)
 {
     if (m_kind.tellsLoss) {
@@ -182,7 +182,7 @@ bool ConfiguredDevice::keepConnection() const
 
 void ConfiguredDevice::setKeepConnection(bool keep)
 {
-    if (!m_kind.hasTcpPort)
+    if (!m_telnet)
         return;
     m_settings.keepConnection = keep;
     m_telnet->setKeepConnection(keep);

@@ -71,6 +71,8 @@ public:
     void setKeepConnection(bool keep);
     void setRecording(bool recording);
     bool isRecording() const;
+    /// Whether a reading that is to be recorded may be on its way.
+    bool awaitsReading() const;
 
     // Views are not owned; null detaches. A view must detach itself before it goes away.
     void setListItem(ListEntry *entry);
@@ -178,7 +180,8 @@ private:
     /// To be sent when the link is free for it again.
     std::optional<LoggerConversation::Poll> m_postponedPoll;
     std::unique_ptr<AbstractDevice> m_link;
-    TelnetDevice *m_telnet = nullptr; ///< the link, where it is a network link
+    /// The link of a network logger: what only such a link can do is asked of this pointer, not of the kind.
+    TelnetDevice *m_telnet = nullptr;
     bool m_connected = false;
     int m_missedReplies = 0;
     int m_unansweredPolls = 0; ///< on the connection that stands

@@ -19,7 +19,7 @@ constexpr int owedReplyMs = 1000;
 
 void ConfiguredDevice::startSyncTelnet()
 {
-    if (!m_kind.takesAlarmSettings)
+    if (!m_telnet)
         return;
     m_exchange.start();
     if (!m_conversation.owesReply()) {
@@ -53,7 +53,7 @@ void ConfiguredDevice::slotWriteStartSync()
 
 void ConfiguredDevice::stopSyncTelnet()
 {
-    if (!m_kind.takesAlarmSettings)
+    if (!m_telnet)
         return;
     logDevice() << "- ConfiguredDevice::stopSyncTelnet() : set buzzerflag false";
     if (m_exchange.isRunning())

@@ -59,6 +59,12 @@ void ConfiguredDevice::pollForRecord()
         countMissedReply();
 }
 
+bool ConfiguredDevice::awaitsReading() const
+{
+    const auto poll = m_conversation.unansweredRecordPoll();
+    return m_recording && poll && m_clock().toMSecsSinceEpoch() - poll->timeMs <= LoggerConversation::longestReplyMs;
+}
+
 bool ConfiguredDevice::restsFromPolling() const
 {
     return !m_kind.isPolled || m_exchange.isRunning();

@@ -2,14 +2,26 @@
 
 #include "store/InsertSerialData.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
+
+namespace {
+
+/// The last second that a recording can hold is in 2106; what comes later must not stand in 1970.
+quint32 recordedSecond(qint64 timeMs)
+{
+    return static_cast<quint32>(std::clamp<qint64>(timeMs / 1000, 0, std::numeric_limits<quint32>::max()));
+}
+
+} // namespace
 
 std::vector<PendingRow> RecordedSeries::rowsOf(const Readings &readings) const
 {
     std::vector<PendingRow> rows;
     for (const LoggerConversation::TimedReading &reading : readings) {
         if (reading.isForRecord)
-            rows.push_back({m_serialNumber, reading.value1, reading.value2, quint32(reading.timeMs / 1000)});
+            rows.push_back({m_serialNumber, reading.value1, reading.value2, recordedSecond(reading.timeMs)});
     }
     return rows;
 }
@@ -29,5 +41,5 @@ void RecordedSeries::add(const Readings &readings, const Readings &held)
 void RecordedSeries::close()
 {
     if (const auto last = std::exchange(m_lastMs, std::nullopt))
-        InsertSerialData::enqueue({m_serialNumber, noValue, noValue, static_cast<quint32>((*last + 1000) / 1000)});
+        InsertSerialData::enqueue({m_serialNumber, noValue, noValue, recordedSecond(*last + 1000)});
 }

@@ -2,12 +2,6 @@
 
 IpaddrSpinBox::IpaddrSpinBox(QWidget *parent) : WholeSpinBox(parent) {}
 
-void IpaddrSpinBox::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() != Qt::Key_Period)
-        WholeSpinBox::keyPressEvent(event);
-}
-
 void IpaddrSpinBox::keyReleaseEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Period)

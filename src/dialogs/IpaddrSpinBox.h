@@ -2,7 +2,7 @@
 
 #include "dialogs/WholeSpinBox.h"
 
-/// One octet of an IP address: a full stop asks for the next field and is no part of the number.
+/// One octet of an IP address: a full stop asks for the next field.
 class IpaddrSpinBox : public WholeSpinBox
 {
     Q_OBJECT
@@ -14,6 +14,5 @@ signals:
     void nextStep();
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
 };

@@ -84,7 +84,7 @@ QWidget *ManualConfigDeviceDialog::fieldOf(EntryRefusal::Field field) const
 
 void ManualConfigDeviceDialog::slotNextStep()
 {
-    const qsizetype next = m_steps.indexOf(qobject_cast<QSpinBox *>(sender())) + 1;
+    const auto next = m_steps.indexOf(qobject_cast<QSpinBox *>(sender())) + 1;
     if (next == 0 || next == m_steps.size())
         return;
     beginAnew(m_steps.at(next));

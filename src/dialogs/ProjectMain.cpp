@@ -65,9 +65,9 @@ QString proposedPath(const QString &path)
     name.replace(QLatin1Char('.'), QLatin1Char('-')).replace(QLatin1Char('\\'), QLatin1Char('-'));
     for (int number = 1; number <= mostProposals; ++number) {
         const QString end = number == 1 ? QString() : QStringLiteral(" %1").arg(number);
-        const QString proposed = file.absolutePath() + QLatin1Char('/') +
-                                 name.left(longestFileName - int(suffix.size()) - 1 - int(end.size())) + end +
-                                 QLatin1Char('.') + suffix;
+        QString proposed = file.absolutePath() + QLatin1Char('/') +
+                           name.left(longestFileName - int(suffix.size()) - 1 - int(end.size())) + end +
+                           QLatin1Char('.') + suffix;
         if (!QFileInfo::exists(proposed) && !QFileInfo::exists(newRecording(proposed)) &&
             newRecordingProblem(proposed).isEmpty())
             return proposed;

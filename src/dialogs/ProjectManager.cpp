@@ -97,19 +97,27 @@ void ProjectManager::setConfiguredDeviceList(const QList<ConfiguredDevice *> &de
     m_configuredList = devices;
     if (devices.size() >= maxDevices)
         showError(QStringLiteral("cannot add more than 64 devices."));
-    for (const ConfiguredDevice *device : devices) {
-        const int number = device->dashboardNumber();
-        if (number < 0 || number >= dashboardCount)
-            continue;
-        QListWidget *board = m_boards.at(static_cast<size_t>(number));
-        if (board->count() >= maxRowsOnBoard)
-            logDialogs() << "[ERROR] ProjectManager::setConfiguredDeviceList : dashboard item count is over 16.";
-        else
-            board->addItem(makeConfiguredRow(*device));
+    for (ConfiguredDevice *device : devices) {
+        if (!place(*device))
+            m_unseen.append(device);
     }
     if (placedRows() >= maxDevices)
         setAddingEnabled(false);
     logDialogs() << "ProjectManager::setConfiguredDeviceList : " << devices.size();
+}
+
+bool ProjectManager::place(const ConfiguredDevice &device)
+{
+    const int number = device.dashboardNumber();
+    if (number < 0 || number >= dashboardCount)
+        return false;
+    QListWidget *board = m_boards.at(static_cast<size_t>(number));
+    if (board->count() >= maxRowsOnBoard) {
+        logDialogs() << "[ERROR] ProjectManager::setConfiguredDeviceList : dashboard item count is over 16.";
+        return false;
+    }
+    board->addItem(makeConfiguredRow(device));
+    return true;
 }
 
 void ProjectManager::setAvailDeviceList(const QList<AvailDevice *> &devices)

@@ -29,6 +29,8 @@ class ProjectManager : public QWidget
     Q_OBJECT
 
 public:
+    static constexpr int maxDevices = 64;
+
     explicit ProjectManager(QWidget *parent = nullptr);
     ~ProjectManager() override;
 
@@ -41,6 +43,9 @@ public:
     /// Lists the loggers in reach that are on no dashboard; the records are copied.
     void setAvailDeviceList(const QList<AvailDevice *> &devices);
     void setDashboardNames(const QStringList &names);
+    /// Devices of the project that is edited which found no place on their dashboard and are none of @p confirmed: they
+    /// cannot be seen here, so nobody has removed them.
+    QList<ConfiguredDevice *> unseenDevices(const QList<ConfiguredDevice *> &confirmed) const;
 
     /// Devices added by hand that are in no confirmed list: refused, removed or still waiting. The caller closes and
     /// frees them. To be called once this screen is done with, confirmed or not; a dialog that is still testing a
@@ -68,7 +73,6 @@ public slots:
 private:
     static constexpr int dashboardCount = 4;
     static constexpr int maxRowsOnBoard = 16;
-    static constexpr int maxDevices = 64;
 
     void connectForm();
     void buildIntervalMenu();
@@ -79,6 +83,7 @@ private:
     const AvailDevice *availDevice(const QString &key) const;
     /// The device a row stands for, made anew for a found logger that is not configured; null when there is none.
     ConfiguredDevice *deviceOfRow(const QListWidgetItem &row) const;
+    bool place(const ConfiguredDevice &device);
     void removeRow(QListWidgetItem *row);
     void setAddingEnabled(bool enabled);
     void showBoardFull();
@@ -92,5 +97,6 @@ private:
     QList<QAction *> m_intervals;
     QList<AvailDevice> m_availList;
     QList<ConfiguredDevice *> m_configuredList;
+    QList<ConfiguredDevice *> m_unseen;    ///< of these
     QList<ConfiguredDevice *> m_handAdded; ///< not confirmed
 };

@@ -95,6 +95,19 @@ ConfiguredDevice *ProjectManager::deviceOfRow(const QListWidgetItem &row) const
     return device;
 }
 
+QList<ConfiguredDevice *> ProjectManager::unseenDevices(const QList<ConfiguredDevice *> &confirmed) const
+{
+    QList<ConfiguredDevice *> unseen;
+    for (ConfiguredDevice *device : m_unseen) {
+        // One that was found, or added by hand, has a place now.
+        if (std::none_of(confirmed.cbegin(), confirmed.cend(), [device](const ConfiguredDevice *other) {
+                return isSameKey(device->serialNumber(), other->serialNumber());
+            }))
+            unseen.append(device);
+    }
+    return unseen;
+}
+
 QList<ConfiguredDevice *> ProjectManager::takeUnconfirmedDevices()
 {
     if (m_manualDialog)

@@ -22,7 +22,7 @@ public:
     SensingOptionTelnetDialog(ConfiguredDevice *device, QWidget *parent);
     ~SensingOptionTelnetDialog() override;
 
-    bool isExchanging() const override;
+    bool isExchanging() const final;
 
 public slots:
     void confirm() override;

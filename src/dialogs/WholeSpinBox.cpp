@@ -4,6 +4,12 @@
 
 WholeSpinBox::WholeSpinBox(QWidget *parent) : NumberBox<QSpinBox>(parent) {}
 
+void WholeSpinBox::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Period)
+        NumberBox<QSpinBox>::keyPressEvent(event);
+}
+
 QValidator::State WholeSpinBox::validate(QString &text, int & /*position*/) const
 {
     const auto number = typedWhole(text);

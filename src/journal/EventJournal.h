@@ -2,13 +2,10 @@
 
 #include "journal/JournalEvent.h"
 
-#include <QList>
 #include <QObject>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
+#include <memory>
 
-class JournalFile;
+class JournalWriter;
 
 /// Keeps what happens in a journal beside the recording, on a thread of its own. Trouble with the journal is told once
 /// and tried again, every few seconds and with every event; so many events as fit into memory wait meanwhile.
@@ -20,14 +17,15 @@ public:
     /// So many events wait at most; those that come then are counted only.
     static constexpr int longestQueue = 10000;
 
-    explicit EventJournal(QObject *parent = nullptr) : QObject(parent) {}
+    explicit EventJournal(QObject *parent = nullptr);
     ~EventJournal() override;
 
     /// Opens the journal at @p path, or begins one; how that went is told by signals. To be called once.
     void open(const QString &path);
     /// Returns at once, whatever the disk does. What comes before open() waits for it.
     void append(JournalEvent event);
-    /// Tries once more to write what waits and closes the file; returns when that is done.
+    /// Tries once more to write what waits and closes the file; returns when that is done, or when the disk has not
+    /// answered for two seconds. What it was given is then written when it does.
     void close();
 
     /// Hash of the last entry that is on the disk; empty before there is an open journal.
@@ -45,24 +43,5 @@ signals:
     void restored();
 
 private:
-    void run(const QString &path);
-    bool openFile(JournalFile &file);
-    bool write(JournalFile &file);
-    void tellFailure(const QString &reason);
-    QList<JournalEvent> takeWaiting();
-    void putBack(const QList<JournalEvent> &events);
-
-    mutable std::mutex m_mutex; // guards everything down to m_head
-    std::condition_variable m_news;
-    QList<JournalEvent> m_waiting;
-    qint64 m_dropped = 0;
-    bool m_hasNews = false;
-    bool m_isClosing = false;
-    QByteArray m_head;
-    qint64 m_entryCount = 0;
-
-    // The journal thread's own.
-    bool m_wasOpened = false;
-    bool m_hasFailed = false;
-    std::thread m_thread;
+    std::shared_ptr<JournalWriter> m_writer;
 };

@@ -95,23 +95,25 @@ JournalFile::Opening JournalFile::open()
     return opening;
 }
 
-/// With what belongs to it, so that it can still be looked at.
+/// With what belongs to it, so that it can still be looked at. False when any of it had to stay: then all has.
 bool JournalFile::setAside(QString &where)
 {
     int number = 1;
     const auto name = [this](int n) {
         return m_path + QStringLiteral(".torn-%1").arg(n);
     };
-    while (QFileInfo::exists(name(number)))
+    while (QFileInfo::exists(name(number)) || QFileInfo::exists(name(number) + QLatin1String("-wal")))
         ++number;
     if (!QFile::rename(m_path, name(number)))
         return false;
-    where = name(number);
-    for (const char *suffix : {"-wal", "-shm"}) {
-        const QString part = m_path + QLatin1String(suffix);
-        if (QFile::exists(part) && !QFile::rename(part, where + QLatin1String(suffix)))
-            return false;
+    const QString log = m_path + QLatin1String("-wal");
+    if (QFile::exists(log) && !QFile::rename(log, name(number) + QLatin1String("-wal"))) {
+        QFile::rename(name(number), m_path);
+        return false;
     }
+    // Made anew whenever it is needed.
+    QFile::remove(m_path + QLatin1String("-shm"));
+    where = name(number);
     return true;
 }
 

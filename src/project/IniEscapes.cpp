@@ -100,8 +100,12 @@ void ValueReader::readPlain()
     const int start = m_at++;
     while (!isAtEnd() && !std::strchr("\\\",", m_value.at(m_at)))
         ++m_at;
-    const QByteArray run = m_value.mid(start, m_at - start);
-    m_text += m_isUtf8 ? QString::fromUtf8(run) : QString::fromLatin1(run);
+    const char *run = m_value.constData() + start;
+    const int size = m_at - start;
+    if (m_isUtf8)
+        m_text += QString::fromUtf8(run, size);
+    else
+        m_text += QLatin1String(run, size);
 }
 
 void ValueReader::readEscape()

@@ -125,7 +125,8 @@ QStringList IniValue::toTexts() const
 
 QByteArray IniValue::toBytes() const
 {
-    return bytesBehind(bytesMark).value_or(toText().toUtf8());
+    const auto bytes = bytesBehind(bytesMark);
+    return bytes ? *bytes : toText().toUtf8();
 }
 
 qlonglong IniValue::toNumber() const

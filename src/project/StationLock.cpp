@@ -16,7 +16,7 @@ namespace {
 QString canonicalPath(const QString &path)
 {
     const QFileInfo file(path);
-    const QString canonical = file.canonicalFilePath();
+    QString canonical = file.canonicalFilePath();
     if (!canonical.isEmpty())
         return canonical;
     const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();

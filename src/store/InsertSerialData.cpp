@@ -3,7 +3,7 @@
 #include "store/FileIdentity.h"
 #include "store/InsertStatement.h"
 #include "store/Logging.h"
-#include "store/RecordingSchema.h"
+#include "store/RecordingConnection.h"
 #include "store/RecordingSpool.h"
 #include "store/RowQueue.h"
 #include "store/TornRecording.h"
@@ -21,11 +21,7 @@
 
 namespace {
 
-// A recording that cannot be opened ends the program: a backup may finish first. Once it is open, rows can wait in the
-// queue, and the wait for another program's short transaction must not be felt in the window.
-const QString patienceToOpen = QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000");
-const QString onlyForReading = QStringLiteral(";QSQLITE_OPEN_READONLY");
-const QString patienceToWrite = QStringLiteral("PRAGMA busy_timeout = 50");
+using Trouble = WritingTroubles::Kind;
 
 // Pages once written are kept until the whole cache is full: hundreds of MiB after a day of many loggers. The next
 // batch needs only a handful of them, so they are given back now and then.
@@ -53,12 +49,6 @@ QString clockText()
     return QDateTime::currentDateTime().toString(QStringLiteral("hh:MM:ss.zzz"));
 }
 
-bool isLockError(const QSqlError &error)
-{
-    const QString code = error.nativeErrorCode();
-    return code == QLatin1String("5") || code == QLatin1String("6"); // SQLITE_BUSY, SQLITE_LOCKED
-}
-
 } // namespace
 
 quint64 InsertSerialData::diskFreeSpace(const QString &folder)
@@ -76,6 +66,8 @@ InsertSerialData::InsertSerialData(const QString &databaseFile, const QString &c
       m_folder(QFileInfo(databaseFile).absolutePath()),
       m_freeSpace(std::move(freeSpace))
 {
+    connect(&m_troubles, &WritingTroubles::began, this, &InsertSerialData::writingFailed);
+    connect(&m_troubles, &WritingTroubles::ended, this, &InsertSerialData::writingRestored);
 }
 
 InsertSerialData::~InsertSerialData()
@@ -105,9 +97,7 @@ bool InsertSerialData::createConnection()
         m_readOnly = m_readOnly || refusesToWrite(connection());
         return true;
     }
-    if (!m_readOnly)
-        replaceIfTorn();
-    if (openConnection() && (m_readOnly ? isDatabase(connection()) : prepareForWriting())) {
+    if ((m_readOnly || replaceIfTorn()) && openRecording(m_connectionName, m_databaseFile, m_readOnly)) {
         qCDebug(lcStore).noquote().nospace() << "InsertSerialData::createConnection : success";
         m_open = true;
         m_openedFile = fileIdentity(m_databaseFile);
@@ -140,8 +130,9 @@ bool InsertSerialData::hasRoom()
         return true;
     queue().drop();
     if (store)
-        store->fail(Failure::Dropped, QStringLiteral("So many readings wait in memory that there is no room for "
-                                                     "more. New ones are lost until they can be written."));
+        store->m_troubles.tell(Trouble::Dropped,
+                               QStringLiteral("So many readings wait in memory that there is no room for "
+                                              "more. New ones are lost until they can be written."));
     return false;
 }
 
@@ -177,13 +168,14 @@ void InsertSerialData::insertNow()
         return;
     // The connection would go on writing into the file that was deleted or renamed, without a word.
     if (fileIdentity(m_databaseFile) != m_openedFile) {
-        fail(Failure::Gone, QStringLiteral("The recording was deleted, moved or replaced. Readings wait in memory and "
-                                           "are stored when the project is opened again."));
+        m_troubles.tell(Trouble::Gone,
+                        QStringLiteral("The recording was deleted, moved or replaced. Readings wait in memory and "
+                                       "are stored when the project is opened again."));
         return;
     }
     if (m_freeSpace(m_folder) < std::max<quint64>(minimumFreeSpace, quint64(queue().count()) * generousRowSize)) {
-        fail(Failure::DiskNearlyFull,
-             QStringLiteral("The disk is nearly full. Readings wait in memory until there is space again."));
+        m_troubles.tell(Trouble::DiskNearlyFull,
+                        QStringLiteral("The disk is nearly full. Readings wait in memory until there is space again."));
         return;
     }
     if (takeExclusiveLock())
@@ -208,36 +200,23 @@ quint32 InsertSerialData::endDateTime() const
 
 QSqlDatabase InsertSerialData::connection() const
 {
-    return QSqlDatabase::database(m_connectionName, false);
+    return recordingConnection(m_connectionName);
 }
 
-bool InsertSerialData::openConnection()
+/// False when that was given up.
+bool InsertSerialData::replaceIfTorn()
 {
-    if (QSqlDatabase::contains(m_connectionName))
-        QSqlDatabase::removeDatabase(m_connectionName);
-    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
-    database.setDatabaseName(m_databaseFile);
-    database.setConnectOptions(m_readOnly ? patienceToOpen + onlyForReading : patienceToOpen);
-    return database.open();
-}
-
-bool InsertSerialData::prepareForWriting()
-{
-    return tuneForAppending(connection()) && createTable(connection()) && QSqlQuery(connection()).exec(patienceToWrite);
-}
-
-void InsertSerialData::replaceIfTorn()
-{
-    const TornRecording torn = replaceTornRecording(m_databaseFile);
+    const TornRecording torn = replaceTornRecording(m_databaseFile, m_salvageProgress);
     m_openingReport.rowsSalvaged = torn.rows;
     m_openingReport.tornFile = torn.file;
+    return !torn.isGivenUp;
 }
 
 void InsertSerialData::startSpool()
 {
     m_spool = std::make_unique<RecordingSpool>(m_databaseFile, m_connectionName);
-    connect(m_spool.get(), &RecordingSpool::failed, this, &InsertSerialData::slotSpoolFailed);
-    connect(m_spool.get(), &RecordingSpool::restored, this, &InsertSerialData::slotSpoolRestored);
+    connect(m_spool.get(), &RecordingSpool::failed, &m_troubles, &WritingTroubles::spoolFails);
+    connect(m_spool.get(), &RecordingSpool::restored, &m_troubles, &WritingTroubles::spoolWorks);
     connect(m_spool.get(), &RecordingSpool::lost, this, &InsertSerialData::slotSpoolLost);
     const KeptRows &kept = m_spool->kept();
     m_perhapsStored = kept.perhapsStored;
@@ -259,22 +238,7 @@ void InsertSerialData::endSpool()
         return;
     qCWarning(lcStore).noquote().nospace() << "InsertSerialData::~InsertSerialData : [ERROR] " << rows.size()
                                            << " rows could not be kept in " << SpoolFile::pathOf(m_databaseFile);
-    fail(Failure::Lost, QStringLiteral("%1 readings could not be written and are lost.").arg(rows.size()));
-}
-
-void InsertSerialData::slotSpoolFailed(const QString &reason)
-{
-    m_spoolFailure =
-        QStringLiteral("Readings cannot be saved at once and wait in memory until they are recorded: %1").arg(reason);
-    fail(Failure::Unsaved, m_spoolFailure);
-}
-
-void InsertSerialData::slotSpoolRestored()
-{
-    m_spoolFailure.clear();
-    m_failures.erase(Failure::Unsaved);
-    if (m_failures.empty())
-        emit writingRestored();
+    m_troubles.tell(Trouble::Lost, QStringLiteral("%1 readings could not be written and are lost.").arg(rows.size()));
 }
 
 void InsertSerialData::slotSpoolLost()
@@ -292,14 +256,14 @@ bool InsertSerialData::takeExclusiveLock()
     const bool begun =
         query.exec(begin) || (!isLockError(query.lastError()) && connection().commit() && query.exec(begin));
     if (!begun) {
-        failWaiting(query.lastError());
+        m_troubles.tellWaiting(query.lastError());
         return false;
     }
     const QSqlError error = dropRowsAlreadyStored();
     if (error.type() == QSqlError::NoError)
         return true;
     connection().commit();
-    failWaiting(error);
+    m_troubles.tellWaiting(error);
     return false;
 }
 
@@ -309,7 +273,7 @@ QSqlError InsertSerialData::dropRowsAlreadyStored()
     // Another store on the same queue may have emptied it meanwhile.
     const auto count = std::min(m_perhapsStored, pendingCount());
     const qint64 storedUpTo = m_spool ? m_spool->storedUpTo() : 0;
-    const QSqlError error =
+    QSqlError error =
         count == 0 ? QSqlError() : removeStoredRows(connection(), queue().rows(), count, storedUpTo, m_perhapsStoredAs);
     if (error.type() == QSqlError::NoError)
         m_perhapsStored = 0;
@@ -346,16 +310,19 @@ void InsertSerialData::writeBatch()
         m_perhapsStored = int(batch.size());
         m_perhapsStoredAs = PerhapsStored::AsOneBatch;
         queue().prepend(batch);
-        failWaiting(database.lastError());
+        m_troubles.tellWaiting(database.lastError());
     } else if (!firstError.isEmpty()) {
         if (m_spool)
             m_spool->leave(lastOfBatch);
-        fail(Failure::Lost, QStringLiteral("Readings could not be written and are lost: %1").arg(firstError));
+        m_troubles.tell(Trouble::Lost,
+                        QStringLiteral("Readings could not be written and are lost: %1").arg(firstError));
     } else {
         if (m_spool)
             m_spool->committed(lastOfBatch);
         releaseWrittenPages(batch.size());
-        succeed();
+        if (const int dropped = queue().takeDropped())
+            emit readingsDropped(dropped);
+        m_troubles.writingWorks();
     }
 }
 
@@ -366,37 +333,6 @@ void InsertSerialData::releaseWrittenPages(size_t rows)
         return;
     QSqlQuery(connection()).exec(releasePages);
     m_rowsSinceRelease = 0;
-}
-
-/// Last step of every failing attempt: a receiver may call back into the store.
-void InsertSerialData::fail(Failure kind, const QString &reason)
-{
-    if (m_failures.insert(kind).second)
-        emit writingFailed(reason);
-}
-
-void InsertSerialData::failWaiting(const QSqlError &error)
-{
-    if (isLockError(error)) {
-        fail(Failure::InUse, QStringLiteral("The recording is in use by another program. "
-                                            "Readings wait in memory until it is free."));
-    } else {
-        fail(Failure::Waiting,
-             QStringLiteral("Readings could not be written and wait in memory: %1").arg(error.text()));
-    }
-}
-
-void InsertSerialData::succeed()
-{
-    if (const int dropped = queue().takeDropped())
-        emit readingsDropped(dropped);
-    if (m_failures.empty() || (m_failures.size() == 1 && m_failures.count(Failure::Unsaved) == 1))
-        return;
-    m_failures.clear();
-    if (m_spoolFailure.isEmpty())
-        emit writingRestored();
-    else
-        fail(Failure::Unsaved, m_spoolFailure);
 }
 
 quint32 InsertSerialData::rangeEnd(const char *function, const QString &query) const

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "store/PendingRow.h"
+#include "store/Salvage.h"
 #include "store/StoredRows.h"
+#include "store/WritingTroubles.h"
 
 #include <QObject>
 #include <QSqlDatabase>
@@ -9,7 +11,6 @@
 
 #include <functional>
 #include <memory>
-#include <set>
 
 class RecordingSpool;
 
@@ -48,6 +49,9 @@ public:
     /// the recording; a file that cannot be written to is opened for reading only. False when the file cannot
     /// be used; the reason is in the log only.
     bool createConnection();
+    /// Told how far a torn recording is read while createConnection() puts a new one in its place. Given up, it stays
+    /// as it is, and is not opened.
+    void setSalvageProgress(const SalvageProgress &progress) { m_salvageProgress = progress; }
     bool isOpen() const;
     /// Whether an open recording is for looking at: nothing is written into it, rows stay where they are.
     bool isReadOnly() const;
@@ -87,25 +91,16 @@ signals:
     void readingsDropped(int count);
 
 private:
-    enum class Failure { InUse, Gone, DiskNearlyFull, Waiting, Lost, Unsaved, Dropped };
-
     QSqlDatabase connection() const;
-    bool openConnection();
-    bool prepareForWriting();
-    void replaceIfTorn();
+    bool replaceIfTorn();
     void startSpool();
     void endSpool();
     static bool hasRoom();
-    void slotSpoolFailed(const QString &reason);
-    void slotSpoolRestored();
     void slotSpoolLost();
     bool takeExclusiveLock();
     QSqlError dropRowsAlreadyStored();
     void writeBatch();
     void releaseWrittenPages(size_t rows);
-    void fail(Failure kind, const QString &reason);
-    void failWaiting(const QSqlError &error);
-    void succeed();
     quint32 rangeEnd(const char *function, const QString &query) const;
 
     bool m_open = false;
@@ -115,12 +110,12 @@ private:
     QString m_connectionName;
     QString m_folder;
     FreeSpace m_freeSpace;
+    SalvageProgress m_salvageProgress;
     OpeningReport m_openingReport;
     std::unique_ptr<RecordingSpool> m_spool; ///< while rows can be written
-    QString m_spoolFailure;                  ///< told to the operator; empty while all is well
     /// So many rows at the front of the queue may be in the recording already, under row ids above the spool's.
     int m_perhapsStored = 0;
     PerhapsStored m_perhapsStoredAs = PerhapsStored::AsOneBatch;
     size_t m_rowsSinceRelease = 0;
-    std::set<Failure> m_failures;
+    WritingTroubles m_troubles;
 };

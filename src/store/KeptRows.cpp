@@ -81,13 +81,21 @@ void takeInSpool(SpoolFile &spool, const SpoolFile::Content &content, const Spoo
         kept.notInSpool.storedUpTo = kept.storedUpTo;
 }
 
+void putAway(const PendingRowFile &file, bool isDamaged, KeptRows &kept)
+{
+    if (isDamaged)
+        warnSetAside(file.path(), kept.setAside = file.setAside());
+    else
+        file.remove();
+}
+
 /// The file goes once its rows are in the spool, together with its digest: an interruption takes nothing in twice.
 void takeInSideFile(const PendingRowFile &file, const QSqlDatabase &recording, SpoolFile &spool,
                     const QByteArray &takenIn, qint64 newest, KeptRows &kept)
 {
     const PendingRowFile::Content content = file.read();
     if (content.digest == takenIn) {
-        file.remove();
+        putAway(file, content.damaged, kept);
         return;
     }
     SpoolFile::Change change;
@@ -103,10 +111,7 @@ void takeInSideFile(const PendingRowFile &file, const QSqlDatabase &recording, S
         warn(file.path(), error.type() != QSqlError::NoError ? error.text() : spool.errorText());
         return;
     }
-    if (content.damaged)
-        warnSetAside(file.path(), kept.setAside = file.setAside());
-    else
-        file.remove();
+    putAway(file, content.damaged, kept);
     kept.rows.insert(kept.rows.end(), change.rows.cbegin(), change.rows.cend());
 }
 

@@ -1,5 +1,7 @@
 #include "store/PendingRowFile.h"
 
+#include "store/SetAside.h"
+
 #include <QCryptographicHash>
 #include <QFile>
 
@@ -80,11 +82,5 @@ bool PendingRowFile::remove() const
 
 QString PendingRowFile::setAside() const
 {
-    // QFile::rename never replaces a file, so an older one set aside stays.
-    int number = 1;
-    QString target;
-    do
-        target = QStringLiteral("%1.damaged-%2").arg(m_path).arg(number++);
-    while (QFile::exists(target));
-    return QFile::rename(m_path, target) ? target : QString();
+    return ::setAside(m_path, QStringLiteral("damaged"));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/RedoLog.h"
+#include "store/SpoolFile.h"
 
 #include <QObject>
 

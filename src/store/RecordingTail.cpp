@@ -41,7 +41,7 @@ bool RecordingTail::isSound()
         if (!descend(m_layout.index, {largest, largest}, 0))
             return false;
         for (auto row = m_newest.cbegin(); row != m_newest.cend(); ++row) {
-            if (!isIndexed({row.value(), row.key()}))
+            if (!m_indexed.contains(row.key()) && !isIndexed({row.value(), row.key()}))
                 return false;
         }
     }
@@ -124,23 +124,25 @@ bool RecordingTail::checkEntry(const Key &key) const
     return row != m_newest.constEnd() && row.value() == key.time;
 }
 
-bool RecordingTail::checkIndexLeaf(const SqlitePage::Page &leaf)
+/// All that stands here is where it belongs: none of it need be looked for any more.
+bool RecordingTail::checkIndexLeaf(const SqlitePage::Page &leaf, const Bounds &bounds)
 {
     if (m_checkedLeaves.contains(leaf.number()))
         return true;
     m_checkedLeaves.insert(leaf.number());
-    Key before{std::numeric_limits<qint64>::min(), 0};
+    Key before = bounds.above;
     for (int i = 0; i < leaf.cellCount(); ++i) {
         const std::optional<Key> key = indexKey(leaf, i);
-        if (!key || !(before < *key) || !checkEntry(*key))
+        if (!key || !(before < *key) || !(*key < bounds.below) || !checkEntry(*key))
             return false;
+        m_indexed.insert(key->rowId);
         before = *key;
     }
     return true;
 }
 
 /// The page below where a key belongs, 0 when the page cannot be read; @p found when the key stands here itself.
-quint32 RecordingTail::childTowards(const SqlitePage::Page &page, const Key &key, bool &found)
+quint32 RecordingTail::childTowards(const SqlitePage::Page &page, const Key &key, Bounds &bounds, bool &found)
 {
     const bool ofTable = page.kind() == SqlitePage::Kind::TableInterior;
     int low = 0;
@@ -153,10 +155,13 @@ quint32 RecordingTail::childTowards(const SqlitePage::Page &page, const Key &key
                                                    : indexKey(page, middle);
         if (!there || (!ofTable && !checkEntry(*there)))
             return 0;
-        if (*there < key)
+        if (*there < key) {
             low = middle + 1;
-        else
+            bounds.above = *there;
+        } else {
             high = middle;
+            bounds.below = *there;
+        }
         found = found || (!ofTable && !(*there < key) && !(key < *there));
     }
     const std::optional<SqlitePage::Cell> cell = page.cell(low);
@@ -169,6 +174,7 @@ bool RecordingTail::descend(quint32 root, const Key &key, quint32 wanted)
 {
     const bool ofTable = root == m_layout.table;
     quint32 number = root;
+    Bounds bounds;
     for (int depth = 0; depth < deepestTree; ++depth) {
         if (number == wanted)
             return true;
@@ -176,7 +182,7 @@ bool RecordingTail::descend(quint32 root, const Key &key, quint32 wanted)
         if (!page)
             return false;
         if (page->isLeaf()) {
-            if (!ofTable && !checkIndexLeaf(*page))
+            if (!ofTable && !checkIndexLeaf(*page, bounds))
                 return false;
             if (wanted != std::numeric_limits<quint32>::max())
                 return wanted == 0;
@@ -196,7 +202,7 @@ bool RecordingTail::descend(quint32 root, const Key &key, quint32 wanted)
             return there && !(key < *there);
         }
         bool found = false;
-        number = childTowards(*page, key, found);
+        number = childTowards(*page, key, bounds, found);
         if (found && wanted == std::numeric_limits<quint32>::max())
             return true;
     }

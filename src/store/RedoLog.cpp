@@ -1,6 +1,7 @@
 #include "store/RedoLog.h"
 
 #include "store/Logging.h"
+#include "store/PackedChange.h"
 
 #include <QCryptographicHash>
 #include <QDataStream>
@@ -58,45 +59,6 @@ quint64 checksum(quint64 position, const QByteArray &bytes)
 }
 
 constexpr int frameSize = sizeof(quint64) + sizeof(quint32);
-
-QByteArray packed(const SpoolFile::Change &change)
-{
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream.setVersion(QDataStream::Qt_5_12);
-    stream << change.storedUpTo.has_value() << change.storedUpTo.value_or(0) << quint32(change.rows.size());
-    for (const PendingRow &row : change.rows)
-        stream << row.number << row.serial.toUtf8() << row.channel1 << row.channel2 << row.time;
-    stream << quint32(change.gone.size());
-    for (const SpoolFile::Range &range : change.gone)
-        stream << range.first << range.last;
-    return bytes;
-}
-
-bool unpack(const QByteArray &bytes, SpoolFile::Change &change)
-{
-    QDataStream stream(bytes);
-    stream.setVersion(QDataStream::Qt_5_12);
-    bool hasStoredUpTo = false;
-    qint64 storedUpTo = 0;
-    quint32 count = 0;
-    stream >> hasStoredUpTo >> storedUpTo >> count;
-    if (hasStoredUpTo)
-        change.storedUpTo = storedUpTo;
-    for (; count > 0 && stream.status() == QDataStream::Ok; --count) {
-        PendingRow row;
-        QByteArray serial;
-        stream >> row.number >> serial >> row.channel1 >> row.channel2 >> row.time;
-        row.serial = QString::fromUtf8(serial.constData(), serial.size());
-        change.rows.push_back(row);
-    }
-    for (stream >> count; count > 0 && stream.status() == QDataStream::Ok; --count) {
-        SpoolFile::Range range;
-        stream >> range.first >> range.last;
-        change.gone.push_back(range);
-    }
-    return stream.status() == QDataStream::Ok;
-}
 
 QString logName(const QByteArray &recording)
 {
@@ -159,7 +121,7 @@ bool RedoLog::openExisting(const QByteArray &recording)
     if (std::memcmp(m_memory, magic.constData(), size_t(magic.size())) != 0 || ring() >= mostRings ||
         m_file.size() < ringStart(ring()) + qint64(ringSize(ring())) || recording.left(recordingSize - 1) != path)
         return false;
-    SpoolFile::Change ignored;
+    SpoolChange ignored;
     const quint64 readable = end() - begin() <= ringSize(ring()) ? read(ignored) : begin();
     word(m_memory, endPlace).store(readable, std::memory_order_release);
     return true;
@@ -215,15 +177,15 @@ quint64 RedoLog::end() const
     return std::max(begin(), word(m_memory, endPlace).load(std::memory_order_acquire));
 }
 
-SpoolFile::Change RedoLog::content() const
+SpoolChange RedoLog::content() const
 {
-    SpoolFile::Change content;
+    SpoolChange content;
     read(content);
     return content;
 }
 
 /// Returns the end of what can be read.
-quint64 RedoLog::read(SpoolFile::Change &content) const
+quint64 RedoLog::read(SpoolChange &content) const
 {
     const quint64 end = this->end();
     quint64 position = begin();
@@ -235,8 +197,8 @@ quint64 RedoLog::read(SpoolFile::Change &content) const
         if (size > end - position - frameSize)
             break;
         const QByteArray bytes = copyOut(position + frameSize, size);
-        SpoolFile::Change change;
-        if (sum != checksum(position, bytes) || !unpack(bytes, change))
+        SpoolChange change;
+        if (sum != checksum(position, bytes) || !unpackChange(bytes, &change))
             break;
         content.rows.insert(content.rows.end(), change.rows.cbegin(), change.rows.cend());
         content.gone.insert(content.gone.end(), change.gone.cbegin(), change.gone.cend());
@@ -247,9 +209,9 @@ quint64 RedoLog::read(SpoolFile::Change &content) const
     return position;
 }
 
-bool RedoLog::append(const SpoolFile::Change &change)
+bool RedoLog::append(const SpoolChange &change)
 {
-    const QByteArray bytes = packed(change);
+    const QByteArray bytes = packedChange(change);
     if (!makeRoomFor(quint64(frameSize + bytes.size())))
         return false;
     const quint64 position = end();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/SpoolFile.h"
+#include "store/SpoolChange.h"
 
 #include <QFile>
 #include <QStringList>
@@ -24,9 +24,9 @@ public:
     QString path() const { return m_file.fileName(); }
     bool isEmpty() const { return begin() >= end(); }
     /// All changes as one; nothing changes when it is applied to what has some of them already.
-    SpoolFile::Change content() const;
+    SpoolChange content() const;
     /// Adds all of @p change or nothing, whenever the program ends. False when there is no room for it.
-    bool append(const SpoolFile::Change &change);
+    bool append(const SpoolChange &change);
     /// Where the next change will stand.
     quint64 end() const;
     /// The changes that stand before @p position are on the disk.
@@ -39,7 +39,7 @@ private:
     bool addZeros(qint64 count);
     bool map();
     bool makeRoomFor(quint64 size);
-    quint64 read(SpoolFile::Change &content) const;
+    quint64 read(SpoolChange &content) const;
 
     quint64 begin() const;
     quint64 ring() const;

@@ -14,9 +14,11 @@
 namespace {
 
 const QString connectionName = QStringLiteral("salvage");
-// Rows come nearly in their order, and the index is sorted on the disk.
+// Rows come nearly in their order, so that their index grows at its end, too.
 const QString modestCache = QStringLiteral("PRAGMA cache_size = 4096");
-constexpr quint32 pagesBetweenReports = 4096;
+constexpr quint32 pagesBetweenReports = 256;
+// Or all that was written would have to reach the disk at the very end, while nothing can be told.
+constexpr quint32 pagesBetweenCommits = 64 * pagesBetweenReports;
 constexpr int keysRemembered = 1000;
 
 QVariant channel(const std::optional<double> &value)
@@ -32,10 +34,7 @@ public:
 
     SalvageResult run(const SalvageProgress &progress)
     {
-        if (!tuneForAppending(m_target) || !exec(modestCache) || !createTable(m_target) ||
-            !exec(QStringLiteral("drop index if exists "
-                                 "ostrivane_pointDate")) ||
-            !exec(QStringLiteral("begin exclusive")))
+        if (!tuneForAppending(m_target) || !exec(modestCache) || !createTable(m_target) || !begin())
             return m_result;
         // A row that stands in two pages, because a split of them was cut off, is one row.
         if (!m_insert.prepare(QStringLiteral("insert or ignore into ostrivane "
@@ -44,14 +43,27 @@ public:
         for (quint32 number = 2; number <= m_torn.pagesPresent(); ++number) {
             if (!takePage(number))
                 return failed(m_insert);
-            if (progress && number % pagesBetweenReports == 0)
-                progress(number, m_torn.pagesPresent());
+            if (number % pagesBetweenCommits == 0 && !(commit() && begin()))
+                return m_result;
+            if (progress && number % pagesBetweenReports == 0 && !progress(number, m_torn.pagesPresent()))
+                return givenUp();
         }
-        m_result.complete = exec(timeIndexStatement()) && exec(QStringLiteral("commit"));
+        m_result.complete = commit();
         return m_result;
     }
 
 private:
+    bool begin() { return exec(QStringLiteral("begin exclusive")); }
+    bool commit() { return exec(QStringLiteral("commit")); }
+
+    SalvageResult givenUp()
+    {
+        commit();
+        m_result.error = QStringLiteral("given up");
+        m_result.isGivenUp = true;
+        return m_result;
+    }
+
     bool takePage(quint32 number)
     {
         using Kind = SqlitePage::Kind;

@@ -1,8 +1,10 @@
 #include "store/SpoolFile.h"
 
 #include "store/FileIdentity.h"
+#include "store/SetAside.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QUuid>
@@ -18,6 +20,8 @@ constexpr int applicationId = 0x53765370;
 constexpr int corruptCode = 11;
 constexpr int notADatabaseCode = 26;
 constexpr int primaryCode = 0xff;
+
+constexpr qint64 headerSize = 100;
 
 const QStringList logSuffixes{QStringLiteral("-wal"), QStringLiteral("-shm"), QStringLiteral("-journal")};
 
@@ -102,6 +106,12 @@ SpoolFile::Content SpoolFile::read()
     Content content;
     if (!QFile::exists(m_path))
         return content;
+    // SQLite would delete the log, and all rows with it.
+    if (QFileInfo(m_path).size() < headerSize && QFileInfo(m_path + QLatin1String("-wal")).size() > 0) {
+        m_error = QStringLiteral("The file has been cut off beside its log");
+        content.state = State::Damaged;
+        return content;
+    }
     // Closing a connection that may write would work the log into the file. One that died while it made the file has
     // left a journal, which only a writer can undo; no row is in it then.
     const bool isHalfMade = QFile::exists(m_path + QLatin1String("-journal"));
@@ -134,6 +144,19 @@ SpoolFile::Content SpoolFile::readOpened()
     if (!isOurs || !readRows(content))
         content.state = State::Damaged;
     return content;
+}
+
+/// Whether the file is none to write into: that alone would change it.
+bool SpoolFile::mustStay()
+{
+    if (!QFile::exists(m_path) || !connect(QStringLiteral(";QSQLITE_OPEN_READONLY")))
+        return false;
+    QSqlQuery check(connection());
+    if (!check.exec(QStringLiteral("PRAGMA quick_check(1)")) || !check.next())
+        return saysDamaged(check.lastError());
+    const bool isNew = scalar(connection(), QStringLiteral("select count(*) from sqlite_master")) == QVariant(0);
+    const bool isOurs = scalar(connection(), QStringLiteral("PRAGMA application_id")).toInt() == applicationId;
+    return check.value(0).toString() != QLatin1String("ok") || (!isNew && !isOurs);
 }
 
 /// From the front and, where something unreadable lies between, from the back. False unless all could be read.
@@ -172,6 +195,10 @@ bool SpoolFile::write(const Change &change)
 
 bool SpoolFile::openForWriting()
 {
+    if (mustStay()) {
+        m_error = QStringLiteral("%1 is damaged, or another program's, and could not be set aside").arg(m_path);
+        return false;
+    }
     // Nobody else uses the file: without memory to share, the log also works on the drive of another computer.
     const bool isOpen = connect({}) && exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE")) &&
                         exec(QStringLiteral("PRAGMA journal_mode = WAL")) &&
@@ -244,22 +271,5 @@ void SpoolFile::removeIfEmpty()
 
 QString SpoolFile::setAside(const QString &path)
 {
-    // QFile::rename never replaces a file, so an older one set aside stays.
-    int number = 1;
-    QString target;
-    const auto isTaken = [&] {
-        return QFile::exists(target) ||
-               std::any_of(logSuffixes.cbegin(), logSuffixes.cend(), [&](const QString &suffix) {
-                   return QFile::exists(path + suffix) && QFile::exists(target + suffix);
-               });
-    };
-    do
-        target = QStringLiteral("%1.damaged-%2").arg(path).arg(number++);
-    while (isTaken());
-    // The log first, which would bring its rows into any other file of that name.
-    for (const QString &suffix : logSuffixes) {
-        if (QFile::exists(path + suffix) && !QFile::rename(path + suffix, target + suffix))
-            return {};
-    }
-    return QFile::rename(path, target) ? target : QString();
+    return ::setAside(path, QStringLiteral("damaged"), logSuffixes);
 }

@@ -53,6 +53,7 @@ public:
 private:
     QSqlDatabase connection() const;
     bool connect(const QString &options);
+    bool mustStay();
     bool openForWriting();
     bool makeTables();
     bool apply(const Change &change);

@@ -4,7 +4,7 @@
 #include "store/Logging.h"
 #include "store/PageFile.h"
 #include "store/ReadLock.h"
-#include "store/Salvage.h"
+#include "store/SetAside.h"
 
 #include <QFile>
 
@@ -13,22 +13,13 @@
 
 namespace {
 
-QString freeName(const QString &path)
-{
-    int number = 1;
-    QString name;
-    do
-        name = QStringLiteral("%1.torn-%2").arg(path).arg(number++);
-    while (QFile::exists(name));
-    return name;
-}
-
 /// The rows of a torn recording in a file of their own that is ready to take its place; its name, or nothing.
-QString salvaged(PageFile &file, const QString &path, TornRecording &torn)
+QString salvaged(PageFile &file, const QString &path, const SalvageProgress &progress, TornRecording &torn)
 {
     const QString part = path + QLatin1String(".salvage");
-    const QString whole = path + QLatin1String(".salvaged");
-    const SalvageResult result = salvageRecording(file, part);
+    QString whole = path + QLatin1String(".salvaged");
+    const SalvageResult result = salvageRecording(file, part, progress);
+    torn.isGivenUp = result.isGivenUp;
     torn.rows = int(std::min<qint64>(result.rows, std::numeric_limits<int>::max()));
     if (result.complete && (!QFile::exists(whole) || QFile::remove(whole)) && QFile::rename(part, whole))
         return whole;
@@ -49,7 +40,7 @@ void finishEarlierReplacement(const QString &path)
 
 } // namespace
 
-TornRecording replaceTornRecording(const QString &path)
+TornRecording replaceTornRecording(const QString &path, const SalvageProgress &progress)
 {
     TornRecording torn;
     QString replacement;
@@ -62,12 +53,14 @@ TornRecording replaceTornRecording(const QString &path)
         const ReadLock lock(path);
         if (!lock.isHeld() || checkRecording(file) != FileVerdict::Torn)
             return torn;
-        replacement = salvaged(file, path, torn);
+        replacement = salvaged(file, path, progress, torn);
     }
-    if (replacement.isEmpty())
-        return {};
-    const QString aside = freeName(path);
-    if (!QFile::rename(path, aside)) {
+    if (replacement.isEmpty()) {
+        torn.rows = 0;
+        return torn;
+    }
+    const QString aside = setAside(path, QStringLiteral("torn"));
+    if (aside.isEmpty()) {
         QFile::remove(replacement);
         return {};
     }

@@ -11,6 +11,7 @@
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/SharpPixmap.h"
 #include "ui_ChartView.h"
+#include "views/WindowIcon.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ QString orElse(const QString &text, const QString &substitute)
 ChartView::ChartView(QWidget *parent) : QWidget(parent), m_form(std::make_unique<Ui::ChartView>())
 {
     m_form->setupUi(this);
+    ensureWindowIcon(this);
     const std::array<const char *, PictureCount> paths{
         ":/img/DeviceConnectedSymbol.png", ":/img/DeviceConnectingSymbol.png", ":/img/DeviceDisconnectedSymbol.png"};
     for (size_t i = 0; i < paths.size(); ++i)

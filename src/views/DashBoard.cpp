@@ -2,6 +2,7 @@
 
 #include "device/ConfiguredDevice.h"
 #include "ui_DashBoard.h"
+#include "views/WindowIcon.h"
 
 #include <algorithm>
 
@@ -24,6 +25,7 @@ bool isOccupied(const QWidget *cell)
 DashBoard::DashBoard(QWidget *parent) : QWidget(parent), m_form(std::make_unique<Ui::DashBoard>())
 {
     m_form->setupUi(this);
+    ensureWindowIcon(this);
 }
 
 DashBoard::~DashBoard() = default;

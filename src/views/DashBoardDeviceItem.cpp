@@ -3,18 +3,18 @@
 #include "device/ChannelUnit.h"
 #include "device/ConfiguredDevice.h"
 #include "dialogs/PlainToolTip.h"
-#include "dialogs/SharpPixmap.h"
 #include "ui_DashBoardDeviceItem.h"
+#include "views/WindowIcon.h"
 
-#include <QIcon>
 #include <QKeyEvent>
 
 DashBoardDeviceItem::DashBoardDeviceItem(ConfiguredDevice *device, Channel channel, QWidget *parent)
     : QWidget(parent), m_form(std::make_unique<Ui::DashBoardDeviceItem>()), m_device(device), m_channel(channel)
 {
     m_form->setupUi(this);
-    // The form would decode a picture of its own for every tile.
-    setWindowIcon(QIcon(sharpPixmap(QStringLiteral(":/img/I_2.png"))));
+    // Not in the form: its parts would look at the gradient in vain before they have their own styles.
+    showBackground(m_form->frame_value, m_background);
+    ensureWindowIcon(this);
     if (!m_device) {
         m_form->frame_ch->hide();
         return;

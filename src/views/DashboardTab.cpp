@@ -6,6 +6,7 @@
 #include "ui_DashboardTab.h"
 #include "views/DashBoard.h"
 
+#include <QStackedWidget>
 #include <QTabBar>
 
 namespace {
@@ -26,8 +27,10 @@ DashboardTab::DashboardTab(QWidget *parent) : QWidget(parent), m_form(std::make_
     m_form->label_title->setPixmap(sharpPixmap(QStringLiteral(":/img/DashboardText.png")));
     // Under a style sheet fonts are not inherited.
     m_form->tabWidget->tabBar()->setFont(font());
+    // Where the tabs keep their pages: a page that is put there later looks up all its styles again.
+    auto *pages = m_form->tabWidget->findChild<QStackedWidget *>();
     for (int i = 0; i < dashboardCount; ++i) {
-        m_dashboards[size_t(i)] = new DashBoard;
+        m_dashboards[size_t(i)] = new DashBoard(pages);
         connect(m_dashboards[size_t(i)], &DashBoard::dashboardClicked, this, &DashboardTab::slotDashboardClicked);
         m_form->tabWidget->addTab(m_dashboards[size_t(i)], QStringLiteral("Dashboard %1").arg(i + 1));
     }

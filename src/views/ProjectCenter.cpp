@@ -9,6 +9,7 @@
 #include "views/ContentMinimum.h"
 #include "views/DashboardTab.h"
 #include "views/ProjectList.h"
+#include "views/WindowIcon.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -41,12 +42,14 @@ ProjectCenter::ProjectCenter(const QString &projectFile, QWidget *parent)
     : QWidget(parent),
       m_form(std::make_unique<Ui::ProjectCenter>()),
       m_recordIcon(QStringLiteral(":/img/RecordButton.png")),
-      m_recordStopIcon(QStringLiteral(":/img/RecordStopButton.png")),
-      m_projectList(new ProjectList(QFileInfo(projectFile).baseName(), this)),
-      m_dashboards(new DashboardTab(this)),
-      m_chartView(new ChartView(this))
+      m_recordStopIcon(QStringLiteral(":/img/RecordStopButton.png"))
 {
     m_form->setupUi(this);
+    ensureWindowIcon(this);
+    // Each in its place from the start: moved there later, all their parts would look up their styles again.
+    m_projectList = new ProjectList(QFileInfo(projectFile).baseName(), m_form->widget_list);
+    m_dashboards = new DashboardTab(m_form->widget_board);
+    m_chartView = new ChartView(m_form->widget_board);
     m_chartView->hide();
     auto *listLayout = new QVBoxLayout(m_form->widget_list);
     listLayout->addWidget(m_projectList);

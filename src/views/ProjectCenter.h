@@ -76,9 +76,9 @@ private:
     std::unique_ptr<Ui::ProjectCenter> m_form;
     QIcon m_recordIcon;
     QIcon m_recordStopIcon;
-    ProjectList *m_projectList;
-    DashboardTab *m_dashboards;
-    ChartView *m_chartView;
+    ProjectList *m_projectList = nullptr;
+    DashboardTab *m_dashboards = nullptr;
+    ChartView *m_chartView = nullptr;
     QVBoxLayout *m_boardLayout;
     QPointer<ConfiguredDevice> m_currentDevice; ///< whose chart was opened last
     bool m_dashboardsShowing = true;

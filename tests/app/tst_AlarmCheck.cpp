@@ -17,7 +17,7 @@ constexpr double lowToneHz = 880;
 /// Tenths of a second in which the alarm's lower tone was heard.
 int tenthsHeard(SinkMonitor &ear)
 {
-    const QList<double> levels = ear.toneLevels(lowToneHz);
+    const QList<double> &levels = ear.toneLevels(lowToneHz);
     return int(std::count_if(levels.cbegin(), levels.cend(), [](double level) { return level > 0.2; }));
 }
 
@@ -40,7 +40,9 @@ private slots:
         m_fixture->logger(0).setReply("ATDC 5.00,45.10\r\n");
         m_station = std::make_unique<SorvantoMain>();
         m_station->projectLoaded(m_fixture->projectPath(QStringLiteral("Freezer")));
-        QTRY_VERIFY(m_station->configuredDevices().first()->isConnected());
+        QTRY_VERIFY_WITH_TIMEOUT(m_station->configuredDevices().first()->isConnected(), patienceMs);
+        // What the test before has played may still be on its way.
+        QTRY_VERIFY_WITH_TIMEOUT(m_ear.trailingSilenceSeconds() > 1, patienceMs);
         m_ear.forget();
     }
 
@@ -88,7 +90,7 @@ private:
     {
         m_fixture->logger(0).setReply(reply);
         m_station->writeDevice();
-        QTRY_COMPARE(m_station->configuredDevices().first()->alarmOnChannel1(), alarming);
+        QTRY_COMPARE_WITH_TIMEOUT(m_station->configuredDevices().first()->alarmOnChannel1(), alarming, patienceMs);
     }
 
     SinkMonitor m_ear;

@@ -2,10 +2,12 @@
 
 #include "device/ConfiguredDevice.h"
 #include "device/DataInterval.h"
+#include "dialogs/ProjectManager.h"
 #include "project/IniFile.h"
 #include "support/ScriptedLogger.h"
 
 #include <QDir>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QScopeGuard>
 #include <QSettings>
@@ -137,6 +139,53 @@ private slots:
         }
         QCOMPARE(ProjectFile(path).readDevices()->size(), 1);
         QCOMPARE(ProjectFile(path).refusedDevices().size(), 1);
+    }
+
+    void devicesTooManyAreToldAndStayInTheFile()
+    {
+        QList<DeviceEntry> devices;
+        for (int i = 0; i < 70; ++i) {
+            DeviceEntry entry;
+            entry.name = QStringLiteral("Room %1").arg(i);
+            entry.serialNumber = QStringLiteral("0200AB%1").arg(i, 6, 10, QLatin1Char('0'));
+            entry.address = QStringLiteral("127.0.0.1");
+            entry.port = 9;
+            entry.dashboardNumber = i % 6; // two of which there are not
+            devices << entry;
+        }
+        const auto keysInFile = [this] {
+            QStringList keys;
+            const auto entries = ProjectFile(m_fixture->projectPath(QStringLiteral("Kitchen"))).readDevices();
+            for (const DeviceEntry &entry : entries.value_or(QList<DeviceEntry>()))
+                keys << entry.serialNumber;
+            keys.sort();
+            return keys;
+        };
+        m_fixture->writeProject(QStringLiteral("Kitchen"), devices, 600000);
+        const QStringList before = keysInFile();
+        SorvantoMain station;
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        QCOMPARE(shownMessages().size(), 1);
+        QVERIFY(shownMessages().first().startsWith(QStringLiteral("The project lists 70 devices, and 64 can be")));
+        QCOMPARE(station.configuredDevices().size(), 70);
+        station.slotUpdateProjectFile();
+        QCOMPARE(keysInFile(), before);
+        station.slotAddDeviceProject();
+        manager(station).slotProjectListConfirm();
+        QCOMPARE(station.configuredDevices().size(), 70);
+        QCOMPARE(keysInFile(), before);
+        station.slotAddDeviceProject();
+        station.slotCloseProject();
+        QCOMPARE(keysInFile(), before);
+        // What is removed by hand goes, and nothing else.
+        station.projectLoaded(m_fixture->projectPath(QStringLiteral("Kitchen")));
+        station.slotAddDeviceProject();
+        child<QListWidget>(manager(station), "configured_list_1")->setCurrentRow(0);
+        manager(station).slotProjectRemoveDevice();
+        manager(station).slotProjectListConfirm();
+        QStringList after = before;
+        QVERIFY(after.removeOne(QStringLiteral("0200AB000000")));
+        QCOMPARE(keysInFile(), after);
     }
 
     void aRefusedFileLeavesTheOpenProjectAlone()
@@ -420,6 +469,13 @@ private slots:
     }
 
 private:
+    static ProjectManager &manager(SorvantoMain &station)
+    {
+        // Those that were there before are still to be deleted.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return *station.findChild<ProjectManager *>();
+    }
+
     static QStringList recentList()
     {
         return QSettings(QStringLiteral("SorvantoLite"), QStringLiteral("Sorvanto Lite"))

@@ -38,6 +38,18 @@ private slots:
         QVERIFY(m_op->station->isProjectOpen());
     }
 
+    void whatAnotherStationWritesIsNotRead()
+    {
+        m_op->fixture.writeProject(m_op->name, {});
+        QFile file(m_op->projectPath());
+        QVERIFY(file.resize(0));
+        ProjectLock other(m_op->projectPath());
+        QVERIFY(other.acquire());
+        SorvantoMain station;
+        station.projectLoaded(m_op->projectPath());
+        QCOMPARE(shownMessages(), QStringList{refusal});
+    }
+
     void anAutomaticStartIsRefusedToo()
     {
         QVERIFY(m_op->openProject(1));

@@ -62,9 +62,12 @@ private:
     bool m_shown = false;
 };
 
-void terminateOnLoading(QtMsgType, const QMessageLogContext &, const QString &text)
+/// Ends the program with the line of the log that begins so.
+const char *fatalLine = "";
+
+void terminateOnFatalLine(QtMsgType, const QMessageLogContext &, const QString &text)
 {
-    if (text.startsWith(QLatin1String("SorvantoMain::createInsertSerialData")))
+    if (text.startsWith(QLatin1String(fatalLine)))
         ::raise(SIGTERM);
 }
 
@@ -250,11 +253,38 @@ private slots:
         recordedProject();
         const WindowWatch watch;
         const LogCapture everyLine;
-        const QtMessageHandler before = qInstallMessageHandler(terminateOnLoading);
+        fatalLine = "SorvantoMain::createInsertSerialData";
+        const QtMessageHandler before = qInstallMessageHandler(terminateOnFatalLine);
         const int code = runAndUse([](SorvantoMain &station) { station.endProgram(); });
         qInstallMessageHandler(before);
         QCOMPARE(code, 0);
         QVERIFY(!watch.wasShown());
+    }
+
+    void aSignalBeforeTheProjectOpensNone()
+    {
+        recordedProject();
+        const WindowWatch watch;
+        const LogCapture everyLine;
+        // The last thing before the project: the sound has just been set up.
+        fatalLine = "m_audioFile size";
+        const QtMessageHandler before = qInstallMessageHandler(terminateOnFatalLine);
+        const int code = runAndUse([](SorvantoMain &station) { station.endProgram(); });
+        qInstallMessageHandler(before);
+        QCOMPARE(code, 0);
+        QVERIFY(!watch.wasShown());
+        QVERIFY(!QFile::exists(m_fixture->recordingPath(m_name)));
+    }
+
+    void aSignalDuringTheSplashShowsNoWindow()
+    {
+        recordedProject();
+        const WindowWatch watch;
+        const int code =
+            runAndUse([](SorvantoMain &station) { station.endProgram(); }, {}, [](unsigned long) { ::raise(SIGTERM); });
+        QCOMPARE(code, 0);
+        QVERIFY(!watch.wasShown());
+        QVERIFY(QFile::exists(m_fixture->recordingPath(m_name)));
     }
 
     void aTerminationSignalWhileTheProgramEndsIsIgnored()

@@ -10,12 +10,29 @@
 #include <QDir>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTimer>
+#include <atomic>
+#include <ctime>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
 const QString name = QStringLiteral("Kitchen");
 
+// Seconds that the computer has slept through.
+std::atomic_int sleptSeconds{0};
+
 } // namespace
+
+/// Takes the place of the system's, for every library of this program.
+extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
+{
+    const long result = syscall(SYS_clock_gettime, clock, time);
+    if (clock == CLOCK_BOOTTIME)
+        time->tv_sec += sleptSeconds;
+    return int(result);
+}
 
 /// Every doing of a station leaves its entry in the journal beside the recording.
 class tst_StationJournal : public QObject
@@ -45,8 +62,8 @@ private slots:
         m_station->slotStartRecord();
         m_station->slotStopRecord();
         m_station->slotCloseProject();
-        QCOMPARE(kinds(), QStringList({"program-started", "project-opened", "logger-connected", "recording-started",
-                                       "recording-stopped", "logger-lost", "project-closed"}));
+        QTRY_COMPARE(kinds(), QStringList({"program-started", "project-opened", "logger-connected", "recording-started",
+                                           "recording-stopped", "logger-lost", "project-closed"}));
         QVERIFY(readJournal(journal()).isWhole());
         QCOMPARE(entries()[1].text(JournalEntry::Text), m_fixture->projectPath(name));
         QCOMPARE(entries()[0].text(JournalEntry::New), QStringLiteral("V3.54"));
@@ -72,8 +89,8 @@ private slots:
             m_station->close();
         }
         m_station.reset();
-        QCOMPARE(kinds().mid(kinds().indexOf(QStringLiteral("recording-stopped"))),
-                 QStringList({"recording-stopped", "logger-lost", "project-closed", "program-ended"}));
+        QTRY_COMPARE(kinds().mid(kinds().indexOf(QStringLiteral("recording-stopped"))),
+                     QStringList({"recording-stopped", "logger-lost", "project-closed", "program-ended"}));
         openStation();
         QCOMPARE(shownMessages(), QStringList());
     }
@@ -83,14 +100,14 @@ private slots:
     {
         openStation();
         m_station.reset();
+        QTRY_VERIFY(kinds().endsWith(QStringLiteral("program-ended")));
         cutLast(2);
+        const QString last = entries().last().time().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
         openStation();
+        QTRY_COMPARE(kinds().count(QStringLiteral("program-started")), 2);
         const QString sentence =
             QStringLiteral("The station was not closed properly the last time; the last entry of its "
                            "journal is of %1.");
-        const QString last =
-            entries()[kinds().lastIndexOf(QStringLiteral("program-started")) - 1].time().toLocalTime().toString(
-                QStringLiteral("yyyy-MM-dd HH:mm:ss"));
         QTRY_COMPARE(shownMessages(), QStringList{sentence.arg(last)});
     }
 
@@ -102,7 +119,7 @@ private slots:
         m_fixture->logger(0).setReply("ATDC 5.00,45.10\r\n");
         pollUntil([this] { return device()->isConnected(); });
         QTRY_VERIFY2(kinds().size() >= 5, qPrintable(kinds().join(' ')));
-        QCOMPARE(kinds().mid(2), QStringList({"logger-connected", "logger-lost", "logger-connected"}));
+        QTRY_COMPARE(kinds().mid(2), QStringList({"logger-connected", "logger-lost", "logger-connected"}));
         QCOMPARE(entries()[3].text(JournalEntry::Text), QStringLiteral("It gave no answers."));
         QCOMPARE(entries()[3].text(JournalEntry::Key), device()->serialNumber());
     }
@@ -116,7 +133,7 @@ private slots:
         device()->checkAlarmAll();
         m_station->slotUpdateProjectFile();
         QTRY_VERIFY2(kinds().size() >= 6, qPrintable(kinds().join(' ')));
-        QCOMPARE(kinds().mid(3), QStringList({"alarm-began", "alarm-ended", "limits-changed"}));
+        QTRY_COMPARE(kinds().mid(3), QStringList({"alarm-began", "alarm-ended", "limits-changed"}));
         const JournalEntry begun = entries()[3];
         QCOMPARE(begun.text(JournalEntry::Channel), QStringLiteral("1"));
         QCOMPARE(begun.text(JournalEntry::Value), QStringLiteral("9.25"));
@@ -149,8 +166,9 @@ private slots:
     {
         openStation();
         emit m_station->findChild<InsertSerialData *>()->readingsDropped(7);
-        QTRY_COMPARE(kinds().last(), QStringLiteral("rows-dropped"));
-        QCOMPARE(entries().last().text(JournalEntry::Value), QStringLiteral("7"));
+        QTRY_VERIFY(kinds().contains(QStringLiteral("rows-dropped")));
+        QCOMPARE(entries()[kinds().indexOf(QStringLiteral("rows-dropped"))].text(JournalEntry::Value),
+                 QStringLiteral("7"));
     }
 
     void clockThatWasSet()
@@ -161,7 +179,7 @@ private slots:
         m_station->slotStdTimer();
         m_station->slotStdTimer();
         QTRY_VERIFY(kinds().contains(QStringLiteral("clock-jumped")));
-        QCOMPARE(kinds().count(QStringLiteral("clock-jumped")), 1);
+        QTRY_COMPARE(kinds().count(QStringLiteral("clock-jumped")), 1);
         const JournalEntry jump = entries()[kinds().indexOf(QStringLiteral("clock-jumped"))];
         QCOMPARE(qRound(jump.fields[JournalEntry::Value].toDouble()), 3600);
         const QDateTime old = QDateTime::fromString(jump.text(JournalEntry::Old), Qt::ISODateWithMs);
@@ -169,6 +187,36 @@ private slots:
     }
 
     /// Whoever keeps the log can tell later that this journal is the one that was.
+    /// The clock has gone on meanwhile, as it should.
+    void sleepOfTheComputerIsNoJump()
+    {
+        openStation();
+        m_station->slotStdTimer();
+        m_shift = 3600;
+        sleptSeconds += 3600;
+        m_station->slotStdTimer();
+        m_station->slotStopRecord();
+        m_station->slotCloseProject();
+        QTRY_VERIFY(kinds().endsWith(QStringLiteral("project-closed")));
+        QVERIFY2(!kinds().contains(QStringLiteral("clock-jumped")), qPrintable(kinds().join(' ')));
+    }
+
+    void recordingThatCannotBeOpened()
+    {
+        QVERIFY(QDir().mkpath(m_fixture->recordingPath(name)));
+        QTimer box;
+        connect(&box, &QTimer::timeout, this, [] {
+            if (QWidget *open = QApplication::activeModalWidget())
+                open->close();
+        });
+        box.start(10);
+        m_station = std::make_unique<SorvantoMain>();
+        m_station->projectLoaded(m_fixture->projectPath(name));
+        m_station.reset();
+        QTRY_COMPARE(kinds(), QStringList({"program-started", "project-opened", "writing-failed", "project-closed",
+                                           "program-ended"}));
+    }
+
     void headIsHandedOut()
     {
         const LogCapture log;
@@ -213,7 +261,7 @@ private slots:
         QCOMPARE(m_fixture->readingCount(name), 1);
         QVERIFY(QDir(journal()).removeRecursively());
         m_station->slotCloseProject();
-        QVERIFY(kinds().contains(QStringLiteral("recording-started")));
+        QTRY_VERIFY(kinds().contains(QStringLiteral("recording-started")));
     }
 
 private:

@@ -14,6 +14,7 @@ class tst_AlarmExchange : public QObject
 private slots:
     void sendsEachCommandAfterTheLastOk();
     void writesLimitsWithTwoDecimals();
+    void aRuleIsOneLine();
     void endsWithTheConnectionAsThePolicyWants_data();
     void endsWithTheConnectionAsThePolicyWants();
     void usesAConnectionThatStands();
@@ -98,6 +99,17 @@ void tst_AlarmExchange::writesLimitsWithTwoDecimals()
     QVERIFY(run.success.wait());
     QCOMPARE(run.logger.commands(), QList<QByteArray>({"ATBMIN1 -5.00", "ATBMAX1 30.46", "ATBMIN2 0.10",
                                                        "ATBMAX2 123456.00", "ATBAL ON 3", "ATBSET"}));
+}
+
+/// Whatever a project from elsewhere holds.
+void tst_AlarmExchange::aRuleIsOneLine()
+{
+    Exchange run;
+    run.device.setPendingBuzzerAlarm("ON\r\nATBMAX1 99.00\n");
+    run.device.startSyncTelnet();
+    QVERIFY(run.success.wait());
+    QCOMPARE(run.logger.commands().value(4), QByteArray("ATBAL ONATBMAX1 99.00"));
+    QCOMPARE(run.logger.commands().size(), 6);
 }
 
 void tst_AlarmExchange::endsWithTheConnectionAsThePolicyWants_data()

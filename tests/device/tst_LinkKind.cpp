@@ -1,5 +1,6 @@
 #include "device/AbstractDevice.h"
 #include "device/LinkKind.h"
+#include "device/TelnetDevice.h"
 
 #include <QTest>
 
@@ -12,6 +13,7 @@ private slots:
     void words_data();
     void words();
     void linksAreOfTheirKind();
+    void networkWaysAreThoseOfNetworkLinks();
     void whatIsNoKindIsNotPolled();
 };
 
@@ -39,6 +41,17 @@ void tst_LinkKind::linksAreOfTheirKind()
     for (const InterfaceKind number : {UsbInterface, NetworkInterface})
         QCOMPARE(linkKind(number).makeLink(nullptr)->deviceType(), int(number));
     QCOMPARE(linkKind(NoInterface).makeLink(nullptr)->deviceType(), int(NetworkInterface));
+}
+
+void tst_LinkKind::networkWaysAreThoseOfNetworkLinks()
+{
+    for (const InterfaceKind number : {NoInterface, UsbInterface, NetworkInterface}) {
+        const LinkKind &kind = linkKind(number);
+        const std::unique_ptr<AbstractDevice> link = kind.makeLink(nullptr);
+        const bool isNetworkLogger = kind.isPolled && dynamic_cast<TelnetDevice *>(link.get());
+        QCOMPARE(kind.hasTcpPort, isNetworkLogger);
+        QCOMPARE(kind.takesAlarmSettings, isNetworkLogger);
+    }
 }
 
 void tst_LinkKind::whatIsNoKindIsNotPolled()

@@ -186,9 +186,12 @@ void tst_ManualConfigDeviceDialog::fullStopInThePortDoesNothing()
 {
     auto *port = child<QSpinBox>("spinBox_port");
     port->setFocus();
-    QTest::keyClick(port, Qt::Key_Period);
+    QTest::keyClicks(port, QStringLiteral("."));
     QCOMPARE(QApplication::focusWidget(), port);
+    QCOMPARE(port->text(), QStringLiteral("23"));
     QCOMPARE(port->value(), 23);
+    QTest::keyClicks(port, QStringLiteral("7."));
+    QCOMPARE(port->text(), QStringLiteral("723"));
 }
 
 void tst_ManualConfigDeviceDialog::missingInputIsAskedFor_data()

@@ -170,30 +170,23 @@ QColor Operator::colour(const QString &name)
     return QGuiApplication::primaryScreen()->grabWindow(0, at.x(), at.y(), 1, 1).toImage().pixelColor(0, 0);
 }
 
-QStringList Operator::messages()
+bool Operator::tryClick(QWidget *widget, const QPoint &at, bool isDouble, Qt::KeyboardModifiers modifiers)
 {
-    QStringList texts;
-    const QWidgetList windows = shownWindows();
-    for (const QWidget *window : windows) {
-        if (window->objectName() == QLatin1String("MessageDialog"))
-            texts << window->findChild<QTextEdit *>(QStringLiteral("textBrowser"))->toPlainText();
-    }
-    return texts;
-}
-
-/// The widget, if a click at that place of it would arrive there.
-QWidget *Operator::reachable(const QString &name, const QPoint &at)
-{
-    QWidget *widget = find(name);
-    if (!widget || !widget->isEnabled() || !widget->window()->windowHandle() ||
-        !widget->window()->windowHandle()->isExposed())
-        return nullptr;
+    QWidget *shown = widget->window();
+    QWindow *window = shown->windowHandle();
+    if (!widget->isEnabled() || !window || !window->isExposed())
+        return false;
     const QWidget *modal = QApplication::activeModalWidget();
-    if (modal && !QApplication::activePopupWidget() && modal != widget->window())
-        return nullptr;
-    const QWidget *hit = widget->window()->childAt(widget->mapTo(widget->window(), at));
-    const bool isHit = hit ? hit == widget || widget->isAncestorOf(hit) : widget->isWindow();
-    return isHit ? widget : nullptr;
+    if (modal && !QApplication::activePopupWidget() && modal != shown)
+        return false;
+    const QPoint inWindow = widget->mapTo(shown, at);
+    const QWidget *hit = shown->childAt(inWindow);
+    if (hit ? hit != widget && !widget->isAncestorOf(hit) : !widget->isWindow())
+        return false;
+    QTest::mouseClick(window, Qt::LeftButton, modifiers, inWindow);
+    if (isDouble)
+        QTest::mouseDClick(window, Qt::LeftButton, modifiers, inWindow);
+    return true;
 }
 
 bool Operator::clickAt(const QString &name, const std::function<QPoint(QWidget *)> &place, bool isDouble,
@@ -202,14 +195,7 @@ bool Operator::clickAt(const QString &name, const std::function<QPoint(QWidget *
     return waitFor("click", name, [&] {
         QWidget *widget = find(name);
         const QPoint at = widget ? place(widget) : QPoint();
-        if (at.isNull() || !reachable(name, at))
-            return false;
-        QWindow *window = widget->window()->windowHandle();
-        const QPoint inWindow = widget->mapTo(widget->window(), at);
-        QTest::mouseClick(window, Qt::LeftButton, modifiers, inWindow);
-        if (isDouble)
-            QTest::mouseDClick(window, Qt::LeftButton, modifiers, inWindow);
-        return true;
+        return !at.isNull() && tryClick(widget, at, isDouble, modifiers);
     });
 }
 
@@ -338,9 +324,4 @@ bool Operator::closeWindow(const QString &name)
         widget->window()->windowHandle()->close();
         return true;
     });
-}
-
-bool Operator::closeMessage()
-{
-    return click(QStringLiteral("MessageDialog/pushButton_close"));
 }

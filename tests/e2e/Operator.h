@@ -24,6 +24,9 @@ constexpr int patienceMs = 30000;
 class Operator
 {
 public:
+    /// Messages are seen that come from now on.
+    static void awaitMessages();
+
     // Eyes
     /// Null when it is not on the screen.
     static QWidget *find(const QString &name);
@@ -38,8 +41,9 @@ public:
     static QColor colour(const QString &name);
     /// As it is on the screen.
     static QImage image(const QString &name);
-    /// Texts of the messages that are open.
-    static QStringList messages();
+    /// The oldest message that has come and was not closed by closeMessage(); null when there is none. Messages go by
+    /// themselves after a while: an operator who is slower than that has read them all the same.
+    static QString message();
 
     // Hands
     static bool click(const QString &name);
@@ -62,7 +66,7 @@ public:
     /// With the real pointer, which stays there.
     static bool pointAt(const QString &name, const QPoint &offset);
     static void putPointerAway();
-    /// Closes a message by its button.
+    /// Closes that message by its button, unless it has gone by itself.
     static bool closeMessage();
 
     /// Keeps a picture of the whole screen.
@@ -71,7 +75,9 @@ public:
     static void photograph(const QString &name, const QString &window);
 
 private:
-    static QWidget *reachable(const QString &name, const QPoint &at);
+    /// False if a click at that place of it would not arrive there.
+    static bool tryClick(QWidget *widget, const QPoint &at, bool isDouble = false,
+                         Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     static bool clickAt(const QString &name, const std::function<QPoint(QWidget *)> &place, bool isDouble = false,
                         Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     static bool clickRow(const QString &list, const QString &start, bool isDouble, Qt::KeyboardModifiers modifiers);

@@ -59,6 +59,7 @@ OperatorDesk::~OperatorDesk() = default;
 
 int OperatorDesk::runStation(const std::function<void()> &use)
 {
+    Operator::awaitMessages();
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
         // The splash waits for the window with a look at the events of its own.
@@ -77,7 +78,7 @@ int OperatorDesk::runStation(const std::function<void()> &use)
 
 bool OperatorDesk::hearsAlarm()
 {
-    const QList<double> levels = m_ear.toneLevels(alarmToneHz);
+    const QList<double> &levels = m_ear.toneLevels(alarmToneHz);
     return std::any_of(levels.cbegin(), levels.cend(), [](double level) { return level > audibleLevel; });
 }
 

@@ -64,7 +64,7 @@ void tst_OperatorDeviceSet::beginWithTheFound()
     SEES_EQUAL(Operator::rows("availlable_list").size(), 5);
     QCOMPARE(m_desk->loggers().control("fault 3 none"), QByteArray("ok"));
     QVERIFY(Operator::click("btn_confirm"));
-    SEES_EQUAL(Operator::messages(), QStringList{noDevices});
+    SEES_EQUAL(Operator::message(), noDevices);
     Operator::photograph("message");
     QVERIFY(Operator::closeMessage());
     QVERIFY(placeOnDashboard(0, {LoggerProcess::key(1)}));
@@ -96,7 +96,7 @@ void tst_OperatorDeviceSet::addByHand()
     Operator::photograph("manual-device", "ManualConfigDeviceDialog");
     QVERIFY(Operator::click("pushButton_confirm"));
     // Nobody is there; the station says so and keeps what was typed.
-    SEES_EQUAL(Operator::messages(), QStringList{"Device Open Error. Please retry."});
+    SEES_EQUAL(Operator::message(), QString("Device Open Error. Please retry."));
     Operator::photograph("message-open-error");
     QVERIFY(Operator::closeMessage());
     QCOMPARE(Operator::text("lineEdit_devicename"), QStringLiteral("Herb garden"));

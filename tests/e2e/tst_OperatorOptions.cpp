@@ -117,9 +117,9 @@ void tst_OperatorOptions::typeLimitsAsPeopleDo()
     QVERIFY(openOptions(network));
     QVERIFY(Operator::type("doubleSpinBox_max_ch1", "1.234,56"));
     QVERIFY(Operator::click("pushButton_confirm"));
-    SEES_EQUAL(Operator::messages(),
-               QStringList{"The alarm maximum of channel 1 is not valid.\nEnter a number from -10000000 to 10000000 "
-                           "with at most two decimals, such as 21.75."});
+    SEES_EQUAL(Operator::message(),
+               QString("The alarm maximum of channel 1 is not valid.\nEnter a number from -10000000 to 10000000 "
+                       "with at most two decimals, such as 21.75."));
     Operator::photograph("message-no-number");
     QVERIFY(Operator::closeMessage());
     QCOMPARE(m_desk->loggers().control("commands 1"), QByteArray());
@@ -163,12 +163,12 @@ void tst_OperatorOptions::beRefused()
     QCOMPARE(limits(), limitTexts({-2.5, 8, 30, 90}));
     QVERIFY(Operator::typeNumber("doubleSpinBox_max_ch1", 9));
     QVERIFY(Operator::click("pushButton_confirm"));
-    SEES_EQUAL(Operator::messages(), QStringList{"Device Setup Failed.\nPlease retry."});
+    SEES_EQUAL(Operator::message(), QString("Device Setup Failed.\nPlease retry."));
     QCOMPARE(Operator::text("groupBox_message"), QStringLiteral("ERROR"));
     Operator::photograph("message-refused");
     QVERIFY(Operator::closeMessage());
     // The time limit of the try is not called off.
-    SEES_EQUAL(Operator::messages(), QStringList{"This command has exceeded the time limit.\nPlease retry."});
+    SEES_EQUAL(Operator::message(), QString("This command has exceeded the time limit.\nPlease retry."));
     QVERIFY(Operator::closeMessage());
     QCOMPARE(commands().mid(m_commands.size()),
              QByteArrayList({"ATBMIN1 -2.50", "ATBMAX1 9.00", "ATBMIN2 30.00", "ATBMAX2 90.00"}));
@@ -183,7 +183,7 @@ void tst_OperatorOptions::getNoAnswer()
     SEES_EQUAL(Operator::text("pushButton_confirm"), QStringLiteral("Progressing..."));
     QVERIFY(!Operator::isEnabled("lineEdit_devicename"));
     Operator::photograph("options-progressing");
-    SEES_EQUAL(Operator::messages(), QStringList{"This command has exceeded the time limit.\nPlease retry."});
+    SEES_EQUAL(Operator::message(), QString("This command has exceeded the time limit.\nPlease retry."));
     Operator::photograph("message-time-limit");
     QVERIFY(Operator::closeMessage());
     QCOMPARE(m_desk->loggers().control("fault 1 none"), QByteArray("ok"));

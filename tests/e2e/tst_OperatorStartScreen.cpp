@@ -93,8 +93,8 @@ void tst_OperatorStartScreen::chooseTooLongAName()
     QVERIFY(Operator::click("btn_create"));
     QVERIFY(Operator::type("QFileDialog/fileNameEdit", "Seventeen letters"));
     QVERIFY(Operator::press(Qt::Key_Return));
-    SEES_EQUAL(Operator::messages(), QStringList{"\"Seventeen letters.tpc\" is too long.\nPlease retry.\n"
-                                                 "Max Length is 20 charactors."});
+    SEES_EQUAL(Operator::message(), QString("\"Seventeen letters.tpc\" is too long.\nPlease retry.\n"
+                                            "Max Length is 20 charactors."));
     Operator::photograph("message-too-long");
     QVERIFY(Operator::closeMessage());
     QVERIFY(!QFile::exists(OperatorDesk::path("Seventeen letters.tpc")));
@@ -109,7 +109,7 @@ void tst_OperatorStartScreen::openNoProject()
     QVERIFY(Operator::click("btn_open"));
     QVERIFY(Operator::type("QFileDialog/fileNameEdit", "letter.tpc"));
     QVERIFY(Operator::press(Qt::Key_Return));
-    SEES_EQUAL(Operator::messages(), QStringList{"There is no device information!"});
+    SEES_EQUAL(Operator::message(), QString("There is no device information!"));
     QVERIFY(Operator::closeMessage());
     QVERIFY(Operator::sees("ProjectMain"));
 }

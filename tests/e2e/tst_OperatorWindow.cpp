@@ -99,10 +99,10 @@ void tst_OperatorWindow::lookAtTheMenus()
 void tst_OperatorWindow::missSiblings()
 {
     QVERIFY(Operator::choose("command_record", {"Lookback"}));
-    SEES_EQUAL(Operator::messages(), QStringList{"Please check the Lookback execution file."});
+    SEES_EQUAL(Operator::message(), QString("Please check the Lookback execution file."));
     QVERIFY(Operator::closeMessage());
     QVERIFY(Operator::choose("command_record", {"Report", "Daily Report"}));
-    SEES_EQUAL(Operator::messages(), QStringList{"Please check the Sheetsmith execution file."});
+    SEES_EQUAL(Operator::message(), QString("Please check the Sheetsmith execution file."));
     QVERIFY(Operator::closeMessage());
 }
 
@@ -116,7 +116,7 @@ void tst_OperatorWindow::startSiblings()
     QVERIFY(arguments("Sheetsmith").isNull());
     QVERIFY(Operator::choose("command_record", {"Report", "Daily Report"}));
     SEES_EQUAL(arguments("Sheetsmith"), project);
-    QCOMPARE(Operator::messages(), QStringList());
+    QCOMPARE(Operator::message(), QString());
 }
 
 /// A program that writes down its arguments, joined with a blank as the siblings do.

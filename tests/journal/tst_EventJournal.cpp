@@ -8,8 +8,13 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
+#include <mutex>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -31,7 +36,60 @@ int beVictim(const QString &path)
     }
 }
 
+/// While it lives, nothing reaches the disk; it gives in after a minute, so that whoever waits for it comes to an end.
+class ShutDisk
+{
+public:
+    ShutDisk()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isShut = true;
+        isAskedFor = gaveIn = false;
+    }
+    ~ShutDisk()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isShut = false;
+        opened.notify_all();
+    }
+    ShutDisk(const ShutDisk &) = delete;
+    ShutDisk &operator=(const ShutDisk &) = delete;
+
+    static bool isAsked()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return isAskedFor;
+    }
+    static bool hasGivenIn()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return gaveIn;
+    }
+    static void pass()
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        if (!isShut)
+            return;
+        isAskedFor = true;
+        gaveIn = !opened.wait_for(lock, std::chrono::minutes(1), [] { return !isShut; });
+    }
+
+private:
+    static inline std::mutex mutex;
+    static inline std::condition_variable opened;
+    static inline bool isShut = false;
+    static inline bool isAskedFor = false;
+    static inline bool gaveIn = false;
+};
+
 } // namespace
+
+/// Takes the place of the system's, for every library of this program.
+extern "C" int fdatasync(int file)
+{
+    ShutDisk::pass();
+    return int(syscall(SYS_fdatasync, file));
+}
 
 /// The journal on its own thread: nothing is lost that was on the disk, and no trouble with it stops anybody.
 class tst_EventJournal : public QObject
@@ -48,6 +106,7 @@ private slots:
         journal.open(bench.path());
         for (const JournalEvent &one : everyKind())
             journal.append(one);
+        QTRY_COMPARE(journal.entryCount(), qint64(2 * everyKind().size()));
         journal.close();
         const QList<JournalEntry> entries = bench.entries();
         QCOMPARE(entries.size(), 2 * everyKind().size());
@@ -64,6 +123,7 @@ private slots:
         EventJournal journal;
         journal.open(bench.path());
         journal.append(eventOf(JournalKind::ProjectOpened));
+        QTRY_COMPARE(journal.entryCount(), qint64(1));
         journal.close();
         const JournalEntry entry = bench.entries().first();
         const qint64 time = entry.time().toMSecsSinceEpoch();
@@ -104,6 +164,7 @@ private slots:
         journal.append(eventOf(JournalKind::RecordingStopped));
         QTRY_COMPARE(restored.count(), 1);
         QCOMPARE(failed.count(), 1);
+        QTRY_COMPARE(journal.entryCount(), qint64(3));
         journal.close();
         int entries = 0;
         QVERIFY(readJournal(path, [&entries](const JournalEntry &) { ++entries; }).isWhole());
@@ -140,6 +201,7 @@ private slots:
         for (int i = 0; i < EventJournal::longestQueue + 7; ++i)
             journal.append(eventOf(JournalKind::NameChanged));
         journal.open(bench.path());
+        QTRY_COMPARE(journal.entryCount(), qint64(EventJournal::longestQueue + 1));
         journal.close();
         const QList<JournalEntry> entries = bench.entries();
         QCOMPARE(entries.size(), EventJournal::longestQueue + 1);
@@ -155,6 +217,29 @@ private slots:
         journal.append(eventOf(JournalKind::ProjectOpened));
         journal.close();
         QCOMPARE(journal.entryCount(), qint64(0));
+    }
+
+    void aDiskThatDoesNotAnswerHoldsNobodyUp()
+    {
+        const JournalBench bench;
+        EventJournal later;
+        {
+            EventJournal journal;
+            journal.open(bench.path());
+            QTRY_COMPARE(bench.kinds(), QStringList());
+            const ShutDisk disk;
+            journal.append(eventOf(JournalKind::ProjectClosed));
+            QTRY_VERIFY(ShutDisk::isAsked());
+            journal.close();
+            QVERIFY(!ShutDisk::hasGivenIn());
+            // Opened again before the disk answers, the file has one writer at a time all the same.
+            later.open(bench.path());
+            later.append(eventOf(JournalKind::ProjectOpened));
+        }
+        QTRY_COMPARE(later.entryCount(), qint64(2));
+        later.close();
+        QCOMPARE(bench.kinds(), QStringList({"project-closed", "project-opened"}));
+        QVERIFY(readJournal(bench.path()).isWhole());
     }
 
     void killedInTheMiddleOfAWrite()

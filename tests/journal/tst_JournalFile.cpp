@@ -104,6 +104,20 @@ private slots:
         QVERIFY(readJournal(bench.path()).isWhole());
     }
 
+    /// Beside a new journal the log would be lost.
+    void logIsSetAsideWithItsJournal()
+    {
+        const JournalBench bench;
+        overwrite(bench.path(), QByteArray("somebody's notes\n").repeated(100));
+        overwrite(bench.path() + QStringLiteral("-wal"), "log");
+        overwrite(bench.path() + QStringLiteral(".torn-1-wal"), "an earlier one");
+        JournalFile file(bench.path(), QString());
+        const JournalFile::Opening opening = file.open();
+        QCOMPARE(opening.setAside, bench.path() + QStringLiteral(".torn-2"));
+        QCOMPARE(contentOf(opening.setAside + QStringLiteral("-wal")), QByteArray("log"));
+        QCOMPARE(contentOf(bench.path() + QStringLiteral(".torn-1-wal")), QByteArray("an earlier one"));
+    }
+
     /// It stays as it is, and so does the place where it was broken.
     void tamperedJournalIsContinued()
     {

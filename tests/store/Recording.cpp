@@ -3,6 +3,7 @@
 #include "store/InsertStatement.h"
 #include "store/MemoryFolders.h"
 #include "store/RedoLog.h"
+#include "store/SpoolFile.h"
 
 #include <QFile>
 #include <QSqlError>

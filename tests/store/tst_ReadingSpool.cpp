@@ -31,6 +31,7 @@ private slots:
     void damagedFileIsSetAsideAndReadAsFarAsPossible_data();
     void damagedFileIsSetAsideAndReadAsFarAsPossible();
     void foreignFileIsSetAside();
+    void logBesideAnEmptyFileIsKept();
     void tornLogCostsItsEndOnly();
     void troubleIsToldAndOver();
     void deletedFileIsMadeAnew();
@@ -286,6 +287,29 @@ void tst_ReadingSpool::foreignFileIsSetAside()
     QCOMPARE(content(store->openingReport().damagedSpool), before);
     InsertSerialData::enqueue(row("A1", 1700000000));
     QTRY_COMPARE(m_recording->spooledRows().size(), 1);
+}
+
+/// Opened, SQLite would delete the log.
+void tst_ReadingSpool::logBesideAnEmptyFileIsKept()
+{
+    m_recording->open().reset();
+    QByteArray log;
+    {
+        SpoolFile file(spool());
+        SpoolFile::Change change;
+        change.rows = {numbered(1, row("A1", 1700000000))};
+        QVERIFY(file.write(change));
+        log = content(spool() + "-wal");
+    }
+    QVERIFY(!log.isEmpty());
+    for (const auto &[name, bytes] : {qMakePair(spool(), QByteArray()), qMakePair(spool() + "-wal", log)}) {
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), qint64(bytes.size()));
+    }
+    const auto store = m_recording->open();
+    QCOMPARE(store->openingReport().damagedSpool, spool() + ".damaged-1");
+    QCOMPARE(content(spool() + ".damaged-1-wal"), log);
 }
 
 /// A copy of the files in the middle of a run, the last bytes of the log not on the disk.

@@ -3,6 +3,7 @@
 #include "support/NullSinkServer.h"
 #include <QtEndian>
 #include <QtMath>
+#include <algorithm>
 #include <complex>
 
 namespace {
@@ -13,6 +14,21 @@ constexpr int windowFrames = SinkMonitor::sampleRate / 10;
 double leftSample(const char *frame)
 {
     return qFromLittleEndian<qint16>(frame) / 32768.0;
+}
+
+bool isSilent(const char *frame)
+{
+    return std::all_of(frame, frame + SinkMonitor::frameBytes, [](char byte) { return byte == 0; });
+}
+
+QByteArray withoutSilence(const QByteArray &bytes)
+{
+    QByteArray sounding;
+    for (int at = 0; at + SinkMonitor::frameBytes <= bytes.size(); at += SinkMonitor::frameBytes) {
+        if (!isSilent(bytes.constData() + at))
+            sounding.append(bytes.constData() + at, SinkMonitor::frameBytes);
+    }
+    return sounding;
 }
 
 double toneLevel(const char *frames, double frequencyHz)
@@ -44,33 +60,57 @@ bool SinkMonitor::start(const NullSinkServer &server)
     return m_recorder.waitForStarted() && m_recorder.waitForReadyRead(startTimeoutMs);
 }
 
-const QByteArray &SinkMonitor::heard()
+void SinkMonitor::listen()
 {
     m_heard += m_recorder.readAllStandardOutput();
-    return m_heard;
+    for (; (m_framesRead + 1) * frameBytes <= m_heard.size(); ++m_framesRead) {
+        const char *frame = m_heard.constData() + m_framesRead * frameBytes;
+        if (isSilent(frame)) {
+            ++m_silentFrames;
+        } else {
+            m_sounding.append(frame, frameBytes);
+            m_silentFrames = 0;
+        }
+    }
 }
 
 void SinkMonitor::forget()
 {
-    heard();
+    listen();
     // A part of a frame may have come in: the rest of it is still to follow.
     m_heard = m_heard.right(m_heard.size() % frameBytes);
+    m_sounding.clear();
+    m_framesRead = 0;
+    m_silentFrames = 0;
+    m_toneLevels.clear();
 }
 
-QList<double> SinkMonitor::toneLevels(double frequencyHz)
+int SinkMonitor::count(const QByteArray &sound)
 {
-    const QByteArray &bytes = heard();
-    QList<double> levels;
-    for (int begin = 0; begin + windowFrames * frameBytes <= bytes.size(); begin += windowFrames * frameBytes)
-        levels.append(toneLevel(bytes.constData() + begin, frequencyHz));
+    listen();
+    return m_sounding.count(withoutSilence(sound));
+}
+
+const QList<double> &SinkMonitor::toneLevels(double frequencyHz)
+{
+    listen();
+    QList<double> &levels = m_toneLevels[frequencyHz];
+    while ((levels.size() + 1) * windowFrames <= m_framesRead)
+        levels.append(toneLevel(m_heard.constData() + levels.size() * windowFrames * frameBytes, frequencyHz));
     return levels;
 }
 
 double SinkMonitor::trailingSilenceSeconds()
 {
-    const QByteArray &bytes = heard();
-    int silent = 0;
-    while (silent < bytes.size() && bytes.at(bytes.size() - 1 - silent) == 0)
-        ++silent;
-    return double(silent) / frameBytes / sampleRate;
+    listen();
+    return double(m_silentFrames) / sampleRate;
+}
+
+bool SinkMonitor::waitForSilence(double seconds)
+{
+    while (trailingSilenceSeconds() < seconds) {
+        if (!m_recorder.waitForReadyRead(startTimeoutMs))
+            return false;
+    }
+    return true;
 }

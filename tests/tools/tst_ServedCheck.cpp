@@ -11,6 +11,8 @@ namespace {
 constexpr qint64 startMs = 1700000000500; // in the middle of a second
 constexpr int rounds = 60;
 
+using Seconds = std::vector<qint64>;
+
 const QString reference = QStringLiteral("reference");
 const QString logger = QStringLiteral("logger");
 
@@ -46,6 +48,8 @@ private slots:
     void refreshTogetherWithThePoll();
     void askedForAgain();
     void answerLongAfterItsPoll();
+    void askedWhileConnecting_data();
+    void askedWhileConnecting();
     void pollLateByAThird();
     void twoPollsInOneSecond();
     void driftingClock();
@@ -104,8 +108,6 @@ Tally tst_ServedCheck::tally()
     }
     return m_check.compare(reference)[logger];
 }
-
-using Seconds = std::vector<qint64>;
 
 #define COMPARE_TALLY(lostReadings, extraRows, undecidedAnswers)                                                       \
     do {                                                                                                               \
@@ -214,6 +216,35 @@ void tst_ServedCheck::answerLongAfterItsPoll()
     m_polls[logger].push_back(pollMs(20) + 800);
     record();
     COMPARE_TALLY((), (), ());
+}
+
+/// The connection came about just before the next poll, so that both arrive together.
+void tst_ServedCheck::askedWhileConnecting_data()
+{
+    QTest::addColumn<QList<int>>("without");
+    QTest::addColumn<QList<int>>("more");
+    QTest::addColumn<Seconds>("lost");
+    QTest::addColumn<Seconds>("extra");
+    QTest::newRow("recorded") << QList<int>{} << QList<int>{} << Seconds{} << Seconds{};
+    QTest::newRow("doubled") << QList<int>{} << QList<int>{20} << Seconds{} << Seconds{secondOf(20)};
+    QTest::newRow("the next one doubled") << QList<int>{} << QList<int>{21} << Seconds{} << Seconds{secondOf(21)};
+    QTest::newRow("the next one lost") << QList<int>{21} << QList<int>{} << Seconds{secondOf(21)} << Seconds{};
+    QTest::newRow("two for one") << QList<int>{} << QList<int>{19} << Seconds{} << Seconds{secondOf(19)};
+}
+
+void tst_ServedCheck::askedWhileConnecting()
+{
+    QFETCH(QList<int>, without);
+    QFETCH(QList<int>, more);
+    serve({19, 20});
+    m_polls[logger].push_back(pollMs(21) - 40);
+    record(without + QList<int>{19});
+    for (const int round : more)
+        m_check.addRow(logger, secondOf(round));
+    const Tally found = tally();
+    QTEST(found.lost, "lost");
+    QTEST(found.extra, "extra");
+    QCOMPARE(found.undecided, Seconds());
 }
 
 void tst_ServedCheck::pollLateByAThird()

@@ -43,6 +43,14 @@ Verdict judge(const PollRound &round, const std::vector<qint64> &answered)
     return mayBeRecord ? Verdict::Recorded : Verdict::NotRecorded;
 }
 
+/// Whether the first of the polls that were @p answered in a round belongs to the round before. One that was asked
+/// while the connection was being made is sent late, and may come in with the next; its row has the time at which it
+/// was asked.
+bool beginsWithALateOne(const PollRound &round, const std::vector<qint64> &answered)
+{
+    return answered.size() > round.refreshesMs.size() + 1 && answered.front() <= round.pollMs + togetherMs;
+}
+
 /// The polls that belong to each of the rounds.
 std::vector<std::vector<qint64>> byRound(const std::vector<PollRound> &rounds, const std::vector<qint64> &polledMs)
 {
@@ -135,6 +143,7 @@ Tally ServedCheck::compare(const std::vector<PollRound> &rounds, const QString &
     if (rounds.empty())
         return {};
     const std::vector<std::vector<qint64>> answered = byRound(rounds, valueOf(m_polls, key));
+    const std::map<qint64, int> rows = valueOf(m_rows, key);
     std::map<qint64, Due> dues;
     size_t answers = 0;
     for (size_t i = 0; i < rounds.size(); ++i) {
@@ -143,8 +152,12 @@ Tally ServedCheck::compare(const std::vector<PollRound> &rounds, const QString &
         due.rows += verdict == Verdict::Recorded ? 1 : 0;
         due.undecided += verdict == Verdict::Undecided ? 1 : 0;
         answers += answered[i].size();
+        // An answer too many may as well be one that was asked for again, so that its row is no duty.
+        const bool hasNext = i + 1 < rounds.size();
+        if (answered[i].empty() && hasNext && beginsWithALateOne(rounds[i + 1], answered[i + 1]))
+            due.rows = qMin(1, valueOf(rows, rounds[i].second()));
     }
-    Tally tally = compareRows(dues, valueOf(m_rows, key), rounds.front().second());
+    Tally tally = compareRows(dues, rows, rounds.front().second());
     tally.answers = int(answers);
     return tally;
 }

@@ -57,7 +57,7 @@ UsbIds idsOf(const UsbDeviceProperties &device)
 
 std::u16string descriptionOf(const UsbDeviceProperties &device)
 {
-    const std::u16string location = registryText(device, RegistryProperty::LocationInformation);
+    std::u16string location = registryText(device, RegistryProperty::LocationInformation);
     if (contains(location, seriesMarker))
         return location;
     const auto raw = device.busReportedDescription();
