@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int lastResortMs = 20000;
+constexpr int lastResortMs = 120000;
 
 /// As the toolkit tells the program that the desktop session is over.
 void endSession()
