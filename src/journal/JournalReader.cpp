@@ -17,8 +17,9 @@ QString canonicalColumns()
 {
     QString columns;
     for (int field = 0; field < JournalEntry::fieldCount; ++field) {
-        const QString form = isNumberColumn(field) ? QStringLiteral("ifnull(%1, '-'), ")
-                                                   : QStringLiteral("iif(%1 is null, '-', hex(cast(%1 as blob))), ");
+        const QString form = isNumberColumn(field)
+                                 ? QStringLiteral("ifnull(%1, '-'), ")
+                                 : QStringLiteral("case when %1 is null then '-' else hex(cast(%1 as blob)) end, ");
         columns += form.arg(QStringLiteral("\"%1\"").arg(QLatin1String(journalColumn(field))));
     }
     return columns;
