@@ -55,7 +55,7 @@ bool isCutOff(QFile &file)
     constexpr qint64 pageSizeAt = 16;
     constexpr qint64 pageCountAt = 28;
     const QByteArray header = file.read(pageCountAt + 4);
-    if (header.size() < pageCountAt + 4)
+    if (header.size() < pageCountAt + 4 || !header.startsWith("SQLite format 3"))
         return false; // SQLite itself says what it thinks of it
     const qint64 pageSize = qFromBigEndian<quint16>(header.constData() + pageSizeAt);
     return file.size() < pageSize * qFromBigEndian<quint32>(header.constData() + pageCountAt);
@@ -66,8 +66,10 @@ void followChain(QSqlDatabase &database, const std::function<void(const JournalE
     QSqlQuery query(database);
     query.setForwardOnly(true);
     if (!query.exec(QStringLiteral("select %1 hash from entry order by id").arg(canonicalColumns()))) {
-        verdict.reason = QStringLiteral("It is no journal: %1").arg(query.lastError().text());
         verdict.isNoJournal = blamesContent(query.lastError());
+        verdict.reason = (verdict.isNoJournal ? QStringLiteral("It is no journal: %1")
+                                              : QStringLiteral("It cannot be read: %1"))
+                             .arg(query.lastError().text());
         return;
     }
     verdict.head = noJournalHash();
