@@ -17,8 +17,9 @@ QString canonicalColumns()
 {
     QString columns;
     for (int field = 0; field < JournalEntry::fieldCount; ++field) {
-        const QString form = isNumberColumn(field) ? QStringLiteral("ifnull(%1, '-'), ")
-                                                   : QStringLiteral("iif(%1 is null, '-', hex(cast(%1 as blob))), ");
+        const QString form = isNumberColumn(field)
+                                 ? QStringLiteral("ifnull(%1, '-'), ")
+                                 : QStringLiteral("case when %1 is null then '-' else hex(cast(%1 as blob)) end, ");
         columns += form.arg(QStringLiteral("\"%1\"").arg(QLatin1String(journalColumn(field))));
     }
     return columns;
@@ -54,7 +55,7 @@ bool isCutOff(QFile &file)
     constexpr qint64 pageSizeAt = 16;
     constexpr qint64 pageCountAt = 28;
     const QByteArray header = file.read(pageCountAt + 4);
-    if (header.size() < pageCountAt + 4)
+    if (header.size() < pageCountAt + 4 || !header.startsWith("SQLite format 3"))
         return false; // SQLite itself says what it thinks of it
     const qint64 pageSize = qFromBigEndian<quint16>(header.constData() + pageSizeAt);
     return file.size() < pageSize * qFromBigEndian<quint32>(header.constData() + pageCountAt);
@@ -65,8 +66,10 @@ void followChain(QSqlDatabase &database, const std::function<void(const JournalE
     QSqlQuery query(database);
     query.setForwardOnly(true);
     if (!query.exec(QStringLiteral("select %1 hash from entry order by id").arg(canonicalColumns()))) {
-        verdict.reason = QStringLiteral("It is no journal: %1").arg(query.lastError().text());
         verdict.isNoJournal = blamesContent(query.lastError());
+        verdict.reason = (verdict.isNoJournal ? QStringLiteral("It is no journal: %1")
+                                              : QStringLiteral("It cannot be read: %1"))
+                             .arg(query.lastError().text());
         return;
     }
     verdict.head = noJournalHash();

@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocale>
 #include <QStringList>
 #include <array>
 #include <cmath>
@@ -37,15 +38,17 @@ QByteArray jsonValue(const JournalEntry &entry, JournalEntry::Field field)
         return quoted(entry.text(field));
     bool isReadable = false;
     const double number = entry.fields[field].toDouble(&isReadable);
-    return isReadable && std::isfinite(number) ? entry.fields[field] : QByteArray("null");
+    // An entry that somebody has put in may hold a number in another form than JSON's.
+    return isReadable && std::isfinite(number) ? QByteArray::number(number, 'g', QLocale::FloatingPointShortest)
+                                               : QByteArray("null");
 }
 
-/// Names come from people: what would break the line, or play with a terminal, is shown as an escape.
+/// Names come from people: what would break the line, end the quotation or play with a terminal is shown as an escape.
 QString oneLine(const QString &text)
 {
     QString line;
     for (const QChar character : text) {
-        if (character.isPrint())
+        if (character.isPrint() && character != QLatin1Char('"'))
             line += character;
         else
             line += QStringLiteral("\\u%1").arg(int(character.unicode()), 4, 16, QLatin1Char('0'));

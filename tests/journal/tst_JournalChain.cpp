@@ -9,6 +9,8 @@
 #include <QTest>
 #include <limits>
 
+#include <sys/mount.h>
+
 namespace {
 
 const QString empty = QString();
@@ -222,7 +224,26 @@ private slots:
         file.write(content);
         file.close();
         QCOMPARE(int(verdictOf(bench).state), int(JournalVerdict::Unreadable));
-        QVERIFY(!verdictOf(bench).reason.isEmpty());
+        QVERIFY2(verdictOf(bench).reason.startsWith("It is no journal"), qPrintable(verdictOf(bench).reason));
+    }
+
+    /// What a station that was ended by force has left, in a folder that SQLite may not write to.
+    void logInAReadOnlyFolder()
+    {
+        const JournalBench bench;
+        QVERIFY(bench.write({eventOf(JournalKind::ProjectOpened)}));
+        QFile log(bench.path() + "-wal");
+        QVERIFY(log.open(QIODevice::WriteOnly));
+        log.close();
+        const QByteArray folder = QFile::encodeName(QFileInfo(bench.path()).path());
+        QCOMPARE(::mount(folder.constData(), folder.constData(), nullptr, MS_BIND, nullptr), 0);
+        const int isReadOnly = ::mount(nullptr, folder.constData(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr);
+        const JournalVerdict verdict = verdictOf(bench);
+        QCOMPARE(::umount2(folder.constData(), MNT_DETACH), 0);
+        QCOMPARE(isReadOnly, 0);
+        QCOMPARE(int(verdict.state), int(JournalVerdict::Unreadable));
+        QVERIFY(!verdict.isNoJournal);
+        QVERIFY2(verdict.reason.startsWith("It cannot be read"), qPrintable(verdict.reason));
     }
 
     void missing()

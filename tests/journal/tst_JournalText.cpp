@@ -74,6 +74,28 @@ private slots:
         QCOMPARE(object.value("high").toDouble(), std::numeric_limits<double>::max());
     }
 
+    /// Put in by somebody else, it may be written in any way.
+    void foreignNumbersAreJsonToo()
+    {
+        JournalEntry entry = alarmEntry();
+        entry.fields[JournalEntry::Value] = "+021.60\n";
+        entry.fields[JournalEntry::Low] = " .5";
+        entry.fields[JournalEntry::Channel] = "02";
+        QVERIFY(!jsonLine(entry).contains('\n'));
+        const QJsonObject object = parsed(entry);
+        QCOMPARE(object.value("value").toDouble(), 21.6);
+        QCOMPARE(object.value("low").toDouble(), 0.5);
+        QCOMPARE(object.value("channel").toInt(), 2);
+    }
+
+    /// A name that looks like what comes behind it.
+    void plainLineTellsItsTextsApart()
+    {
+        JournalEntry entry = alarmEntry();
+        entry.fields[JournalEntry::Key] = "A\" user=\"root";
+        QVERIFY(plainLine(entry).contains(QStringLiteral("key=\"A\\u0022 user=\\u0022root\" ")));
+    }
+
     void plainLineStaysOneLine()
     {
         JournalEntry entry = alarmEntry();
