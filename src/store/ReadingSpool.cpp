@@ -16,12 +16,9 @@ constexpr std::chrono::minutes untilIdle(1);
 
 } // namespace
 
-ReadingSpool::ReadingSpool(const QString &path, qint64 storedUpTo, std::unique_ptr<RedoLog> log,
-                           const SpoolChange &change)
-    : m_path(path), m_change(change), m_storedUpTo(storedUpTo), m_log(std::move(log))
+ReadingSpool::ReadingSpool(const QString &path, qint64 storedUpTo, std::unique_ptr<RedoLog> log)
+    : m_path(path), m_storedUpTo(storedUpTo), m_log(std::move(log))
 {
-    if (!change.isEmpty())
-        becomeDue({});
     m_thread = std::thread(&ReadingSpool::run, this);
 }
 
@@ -29,6 +26,15 @@ ReadingSpool::~ReadingSpool()
 {
     if (m_thread.joinable())
         finish({});
+}
+
+void ReadingSpool::bring(const SpoolChange &change)
+{
+    if (change.isEmpty())
+        return;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_change = change;
+    becomeDue({});
 }
 
 void ReadingSpool::apply(const SpoolChange &change)

@@ -22,11 +22,12 @@ class ReadingSpool : public QObject
     Q_OBJECT
 
 public:
-    /// No row that waits was stored in the recording under the id @p storedUpTo or a lower one. @p change, which stands
-    /// in the log already, goes to the disk first.
-    explicit ReadingSpool(const QString &path, qint64 storedUpTo = 0, std::unique_ptr<RedoLog> log = {},
-                          const SpoolChange &change = {});
+    /// No row that waits was stored in the recording under the id @p storedUpTo or a lower one.
+    explicit ReadingSpool(const QString &path, qint64 storedUpTo = 0, std::unique_ptr<RedoLog> log = {});
     ~ReadingSpool() override;
+
+    /// Before any other: what stands in the log already goes to the disk at once.
+    void bring(const SpoolChange &change);
 
     /// When this returns the change outlives the program, if there is a log. Rows that only leave go to the disk
     /// together with the next ones that come, much later only when none do.

@@ -15,11 +15,12 @@ RecordingSpool::RecordingSpool(const QString &databaseFile, const QString &conne
     std::unique_ptr<RedoLog> log = RedoLog::open(databaseFile, memoryFolders());
     m_kept = takeInKeptRows(recording(), databaseFile, log ? log->content() : SpoolFile::Change());
     m_storedUpTo = m_kept.storedUpTo;
-    m_spool = std::make_unique<ReadingSpool>(SpoolFile::pathOf(databaseFile), m_storedUpTo, std::move(log),
-                                             m_kept.notInSpool);
+    m_spool = std::make_unique<ReadingSpool>(SpoolFile::pathOf(databaseFile), m_storedUpTo, std::move(log));
     connect(m_spool.get(), &ReadingSpool::failed, this, &RecordingSpool::failed);
     connect(m_spool.get(), &ReadingSpool::restored, this, &RecordingSpool::restored);
     connect(m_spool.get(), &ReadingSpool::lost, this, &RecordingSpool::lost);
+    // Not earlier, as it may be told at once that this fails.
+    m_spool->bring(m_kept.notInSpool);
 
     m_lastNumber = m_kept.highestNumber;
     RowQueue &queue = RowQueue::instance();
