@@ -13,7 +13,10 @@ namespace {
 
 constexpr int loggers = 8;
 constexpr int longestRunMs = 7000;
+constexpr int longestEndMs = 400;
 constexpr int shortSplashMs = 200;
+
+const QString opened = QStringLiteral("SorvantoMain::createInsertSerialData");
 
 struct Target
 {
@@ -23,14 +26,19 @@ struct Target
 };
 
 constexpr Target inCommits[] = {
+    {"write", ".dat", 7},
     {"write", ".dat", 18},
     {"sync", ".dat", 4},
 };
 constexpr Target anywhere[] = {
-    {"write", ".dat", 12},       {"write", ".spool-wal", 25},     {"sync", ".spool-wal", 8},
-    {"write", ".spool", 4},      {"create", ".spool", 1},         {"remove", ".spool", 1},
-    {"remove", ".spool-wal", 1}, {"remove", ".spool-journal", 1}, {"write", ".events-wal", 20},
-    {"sync", ".events-wal", 8},  {"rename", ".tpc", 3},           {"create", "", 12},
+    {"write", ".dat", 12},        {"write", ".spool-wal", 25}, {"sync", ".spool-wal", 8},
+    {"write", ".spool", 4},       {"create", ".spool", 1},     {"remove", ".spool-journal", 1},
+    {"write", ".events-wal", 20}, {"sync", ".events-wal", 8},  {"rename", ".tpc", 3},
+    {"create", "", 12},
+};
+constexpr Target inEnding[] = {
+    {"remove", ".spool", 1}, {"remove", ".spool-wal", 1}, {"write", ".dat", 10},
+    {"sync", ".dat", 3},     {"rename", ".tpc", 2},
 };
 constexpr Target inSalvage[] = {
     {"write", ".salvage", 12}, {"sync", ".salvage", 2}, {"rename", ".salvaged", 1}, {"rename", ".dat", 1},
@@ -70,13 +78,15 @@ private:
     {
         const int kind = m_shard.below(100);
         m_isInCommit = false;
-        if (kind < 35)
-            return killAt(m_shard.below(longestRunMs));
-        if (kind < 50)
-            return killSoonAfter(QString::fromLatin1(beginnings[m_shard.below(int(std::size(beginnings)))]));
-        if (m_mayBeTorn && kind < 85)
+        if (m_mayBeTorn && kind < 70)
             return killDuring(inSalvage[m_shard.below(int(std::size(inSalvage)))]);
-        if (kind < 80) {
+        if (kind < 25)
+            return killAt(m_shard.below(longestRunMs));
+        if (kind < 33)
+            return killWhileEnding();
+        if (kind < 43)
+            return killSoonAfter(QString::fromLatin1(beginnings[m_shard.below(int(std::size(beginnings)))]));
+        if (kind < 83) {
             m_isInCommit = true;
             return killDuring(inCommits[m_shard.below(int(std::size(inCommits)))]);
         }
@@ -107,16 +117,43 @@ private:
         return kill({}, isTime, QStringLiteral("killed %1 ms after line %2 \"%3\"").arg(more).arg(times).arg(line));
     }
 
-    QString killDuring(const Target &target)
+    QString orderFor(const Target &target)
     {
         static const char *const moments[] = {"before", "half", "after"};
-        const QString order = QStringLiteral("%1:%2:%3:%4")
-                                  .arg(QLatin1String(target.operation), QLatin1String(target.suffix))
-                                  .arg(1 + m_shard.below(target.most))
-                                  .arg(QLatin1String(moments[m_shard.below(int(std::size(moments)))]));
+        return QStringLiteral("%1:%2:%3:%4")
+            .arg(QLatin1String(target.operation), QLatin1String(target.suffix))
+            .arg(1 + m_shard.below(target.most))
+            .arg(QLatin1String(moments[m_shard.below(int(std::size(moments)))]));
+    }
+
+    QString killDuring(const Target &target)
+    {
+        const QString order = orderFor(target);
         const QDeadlineTimer latest(longestRunMs + m_shard.below(1000));
         return kill(
             order, [&] { return latest.hasExpired(); }, QStringLiteral("killed at ") + order);
+    }
+
+    /// It has been told to end, and is nearly done with it.
+    QString killWhileEnding()
+    {
+        const bool isCounted = m_shard.below(2) == 0;
+        const QString order = isCounted ? orderFor(inEnding[m_shard.below(int(std::size(inEnding)))]) : QString();
+        const int before = m_shard.below(longestRunMs);
+        const int more = isCounted ? longestRunMs : m_shard.below(longestEndMs);
+        const StationProcess &station = m_tortured.station();
+        QDeadlineTimer end(QDeadlineTimer::Forever);
+        QDeadlineTimer moment(QDeadlineTimer::Forever);
+        const auto isTime = [&] {
+            if (end.isForever() && station.count(opened) > 0)
+                end.setRemainingTime(before);
+            if (end.hasExpired() && moment.isForever()) {
+                ::kill(pid_t(station.processId()), SIGTERM);
+                moment.setRemainingTime(more);
+            }
+            return moment.hasExpired();
+        };
+        return kill(order, isTime, QStringLiteral("killed %1 ms after it was told to end %2").arg(more).arg(order));
     }
 
     template <typename Condition>
@@ -129,7 +166,7 @@ private:
         const bool isAlive = m_tortured.e2e().waitUntil(isTime);
         const bool hasKilledItself = m_tortured.watch().hasKilled();
         m_mayBeTorn = m_isInCommit && hasKilledItself;
-        if (!isAlive && !hasKilledItself)
+        if (!isAlive && !hasKilledItself && !station.hasSucceeded())
             m_shard.find(how + QStringLiteral(": ") + QString::fromLocal8Bit(station.lastWords()));
         station.end(SIGKILL);
         return hasKilledItself || order.isEmpty() ? how : how + QStringLiteral(" (did not come to it)");

@@ -7,8 +7,10 @@
 
 namespace {
 
-// A reading has the time of its poll; a logger that is slow, or a machine, answers so many seconds later.
-constexpr qint64 oldestPoll = 12;
+// A reading has the time of its poll. Slow loggers and machines answer seconds later; and of two polls under way of
+// which one is never answered the station takes the later for the one that was, so its time may also be after the
+// answer's.
+constexpr qint64 mostSecondsBetween = 15;
 
 } // namespace
 
@@ -86,7 +88,7 @@ void ReadingAudit::judge(const Logger &logger, const QList<RecordedRow> &rows, V
 bool ReadingAudit::isOfTime(const Logger &logger, int reading, qint64 time)
 {
     const qint64 served = logger.served->timeOf(reading);
-    return time >= served - oldestPoll && time <= served + 1;
+    return qAbs(time - served) <= mostSecondsBetween;
 }
 
 /// Loggers repeat themselves after a while: of rows with the same values one of the right time is taken.

@@ -118,8 +118,9 @@ int runAll(QCoreApplication &application, const Options &options)
         if (options.rows.isEmpty() || options.rows.contains(QLatin1String(row.name)))
             rows.append(&row);
     }
-    for (const TortureRow *row : qAsConst(rows))
-        order(pool, *row, options);
+    // The last rows have the longest parts.
+    for (auto row = rows.crbegin(); row != rows.crend(); ++row)
+        order(pool, **row, options);
     QObject::connect(&pool, &ShardPool::finished, &application, &QCoreApplication::quit);
     pool.start();
     QCoreApplication::exec();
