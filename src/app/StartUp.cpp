@@ -7,7 +7,6 @@
 #include "views/Fonts.h"
 
 #include <QApplication>
-#include <QPointer>
 #include <QScopeGuard>
 #include <QSplashScreen>
 #include <QTimer>
@@ -58,10 +57,9 @@ void useStationFont()
     QApplication::setFont(QFont(QStringLiteral("Segoe UI"), textPointSize));
 }
 
-QSplashScreen *showSplash()
+std::unique_ptr<QSplashScreen> showSplash()
 {
-    auto *splash = new QSplashScreen(sharpPixmap(QStringLiteral(":/img/LoadingLite.png")));
-    splash->setAttribute(Qt::WA_DeleteOnClose);
+    auto splash = std::make_unique<QSplashScreen>(sharpPixmap(QStringLiteral(":/img/LoadingLite.png")));
     splash->show();
     showOnSplash(*splash, loadingText);
     return splash;
@@ -72,8 +70,8 @@ int runStation(QApplication &application, const StartOptions &options,
 {
     useStationFont();
     const EndRequests endRequests;
-    const QPointer<QSplashScreen> splash = showSplash();
-    const auto splashEnd = qScopeGuard([&splash] { delete splash; });
+    // Closing it does not delete it: the end of the session closes it, too, also while finish() still needs it.
+    std::unique_ptr<QSplashScreen> splash = showSplash();
 
     // A box that waits for an answer must not keep the program alive, nor one that follows it.
     QTimer boxCloser;
@@ -104,8 +102,7 @@ int runStation(QApplication &application, const StartOptions &options,
     };
     if (isEnding())
         return 0;
-    if (splash)
-        showOnSplash(*splash, loadingText);
+    showOnSplash(*splash, loadingText);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &mainWindow,
                      &SorvantoMain::stopRunningRecording, Qt::DirectConnection);
 
@@ -122,7 +119,7 @@ int runStation(QApplication &application, const StartOptions &options,
     // Not earlier: half the time that a message stays would be spent waiting.
     if (!problem.isEmpty())
         showTransientMessage(QStringLiteral("ERROR"), problem, &mainWindow);
-    if (splash)
-        splash->finish(&mainWindow);
+    splash->finish(&mainWindow);
+    splash.reset();
     return mainWindow.isEnding() ? 0 : QApplication::exec();
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QThread>
 #include <functional>
+#include <memory>
 
 class QApplication;
 class QSplashScreen;
@@ -21,8 +22,8 @@ void enableHighDensity();
 /// One type face throughout, in a substitute of its proportions where the system lacks it.
 void useStationFont();
 
-/// Shows the splash picture with its loading line. The splash deletes itself once it is closed.
-QSplashScreen *showSplash();
+/// Shows the splash picture with its loading line.
+std::unique_ptr<QSplashScreen> showSplash();
 
 /// Builds the station, waits out the splash, shows the window and runs until it closes; returns the exit code. A
 /// project file that is none is reported in the window, which then comes up without a project.

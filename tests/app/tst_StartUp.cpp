@@ -62,6 +62,26 @@ private:
     bool m_shown = false;
 };
 
+/// Closes the splash as soon as the station's window is shown.
+class SplashCloser : public QObject
+{
+public:
+    SplashCloser() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() != QEvent::Show || !qobject_cast<SorvantoMain *>(watched))
+            return false;
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (QWidget *window : windows)
+            m_hasClosed = m_hasClosed || (qobject_cast<QSplashScreen *>(window) && window->close());
+        return false;
+    }
+    bool hasClosed() const { return m_hasClosed; }
+
+private:
+    bool m_hasClosed = false;
+};
+
 /// Ends the program with the line of the log that begins so.
 const char *fatalLine = "";
 
@@ -99,10 +119,18 @@ private slots:
 
     void splashNamesTheVersion()
     {
-        const std::unique_ptr<QSplashScreen> splash(showSplash());
+        const std::unique_ptr<QSplashScreen> splash = showSplash();
         QCOMPARE(splash->message(), QStringLiteral("[V3.54] Loading modules..."));
         QVERIFY(splash->isVisible());
         QCOMPARE(splash->pixmap().toImage(), QPixmap(QStringLiteral(":/img/LoadingLite.png")).toImage());
+    }
+
+    /// The end of the session closes every window, also while the main window is awaited on the screen.
+    void aSplashThatIsClosedEarlyIsNoTrouble()
+    {
+        const SplashCloser closer;
+        QCOMPARE(runAndUse([](SorvantoMain &station) { station.endProgram(); }), 0);
+        QVERIFY(closer.hasClosed());
     }
 
     void oneTypeFaceThroughout()

@@ -9,7 +9,9 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+#include <iterator>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -59,6 +61,9 @@ private:
     /// Pulls the plug, or exchanges it, and lets everything go on; notes that @p keys were away meanwhile.
     bool disturb(const QByteArray &command, const QStringList &keys, const QByteArray &undo = {});
     void verifyRows(const QString &key);
+    static std::set<quint32> polledSeconds(const QList<RecordedRow> &rows);
+    /// Whether the logger was, some time between two of its readings.
+    bool wasAway(const QString &key, quint32 last, quint32 next) const;
 
     /// Seconds from the first to the last in which a logger may have been away.
     struct Absence
@@ -174,24 +179,17 @@ void tst_UsbEndToEnd::pluggingWhileRecording()
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(path("control")), patienceMs);
     QVERIFY(goOn({networkKey, usbKey1, usbKey2}));
 
-    // A reading that takes most of its second is on its way whenever something happens.
-    QCOMPARE(control("fault 00001001 slow:800"), QByteArray("ok\n"));
     for (int round = 0; round < 4; ++round)
         QVERIFY(disturb("unplug 00001002", {usbKey2}, "plug 00001002"));
-    QCOMPARE(control("fault 00001001 none"), QByteArray("ok\n"));
     QVERIFY(disturb("replug 00001001 300", {usbKey1}));
     QVERIFY(disturb("swap 00001001 00001002", {usbKey1, usbKey2}));
 
-    const qint64 end = QDateTime::currentSecsSinceEpoch();
-    QVERIFY(this->end());
+    QVERIFY(end());
     QCOMPARE(m_simulator.exitStatus(), QProcess::NormalExit);
     QCOMPARE(m_simulator.exitCode(), 0);
 
     for (const QString &key : {networkKey, usbKey1, usbKey2})
         verifyRows(key);
-    const QList<RecordedRow> rows = RecordingReader(path("Cellar.dat")).rows();
-    for (const QString &key : {networkKey, usbKey1, usbKey2})
-        QVERIFY2(readingsOf(key, rows).last().time >= end - 1, qPrintable(key));
     QCOMPARE(RecordingReader(path("Cellar.dat")).integrity(), QStringLiteral("ok"));
 
     std::map<QString, QString> ports;
@@ -227,29 +225,56 @@ void tst_UsbEndToEnd::hangingLoggerComesBack()
         verifyRows(key);
 }
 
-/// While it was in reach a logger has one reading for each second, with its own values, and after the last one the gap
-/// that closes the series.
+/// While it was in reach a logger has one reading, with its own values, for each poll of the station, and after the
+/// last one the gap that closes the series. An answer that comes only after the next poll stands beside that poll's
+/// own. Of the last poll the answer may not have come any more.
 void tst_UsbEndToEnd::verifyRows(const QString &key)
 {
     const QList<RecordedRow> rows = RecordingReader(path("Cellar.dat")).rows();
     const QList<RecordedRow> readings = readingsOf(key, rows);
     QVERIFY(readings.size() > 3);
+    const std::set<quint32> polled = polledSeconds(rows);
+    int missing = 0;
+    int missingWhileAway = 0;
     for (int i = 0; i < readings.size(); ++i) {
         const RecordedRow &row = readings.at(i);
         QVERIFY2(isWithin(row, ranges.at(key)), qPrintable(key + ' ' + row.channel1.toString()));
-        // The program opens with one poll and then shows its splash picture, without any, for a while.
-        const qint64 last = i > 1 ? readings.at(i - 1).time : row.time - 1;
-        const bool wasAway = std::any_of(m_absences.cbegin(), m_absences.cend(), [&](const Absence &absence) {
-            return absence.key == key && last >= absence.begin - 1 && row.time <= absence.end + 1;
-        });
-        QVERIFY2(row.time == last + 1 || (wasAway && row.time > last),
-                 qPrintable(QString("%1: %2 after %3").arg(key).arg(row.time).arg(last)));
+        const quint32 last = i > 0 ? readings.at(i - 1).time : row.time - 1;
+        if (row.time == last) {
+            int &cameLate = missing > 0 ? missing : missingWhileAway;
+            QVERIFY2(--cameLate >= 0, qPrintable(QString("%1: twice at %2").arg(key).arg(row.time)));
+        } else {
+            int &without = wasAway(key, last, row.time) ? missingWhileAway : missing;
+            without += int(std::distance(polled.upper_bound(last), polled.find(row.time)));
+        }
     }
+    QVERIFY2(missing == 0, qPrintable(QString("%1: %2 missing").arg(key).arg(missing)));
+    QVERIFY2(readings.last().time >= *std::prev(polled.end(), 2), qPrintable(key));
     QList<RecordedRow> gaps;
     std::copy_if(rows.cbegin(), rows.cend(), std::back_inserter(gaps),
                  [&key](const RecordedRow &row) { return row.serial == key && row.isGap(); });
     QCOMPARE(gaps.size(), 1);
     QCOMPARE(gaps.first().time, readings.last().time + 1);
+}
+
+/// All loggers are polled together: when one of them has a reading, all were asked. A busy machine may let seconds go
+/// by without.
+std::set<quint32> tst_UsbEndToEnd::polledSeconds(const QList<RecordedRow> &rows)
+{
+    std::set<quint32> seconds;
+    for (const QString &key : {networkKey, usbKey1, usbKey2}) {
+        const QList<RecordedRow> readings = readingsOf(key, rows);
+        for (const RecordedRow &row : readings)
+            seconds.insert(row.time);
+    }
+    return seconds;
+}
+
+bool tst_UsbEndToEnd::wasAway(const QString &key, quint32 last, quint32 next) const
+{
+    return std::any_of(m_absences.cbegin(), m_absences.cend(), [&](const Absence &absence) {
+        return absence.key == key && last <= absence.end && next >= absence.begin;
+    });
 }
 
 QTEST_GUILESS_MAIN(tst_UsbEndToEnd)

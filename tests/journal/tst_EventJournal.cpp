@@ -18,6 +18,9 @@
 
 namespace {
 
+// Each of the thousands of entries of a full queue may have to wait for the disk.
+constexpr int patienceMs = 120000;
+
 const char *const victimVariable = "JOURNAL_TO_FILL";
 
 /// Writes events until it is killed, and prints every head that it was told to be on the disk.
@@ -201,7 +204,7 @@ private slots:
         for (int i = 0; i < EventJournal::longestQueue + 7; ++i)
             journal.append(eventOf(JournalKind::NameChanged));
         journal.open(bench.path());
-        QTRY_COMPARE(journal.entryCount(), qint64(EventJournal::longestQueue + 1));
+        QTRY_COMPARE_WITH_TIMEOUT(journal.entryCount(), qint64(EventJournal::longestQueue + 1), patienceMs);
         journal.close();
         const QList<JournalEntry> entries = bench.entries();
         QCOMPARE(entries.size(), EventJournal::longestQueue + 1);
