@@ -1,7 +1,7 @@
 #include "app/StartUp.h"
 
+#include "app/EndRequests.h"
 #include "app/SorvantoMain.h"
-#include "app/TerminationSignals.h"
 #include "dialogs/SharpPixmap.h"
 #include "dialogs/TransientMessage.h"
 #include "views/Fonts.h"
@@ -71,7 +71,7 @@ int runStation(QApplication &application, const StartOptions &options,
                const std::function<void(unsigned long ms)> &pause)
 {
     useStationFont();
-    TerminationSignals signalsFromSystem;
+    const EndRequests endRequests;
     const QPointer<QSplashScreen> splash = showSplash();
     const auto splashEnd = qScopeGuard([&splash] { delete splash; });
 
@@ -81,25 +81,24 @@ int runStation(QApplication &application, const StartOptions &options,
         if (QWidget *box = QApplication::activeModalWidget())
             box->close();
     });
-    QObject::connect(&signalsFromSystem, &TerminationSignals::terminationRequested, &boxCloser,
-                     [&boxCloser] { boxCloser.start(boxCloserMs); });
+    QObject::connect(&endRequests, &EndRequests::made, &boxCloser, [&boxCloser] { boxCloser.start(boxCloserMs); });
     const QString problem = options.projectFile.isEmpty() ? QString() : projectFileProblem(options.projectFile);
     StartOptions start = problem.isEmpty() ? options : StartOptions{false, {}};
-    start.isEndRequested = [&signalsFromSystem] {
-        return signalsFromSystem.wasRequested();
+    start.isEndRequested = [&endRequests] {
+        return endRequests.wasMade();
     };
     start.showOnSplash = [&splash](const QString &text) {
         if (splash)
             showOnSplash(*splash, text);
     };
     SorvantoMain mainWindow(start);
-    const QMetaObject::Connection ending = QObject::connect(
-        &signalsFromSystem, &TerminationSignals::terminationRequested, &mainWindow, &SorvantoMain::endProgram);
+    const QMetaObject::Connection ending =
+        QObject::connect(&endRequests, &EndRequests::made, &mainWindow, &SorvantoMain::endProgram);
     // Some sound backends handle events while the window is destroyed; a request must not reach it then.
     const auto noMoreRequests = qScopeGuard([&ending] { QObject::disconnect(ending); });
     // Asked for, not only listened to: no event loop runs while the station is built and while the splash waits.
-    const auto isEnding = [&mainWindow, &signalsFromSystem] {
-        if (signalsFromSystem.wasRequested())
+    const auto isEnding = [&mainWindow, &endRequests] {
+        if (endRequests.wasMade())
             mainWindow.endProgram();
         return mainWindow.isEnding();
     };
@@ -114,6 +113,8 @@ int runStation(QApplication &application, const StartOptions &options,
     if (isEnding())
         return 0;
     pause(splashMs);
+    // The end of the session comes as an event.
+    QCoreApplication::processEvents();
     if (isEnding())
         return 0;
 
@@ -121,6 +122,7 @@ int runStation(QApplication &application, const StartOptions &options,
     // Not earlier: half the time that a message stays would be spent waiting.
     if (!problem.isEmpty())
         showTransientMessage(QStringLiteral("ERROR"), problem, &mainWindow);
-    splash->finish(&mainWindow);
+    if (splash)
+        splash->finish(&mainWindow);
     return mainWindow.isEnding() ? 0 : QApplication::exec();
 }

@@ -39,7 +39,7 @@ qint64 ReplyGuard::steadyClock()
 
 void ReplyGuard::pollSent()
 {
-    if (m_linesOfPoll > 0 && m_excess.isEmpty())
+    if (hasBehaved())
         m_hasComplained = false;
     m_excess.clear();
     m_linesOfPoll = 0;
@@ -50,7 +50,16 @@ bool ReplyGuard::admits(const QByteArray &bytes)
 {
     if (m_excess.isEmpty())
         m_excess = excessIn(bytes);
+    if (!m_excess.isEmpty())
+        m_behavesSince.reset();
+    else if (!m_behavesSince)
+        m_behavesSince = m_clock();
     return m_excess.isEmpty();
+}
+
+bool ReplyGuard::hasBehaved() const
+{
+    return m_behavesSince && m_clock() - *m_behavesSince >= secondMs;
 }
 
 QString ReplyGuard::excessIn(const QByteArray &bytes)

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 /// What one logger may send. Honest loggers stay far below; what one of them costs at most, sixteen cost in one turn of
 /// the event loop, which must not keep the others waiting.
 namespace replyBounds {
@@ -33,19 +35,22 @@ public:
     void pollSent();
     /// Whether what one notification carried is within the bounds. Once it is not, nothing is until the next poll.
     bool admits(const QByteArray &bytes);
-    /// What the logger has done, to be logged: once, and again only after it has answered a poll within the bounds.
+    /// What the logger has done, to be logged: once, and again only after it has answered and then kept within the
+    /// bounds for a second. One that floods in pieces may well answer before it does.
     QString takeComplaint();
 
     static qint64 steadyClock();
 
 private:
     QString excessIn(const QByteArray &bytes);
+    bool hasBehaved() const;
 
     const Clock m_clock;
     int m_linesOfPoll = 0;
     int m_bytesOfPoll = 0;
     int m_bytesOfSecond = 0;
     qint64 m_secondBegan = 0;
-    QString m_excess; ///< since the last poll; empty while there is none
+    QString m_excess;                     ///< since the last poll; empty while there is none
+    std::optional<qint64> m_behavesSince; ///< the first bytes since the last excess
     bool m_hasComplained = false;
 };

@@ -45,7 +45,7 @@ void correctStoredUpTo(SpoolFile &spool, const SpoolFile::Content &content, Kept
 qint64 storedUpToOf(const SpoolFile::Content &content, const SpoolChange &redo, qint64 newest)
 {
     const qint64 known = redo.storedUpTo.value_or(content.storedUpTo);
-    if (content.state == SpoolFile::State::Damaged)
+    if (content.state == SpoolFile::State::Damaged || content.state == SpoolFile::State::Unreadable)
         return std::min(known, beforeNewest(newest, content.rows));
     const bool isKnown = redo.storedUpTo || (content.state == SpoolFile::State::Whole && !content.rows.empty());
     return isKnown ? known : newest;
@@ -73,7 +73,8 @@ void takeInSpool(SpoolFile &spool, const SpoolFile::Content &content, const Spoo
 {
     kept.rows = content.rows;
     kept.notInSpool = redo;
-    if (content.state == SpoolFile::State::Unreadable)
+    kept.isUnreadable = content.state == SpoolFile::State::Unreadable;
+    if (kept.isUnreadable)
         warn(spool.path(), spool.errorText());
     if (content.state == SpoolFile::State::Damaged)
         replaceDamaged(spool, content.takenIn, kept);

@@ -17,6 +17,7 @@ struct KeptRows
     qint64 highestNumber = 0;     ///< of all that waited, also of rows left out because they are stored
     SpoolChange notInSpool;       ///< has still to be brought there
     QString setAside;             ///< where a damaged file is now
+    bool isUnreadable = false;    ///< rows may wait there that are not among these
 };
 
 /// Reads the spool of a recording, and the side file that earlier versions made in its place: its rows move into the

@@ -1,6 +1,7 @@
 #include "store/PackedChange.h"
 
 #include <QDataStream>
+#include <QIODevice>
 
 QByteArray packedChange(const SpoolChange &change)
 {

@@ -24,6 +24,9 @@ RecordingSpool::RecordingSpool(const QString &databaseFile, const QString &conne
     m_lastNumber = m_kept.highestNumber;
     RowQueue &queue = RowQueue::instance();
     queue.skipNumbersUpTo(m_lastNumber);
+    // What it holds is for a run that can read it.
+    if (m_kept.isUnreadable)
+        leave(queue.nextNumber());
     m_keepsAll = fitsFirstPage(recording());
     if (m_keepsAll)
         keepFirstRows();
@@ -48,7 +51,7 @@ void RecordingSpool::keepFirstRows()
     change.rows = allRows(recording());
     if (change.rows.empty())
         return;
-    if (m_kept.highestNumber > 0)
+    if (m_kept.highestNumber > m_outUpTo)
         change.gone.push_back({1, m_kept.highestNumber});
     change.storedUpTo = 0;
     for (PendingRow &row : change.rows)

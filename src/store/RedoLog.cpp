@@ -129,6 +129,7 @@ bool RedoLog::openExisting(const QByteArray &recording)
 
 bool RedoLog::make(const QByteArray &recording)
 {
+    unmap(); // or Windows does not let it shrink
     // A memory that is full says so here, not by a signal when it is written to.
     if (!m_file.resize(0) || !m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
         !addZeros(headerSize + qint64(smallestRing)) || !map()) {
@@ -160,10 +161,16 @@ bool RedoLog::map()
     uchar *memory = m_file.map(0, m_file.size());
     if (!memory)
         return false;
-    if (m_memory)
-        m_file.unmap(m_memory);
+    unmap();
     m_memory = memory;
     return true;
+}
+
+void RedoLog::unmap()
+{
+    if (m_memory)
+        m_file.unmap(m_memory);
+    m_memory = nullptr;
 }
 
 quint64 RedoLog::begin() const
@@ -189,7 +196,7 @@ quint64 RedoLog::read(SpoolChange &content) const
 {
     const quint64 end = this->end();
     quint64 position = begin();
-    while (position + frameSize <= end) {
+    while (end - position >= frameSize) {
         QDataStream frame(copyOut(position, frameSize));
         quint64 sum = 0;
         quint32 size = 0;

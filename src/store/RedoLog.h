@@ -38,6 +38,7 @@ private:
     bool make(const QByteArray &recording);
     bool addZeros(qint64 count);
     bool map();
+    void unmap();
     bool makeRoomFor(quint64 size);
     quint64 read(SpoolChange &content) const;
 

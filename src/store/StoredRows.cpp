@@ -22,15 +22,19 @@ PendingRow rowOf(const QSqlQuery &query)
             query.value(3).toUInt()};
 }
 
-QString queryBetween(quint32 first, quint32 last, qint64 after, int newest)
+QString rowsAfter(qint64 after)
 {
-    return QStringLiteral("select serialno, channel1, channel2, pointDate from "
-                          "(select serialno, channel1, channel2, pointDate from ostrivane where rowid > %1 "
-                          "order by rowid desc limit %2) where pointDate between %3 and %4")
-        .arg(after)
-        .arg(newest)
-        .arg(first)
-        .arg(last);
+    return QStringLiteral("select serialno, channel1, channel2, pointDate from ostrivane where rowid > %1").arg(after);
+}
+
+QString newestOf(const QString &rows, int count)
+{
+    return QStringLiteral("select * from (%1 order by rowid desc limit %2) where true").arg(rows).arg(count);
+}
+
+QString between(const QString &rows, quint32 first, quint32 last)
+{
+    return QStringLiteral("%1 and pointDate between %2 and %3").arg(rows).arg(first).arg(last);
 }
 
 /// One behind the last row that must have been in a batch: behind it, an equal row is another reading.
@@ -85,8 +89,11 @@ QSqlError removeStoredRows(const QSqlDatabase &recording, std::vector<PendingRow
         std::minmax_element(first, last, [](const PendingRow &a, const PendingRow &b) { return a.time < b.time; });
     QSqlQuery query(recording);
     query.setForwardOnly(true);
-    const int searched = std::max(newestRowsSearched, count);
-    if (!query.exec(queryBetween(range.first->time, range.second->time, after, searched)))
+    // What batches have left may have been stored long ago; one batch was stored last.
+    const QString searched = kind == PerhapsStored::InEarlyBatches
+                                 ? rowsAfter(after)
+                                 : newestOf(rowsAfter(after), std::max(newestRowsSearched, count));
+    if (!query.exec(between(searched, range.first->time, range.second->time)))
         return query.lastError();
 
     QSet<QString> wanted;

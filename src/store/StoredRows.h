@@ -9,8 +9,8 @@
 
 class QSqlDatabase;
 
-/// Recorded rows that removeStoredRows() looks at, or as many as it has to find. A recording may be larger than the
-/// memory, and what was perhaps stored was stored last.
+/// Recorded rows that removeStoredRows() looks at for a batch, or as many as it has to find. A recording may be larger
+/// than the memory, and what was perhaps stored was stored last.
 constexpr int newestRowsSearched = 100000;
 
 /// What is known of rows of which some may be in the recording.

@@ -17,7 +17,8 @@ private slots:
     void boundsWhatASecondBrings();
     void admitsNothingAfterAnExcess();
     void complainsOnce();
-    void complainsAgainAfterAnHonestAnswer();
+    void pollsInQuickSuccessionProveNothing();
+    void complainsAgainAfterASecondOfGoodBehaviour();
 
 private:
     static qint64 clock() { return s_now; }
@@ -136,7 +137,27 @@ void tst_ReplyGuard::complainsOnce()
     QVERIFY2(guard.takeComplaint().isEmpty(), "silence is no good answer");
 }
 
-void tst_ReplyGuard::complainsAgainAfterAnHonestAnswer()
+/// A connection that took until the next tick polls twice within moments, and a logger may answer both before it
+/// floods.
+void tst_ReplyGuard::pollsInQuickSuccessionProveNothing()
+{
+    const QByteArray tooMuch(bytesPerPoll + 1, ',');
+    ReplyGuard guard(clock);
+    guard.pollSent();
+    QVERIFY(!guard.admits(tooMuch));
+    QVERIFY(!guard.takeComplaint().isEmpty());
+    s_now += 5000;
+    for (int poll = 0; poll < 3; ++poll) {
+        guard.pollSent();
+        QVERIFY(guard.admits("ATDC 1,2\r\n"));
+        s_now += 333;
+    }
+    guard.pollSent();
+    QVERIFY(!guard.admits(tooMuch));
+    QCOMPARE(guard.takeComplaint(), QString());
+}
+
+void tst_ReplyGuard::complainsAgainAfterASecondOfGoodBehaviour()
 {
     const QByteArray tooMuch(bytesPerPoll + 1, ',');
     ReplyGuard guard(clock);
@@ -145,6 +166,7 @@ void tst_ReplyGuard::complainsAgainAfterAnHonestAnswer()
     QVERIFY(!guard.takeComplaint().isEmpty());
     guard.pollSent();
     QVERIFY(guard.admits("ATDC 1,2\r\n"));
+    s_now += 1000;
     guard.pollSent();
     QVERIFY(!guard.admits(tooMuch));
     QVERIFY(!guard.takeComplaint().isEmpty());

@@ -26,6 +26,9 @@ private slots:
     void nothingIsStoredTwiceWhereverTheProgramEnds_data();
     void nothingIsStoredTwiceWhereverTheProgramEnds();
     void equalReadingOfALaterBatchIsKept();
+    void rowsStoredLongAgoAreFound();
+    void unreadableRowsStayUntilTheyAreRead_data();
+    void unreadableRowsStayUntilTheyAreRead();
     void idsOfAReplacedRecordingBeginAnew();
     void sideFileIsTakenInOnce();
     void damagedFileIsSetAsideAndReadAsFarAsPossible_data();
@@ -202,6 +205,57 @@ void tst_ReadingSpool::equalReadingOfALaterBatchIsKept()
     QCOMPARE(InsertSerialData::pendingCount(), 1);
     store->insertNow();
     QCOMPARE(m_recording->rows().size(), 5);
+}
+
+/// The spool could not be written for a day: what it still holds was recorded long before.
+void tst_ReadingSpool::rowsStoredLongAgoAreFound()
+{
+    m_recording->open().reset();
+    const OtherProgram earlier(m_recording->file());
+    QVERIFY(earlier.exec("insert into ostrivane (serialno, channel1, channel2, pointDate) values "
+                         "('A1', 21.5, 40, 1700000000)"));
+    QVERIFY(earlier.exec(QStringLiteral("insert into ostrivane (serialno, channel1, channel2, pointDate) "
+                                        "with recursive n(i) as (select 1 union all select i + 1 from n where i < %1) "
+                                        "select 'B2', 1, 0, 1700000000 + i from n")
+                             .arg(newestRowsSearched + 10)));
+    QVERIFY(spoolRows({numbered(5, row("A1", 1700000000)), numbered(6, row("A1", 1700000001))}));
+    m_recording->open()->insertNow();
+    QCOMPARE(earlier.rows("select pointDate from ostrivane where serialno = 'A1' order by id"),
+             QStringList({"1700000000", "1700000001"}));
+}
+
+void tst_ReadingSpool::unreadableRowsStayUntilTheyAreRead_data()
+{
+    QTest::addColumn<bool>("isStored");
+    QTest::newRow("not recorded") << false;
+    QTest::newRow("recorded") << true;
+}
+
+/// While a project is opened another program, say a backup, has the spool locked.
+void tst_ReadingSpool::unreadableRowsStayUntilTheyAreRead()
+{
+    QFETCH(bool, isStored);
+    QVERIFY(m_recording->outgrowFirstPage());
+    const int before = m_recording->rows().size();
+    if (isStored)
+        QVERIFY(OtherProgram(m_recording->file())
+                    .exec("insert into ostrivane (serialno, channel1, channel2, pointDate) values "
+                          "('A1', 21.5, 40, 1700000000)"));
+    QVERIFY(spoolRows({numbered(5, row("A1", 1700000000))}, before));
+    std::unique_ptr<InsertSerialData> store;
+    {
+        const OtherProgram backup(spool());
+        QVERIFY(backup.exec("PRAGMA locking_mode = EXCLUSIVE"));
+        QVERIFY(backup.exec("BEGIN EXCLUSIVE"));
+        store = m_recording->open();
+    }
+    QCOMPARE(InsertSerialData::pendingCount(), 0);
+    InsertSerialData::enqueue(row("B2", 1700000001));
+    store->insertNow();
+    store.reset();
+    m_recording->open()->insertNow();
+    QCOMPARE(m_recording->rows().mid(before).size(), 2);
+    QVERIFY(!QFile::exists(spool()));
 }
 
 void tst_ReadingSpool::idsOfAReplacedRecordingBeginAnew()

@@ -24,6 +24,7 @@ private slots:
     void endedWhileItWasEmptied();
     void foreignFileIsMadeAnew_data();
     void foreignFileIsMadeAnew();
+    void foreignBeginning();
     void isOpenOnce();
     void belongsToItsUser();
     void isFoundInAnyFolder();
@@ -227,6 +228,17 @@ void tst_RedoLog::foreignFileIsMadeAnew()
         QVERIFY(log->append(rowsFrom(2)));
     }
     QCOMPARE(numbers(open()->content()), QList<qint64>({2}));
+}
+
+/// So near the end of all numbers that counting on begins anew.
+void tst_RedoLog::foreignBeginning()
+{
+    QVERIFY(open()->append(rowsFrom(1)));
+    QVERIFY(overwrite(beginPlace, QByteArray("\xfb\xff\xff\xff\xff\xff\xff\xff", 8)));
+    QVERIFY(overwrite(beginPlace + 64, QByteArray("\xfe\xff\xff\xff\xff\xff\xff\xff", 8)));
+    const auto log = open();
+    QVERIFY(log);
+    QVERIFY(log->isEmpty());
 }
 
 void tst_RedoLog::isOpenOnce()

@@ -93,10 +93,11 @@ void Conversation::slotBytesWritten(qint64 count)
 
 void Conversation::slotFaultChanged()
 {
-    if (m_logger->suffersFrom(FaultKind::Flood))
+    m_flood.stop();
+    if (m_logger->suffersFrom(FaultKind::Flood)) {
         m_flood.start();
-    else
-        m_flood.stop();
+        slotFlood();
+    }
     m_pause.stop();
     if (m_logger->isDeaf()) {
         m_input.clear();
