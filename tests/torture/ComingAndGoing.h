@@ -26,8 +26,11 @@ private:
     {
         bool isAway = false;
         QDeadlineTimer next;
+        QList<qint64> changes; ///< when it went and came, in Unix seconds
     };
 
+    void change(int logger);
+    bool isSteady(int logger, qint64 time) const;
     bool turn(const std::function<bool()> &isOver);
     /// Waits until all are back and read again.
     bool bringAllBack();
@@ -39,6 +42,7 @@ private:
     const std::function<void(int)> m_go;
     const std::function<void(int)> m_come;
     std::vector<Logger> m_loggers;
+    qint64 m_start = 0;
     // As quickly as a computer takes note of a device, at least.
     static constexpr int leastAwayMs = 100;
     int m_awayMs = 2500;

@@ -1,6 +1,7 @@
-// 64 loggers for days, in a time of the station's own that runs faster, with its midnights and a change to or from
-// summer time. The station is the program itself; what it does not feel is how little happens in a second of real days,
-// and what a disk, a sound card or the kernel's own clocks would do meanwhile.
+// 64 loggers for days, by a clock of the station's own that leaps from one moment in which it has something to do to
+// the next, with its midnights and a change to or from summer time. The station is the program itself, on real sockets
+// and files. What it does not feel: threads of its own get as little time as the leaps take, so the disk seems slow; a
+// sound card, alarms unheard, and the kernel's own clocks run on as ever.
 
 #include "ProcessUse.h"
 #include "RecordingReader.h"
@@ -9,7 +10,6 @@
 #include "TorturedStation.h"
 
 #include <QDateTime>
-#include <QDeadlineTimer>
 
 #include <algorithm>
 #include <ctime>
@@ -17,7 +17,6 @@
 namespace {
 
 constexpr int loggers = 64;
-constexpr int factor = 150;
 constexpr int intervalMs = 60000;
 constexpr int secondsPerHour = 3600;
 constexpr int hoursToWarmUp = 6; // what is shown of the last values is full by then
@@ -50,7 +49,7 @@ public:
         e2e.setInterval(intervalMs);
         e2e.setVariable(QStringLiteral("TZ"), zone);
         e2e.setVariable(QStringLiteral("TORTURE_CLOCK"),
-                        QStringLiteral("%1:%2:%3").arg(startOf(shard.order().number)).arg(factor).arg(monotonicNs()));
+                        QStringLiteral("%1:%2").arg(startOf(shard.order().number)).arg(monotonicNs()));
         e2e.setLogRules(QStringLiteral("sorvanto.*.debug=false;sorvanto.app.debug=true"));
     }
 
@@ -62,7 +61,7 @@ public:
         ProcessUse warm;
         ProcessUse last;
         for (int hour = 1; hour <= hours; ++hour) {
-            if (!passHour(last)) {
+            if (!passHour(hour, last)) {
                 m_shard.find(QString::fromLocal8Bit(m_tortured.station().lastWords()));
                 return;
             }
@@ -83,13 +82,13 @@ public:
 
 private:
     /// @p use is the least of the hour.
-    bool passHour(ProcessUse &use)
+    bool passHour(int hour, ProcessUse &use)
     {
         const qint64 station = m_tortured.station().processId();
         use = ProcessUse::of(station);
         for (int i = 0; i < samplesPerHour; ++i) {
-            const QDeadlineTimer moment(secondsPerHour * 1000 / factor / samplesPerHour);
-            if (!m_tortured.e2e().waitUntil([&] { return moment.hasExpired(); }))
+            const qint64 end = (hour - 1) * secondsPerHour + (i + 1) * secondsPerHour / samplesPerHour;
+            if (!m_tortured.e2e().waitUntil([&] { return m_tortured.watch().passedSeconds() >= end; }))
                 return false;
             use = use.orLess(ProcessUse::of(station));
         }

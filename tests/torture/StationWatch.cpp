@@ -37,8 +37,10 @@ QString StationWatch::path(const char *name) const
 bool StationWatch::prepare(E2eFixture &e2e)
 {
     m_state->isKilled = 0;
+    m_state->passedNs = 0;
     for (LoggerCount &count : m_state->loggers) {
         count.port = 0;
+        count.asked = 0;
         count.taken = 0;
         count.shown = 0;
     }
@@ -64,6 +66,11 @@ int StationWatch::shown(quint16 port) const
             return int(count.shown);
     }
     return 0;
+}
+
+qint64 StationWatch::passedSeconds() const
+{
+    return m_state->passedNs / 1000000000;
 }
 
 bool StationWatch::hasKilled() const

@@ -30,6 +30,8 @@ public:
     /// Readings of the logger at that port that the station has shown in its last run.
     int shown(quint16 port) const;
     bool hasKilled() const;
+    /// By the station's own clock, since its start.
+    qint64 passedSeconds() const;
     QByteArray log() const;
 
 private:

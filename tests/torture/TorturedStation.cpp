@@ -147,7 +147,7 @@ QStringList TorturedStation::shownLines() const
 }
 
 /// Both are in the order in which they were served.
-void TorturedStation::demandShown()
+void TorturedStation::demandShown(const std::function<bool(int logger, qint64 time)> &counts)
 {
     for (int i = 0; i < m_e2e.loggerCount() + m_e2e.usbLoggerCount(); ++i) {
         ServedReadings &readings = served(i);
@@ -156,7 +156,7 @@ void TorturedStation::demandShown()
         m_audit.excuseUnless(i, [&](int reading) {
             const bool isShown = shown < readings.shown().size() && readings.shown().at(shown) == readings.at(reading);
             shown += isShown ? 1 : 0;
-            return isShown;
+            return isShown && counts(i, readings.timeOf(reading));
         });
         if (shown < readings.shown().size())
             m_shard.find(QStringLiteral("%1 has shown %2, which was not served")

@@ -34,8 +34,9 @@ public:
     void finish();
     /// Ends it at once, cleanly.
     void end();
-    /// What must be there is what the station of this run has said that it showed. For a single run, ended already.
-    void demandShown();
+    /// What must be there is what the station of this run has said that it showed, as far as @p counts says so of a
+    /// logger and the time when it was served. For a single run, ended already.
+    void demandShown(const std::function<bool(int logger, qint64 time)> &counts);
     /// Compares all that was served with the rows, and looks through the recording.
     void judge(const QList<RecordedRow> &rows);
     /// A last run of some readings, and the judgement. @p rows gets them then; without, they are those of the

@@ -1,8 +1,8 @@
-// A clock that runs faster: every hour lasts as many seconds as TORTURE_CLOCK has it. Times that the station is told
-// are those of that clock, and its waits end by it. Not in the picture: clocks of processor time, what the kernel
-// stamps, and waits on locks below the threads' library; the station bounds no wait by these.
-
 #include "StationClock.h"
+
+#include "WatchedFiles.h"
+
+#include <cerrno>
 
 #include <cstdint>
 #include <cstdio>
@@ -19,13 +19,15 @@ namespace {
 constexpr int64_t nsPerSecond = 1000000000;
 // No computer has been running for so long, and no date is so old.
 constexpr int64_t leastDate = 900000000;
+constexpr int64_t pieceNs = 2000000;
+constexpr int64_t longestAnswerNs = 5 * nsPerSecond;
+// What threads that are not the station's own wait for is seldom a time; how long it seems to them does not matter.
+constexpr int64_t otherThreadsFactor = 100;
 
-/// TORTURE_CLOCK is START:FACTOR:BASE, the station's time in Unix seconds when the monotonic clock showed BASE
-/// nanoseconds.
+/// TORTURE_CLOCK is START:BASE, the station's time in Unix seconds when the monotonic clock showed BASE nanoseconds.
 struct StationClock
 {
     int64_t startNs = 0;
-    int64_t factor = 1;
     int64_t baseNs = 0;
 
     static const StationClock &instance()
@@ -38,16 +40,15 @@ struct StationClock
     {
         StationClock clock;
         long long start = 0;
-        long long factor = 1;
         long long base = 0;
         const char *text = std::getenv("TORTURE_CLOCK");
-        if (text && std::sscanf(text, "%lld:%lld:%lld", &start, &factor, &base) == 3)
-            clock = {start * nsPerSecond, factor, base};
+        if (text && watch::watchState() && std::sscanf(text, "%lld:%lld", &start, &base) == 2)
+            clock = {start * nsPerSecond, base};
         return clock;
     }
 
     bool isOn() const { return startNs != 0; }
-    int64_t sinceBase(int64_t realMonotonicNs) const { return (realMonotonicNs - baseNs) * factor; }
+    static int64_t passedNs() { return watch::watchState()->passedNs; }
 };
 
 timespec timeOf(int64_t ns)
@@ -60,25 +61,34 @@ int64_t nsOf(const timespec &time)
     return int64_t(time.tv_sec) * nsPerSecond + time.tv_nsec;
 }
 
-int64_t realMonotonicNs()
+timespec realTimeAfter(clockid_t id, int64_t ns)
 {
-    timespec time = {};
-    ::syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &time);
-    return nsOf(time);
+    timespec now = {};
+    ::syscall(SYS_clock_gettime, id, &now);
+    return timeOf(nsOf(now) + ns);
 }
 
-/// The moment of either clock of the station as one of the real clock of the same kind.
-timespec realMoment(const timespec &moment)
+bool isDate(const timespec &moment)
+{
+    return moment.tv_sec > leastDate;
+}
+
+bool hasPassed(const timespec &moment)
 {
     const StationClock &clock = StationClock::instance();
-    const bool isDate = moment.tv_sec > leastDate;
-    const int64_t sinceBase = nsOf(moment) - (isDate ? clock.startNs : clock.baseNs);
-    const int64_t monotonic = clock.baseNs + sinceBase / clock.factor;
-    if (!isDate)
-        return timeOf(monotonic);
-    timespec now = {};
-    ::syscall(SYS_clock_gettime, CLOCK_REALTIME, &now);
-    return timeOf(nsOf(now) + monotonic - realMonotonicNs());
+    return nsOf(moment) <= (isDate(moment) ? clock.startNs : clock.baseNs) + StationClock::passedNs();
+}
+
+/// Waits in short pieces, as the clock leaps without a word.
+template <typename Wait>
+int waitUntil(const timespec &moment, const Wait &wait)
+{
+    while (!hasPassed(moment)) {
+        const timespec until = realTimeAfter(isDate(moment) ? CLOCK_REALTIME : CLOCK_MONOTONIC, pieceNs);
+        if (const int result = wait(until); result != ETIMEDOUT)
+            return result;
+    }
+    return ETIMEDOUT;
 }
 
 template <typename Function>
@@ -89,15 +99,33 @@ Function *real(const char *name)
 
 } // namespace
 
-timespec realDuration(const timespec &duration)
-{
-    const StationClock &clock = StationClock::instance();
-    return clock.isOn() ? timeOf(nsOf(duration) / clock.factor) : duration;
-}
-
 bool hasStationClock()
 {
     return StationClock::instance().isOn();
+}
+
+timespec shortDuration(const timespec &duration)
+{
+    return StationClock::instance().isOn() ? timeOf(nsOf(duration) / otherThreadsFactor) : duration;
+}
+
+void sleepByStationClock(const timespec &duration)
+{
+    watch::watchState()->passedNs += nsOf(duration);
+}
+
+int pollByStationClock(pollfd *descriptors, nfds_t count, const timespec *timeout, bool isAnswerOwed)
+{
+    static const auto ppoll = real<int(pollfd *, nfds_t, const timespec *, const sigset_t *)>("ppoll");
+    static const timespec longest = timeOf(longestAnswerNs);
+    static const timespec none = {};
+    const int ready = ppoll(descriptors, count, isAnswerOwed ? &longest : &none, nullptr);
+    if (ready != 0)
+        return ready;
+    if (!timeout)
+        return ppoll(descriptors, count, nullptr, nullptr);
+    watch::watchState()->passedNs += nsOf(*timeout);
+    return 0;
 }
 
 extern "C" {
@@ -112,7 +140,7 @@ int clock_gettime(clockid_t id, timespec *time) noexcept
         static const auto gettime = real<int(clockid_t, timespec *)>("clock_gettime");
         return gettime(id, time);
     }
-    *time = timeOf((isDate ? clock.startNs : clock.baseNs) + clock.sinceBase(realMonotonicNs()));
+    *time = timeOf((isDate ? clock.startNs : clock.baseNs) + StationClock::passedNs());
     return 0;
 }
 
@@ -136,16 +164,18 @@ time_t time(time_t *seconds) noexcept
 int pthread_cond_timedwait(pthread_cond_t *condition, pthread_mutex_t *mutex, const timespec *moment)
 {
     static const auto wait = real<int(pthread_cond_t *, pthread_mutex_t *, const timespec *)>("pthread_cond_timedwait");
-    const timespec until = hasStationClock() ? realMoment(*moment) : *moment;
-    return wait(condition, mutex, &until);
+    if (!hasStationClock())
+        return wait(condition, mutex, moment);
+    return waitUntil(*moment, [&](const timespec &until) { return wait(condition, mutex, &until); });
 }
 
 int pthread_cond_clockwait(pthread_cond_t *condition, pthread_mutex_t *mutex, clockid_t id, const timespec *moment)
 {
     static const auto wait =
         real<int(pthread_cond_t *, pthread_mutex_t *, clockid_t, const timespec *)>("pthread_cond_clockwait");
-    const timespec until = hasStationClock() ? realMoment(*moment) : *moment;
-    return wait(condition, mutex, id, &until);
+    if (!hasStationClock())
+        return wait(condition, mutex, id, moment);
+    return waitUntil(*moment, [&](const timespec &until) { return wait(condition, mutex, id, &until); });
 }
 
 } // extern "C"

@@ -11,7 +11,7 @@
 ///   TORTURE_KILL    OPERATION:SUFFIX:N:MOMENT ends the station at its Nth such operation on a file whose name ends so;
 ///                   MOMENT is before, half or after; may be missing
 ///   TORTURE_SPLASH  milliseconds that a long sleep of the main thread takes; may be missing
-///   TORTURE_CLOCK   START:FACTOR:BASE, a clock that runs so many times faster and showed START, in Unix seconds, when
+///   TORTURE_CLOCK   START:BASE, a clock of the station's own (StationClock) that showed START, in Unix seconds, when
 ///   the
 ///                   monotonic clock showed BASE nanoseconds; may be missing
 ///   TORTURE_RIGHTS  none: what permissions forbid is forbidden to the superuser, too; may be missing
@@ -23,6 +23,7 @@ constexpr int mostLoggers = 64;
 struct LoggerCount
 {
     std::atomic<uint32_t> port;
+    std::atomic<uint32_t> asked; ///< polls written
     std::atomic<uint32_t> taken; ///< read from the socket
     std::atomic<uint32_t> shown; ///< and the main thread has done with them what it does: it waits for events again
 };
@@ -31,6 +32,7 @@ struct WatchState
 {
     LoggerCount loggers[mostLoggers];
     std::atomic<uint32_t> isKilled; ///< by TORTURE_KILL
+    std::atomic<int64_t> passedNs;  ///< by TORTURE_CLOCK
 };
 
 enum class Operation : uint32_t {

@@ -22,6 +22,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 using watch::Operation;
 using watch::WatchedFiles;
@@ -32,6 +33,16 @@ constexpr int mostSockets = 4096;
 constexpr size_t pageSize = 4096;
 
 int socketPorts[mostSockets];
+bool areOpening[mostSockets];
+int openings = 0; ///< connections that are being made
+
+void opening(int descriptor, bool isOpening)
+{
+    if (areOpening[descriptor] == isOpening)
+        return;
+    areOpening[descriptor] = isOpening;
+    openings += isOpening ? 1 : -1;
+}
 
 template <typename Function>
 Function *real(const char *name)
@@ -66,6 +77,31 @@ void took(int descriptor, const char *bytes, ssize_t size)
         count->taken += uint32_t(std::count(bytes, bytes + size, '\n'));
 }
 
+void beginConnecting(int descriptor, int port)
+{
+    socketPorts[descriptor] = port;
+    opening(descriptor, true);
+}
+
+void asked(int descriptor, const char *bytes, size_t size)
+{
+    if (descriptor < 0 || descriptor >= mostSockets || socketPorts[descriptor] == 0)
+        return;
+    opening(descriptor, false);
+    if (watch::LoggerCount *count = countOf(socketPorts[descriptor]))
+        count->asked += uint32_t(std::count(bytes, bytes + size, '\n'));
+}
+
+/// What is owed on a connection that is closed does not come.
+void forget(int descriptor)
+{
+    if (socketPorts[descriptor] == 0)
+        return;
+    opening(descriptor, false);
+    if (watch::LoggerCount *count = countOf(std::exchange(socketPorts[descriptor], 0)))
+        count->asked = count->taken.load();
+}
+
 /// The main thread waits for events: what it has read it has queued and shown.
 void turnEnds()
 {
@@ -80,6 +116,31 @@ void turnEnds()
         count.shown = count.taken.load();
         WatchedFiles::instance().noteShown(count.port, count.shown);
     }
+}
+
+/// Whether a connection is being made, or a poll was written and not answered.
+bool isAnswerOwed()
+{
+    if (openings > 0)
+        return true;
+    for (const watch::LoggerCount &count : watch::watchState()->loggers) {
+        if (count.asked > count.taken)
+            return true;
+    }
+    return false;
+}
+
+int pollLoggersFirst(pollfd *descriptors, nfds_t count, const timespec *timeout)
+{
+    const bool isOwed = isAnswerOwed();
+    const int ready = pollByStationClock(descriptors, count, timeout, isOwed);
+    // It does not come any more.
+    if (isOwed && ready == 0) {
+        openings = 0;
+        for (watch::LoggerCount &logger : watch::watchState()->loggers)
+            logger.asked = logger.taken.load();
+    }
+    return ready;
 }
 
 /// Carries an operation out, unless the station is to be ended before or in the middle of it.
@@ -208,7 +269,7 @@ int close(int descriptor)
     static const auto close = real<int(int)>("close");
     WatchedFiles::instance().closed(descriptor);
     if (descriptor >= 0 && descriptor < mostSockets)
-        socketPorts[descriptor] = 0;
+        forget(descriptor);
     return close(descriptor);
 }
 
@@ -216,6 +277,7 @@ ssize_t write(int descriptor, const void *bytes, size_t size)
 {
     static const auto write = real<ssize_t(int, const void *, size_t)>("write");
     WatchedFiles &files = WatchedFiles::instance();
+    asked(descriptor, static_cast<const char *>(bytes), size);
     if (!files.isWatched(descriptor))
         return write(descriptor, bytes, size);
     const off_t offset = ::lseek(descriptor, 0, SEEK_CUR);
@@ -324,7 +386,7 @@ int connect(int descriptor, const sockaddr *address, socklen_t size)
 {
     static const auto connect = real<int(int, const sockaddr *, socklen_t)>("connect");
     if (descriptor >= 0 && descriptor < mostSockets && address->sa_family == AF_INET)
-        socketPorts[descriptor] = ntohs(reinterpret_cast<const sockaddr_in *>(address)->sin_port);
+        beginConnecting(descriptor, ntohs(reinterpret_cast<const sockaddr_in *>(address)->sin_port));
     return connect(descriptor, address, size);
 }
 
@@ -340,9 +402,11 @@ int ppoll(pollfd *descriptors, nfds_t count, const timespec *timeout, const sigs
 {
     static const auto ppoll = real<int(pollfd *, nfds_t, const timespec *, const sigset_t *)>("ppoll");
     turnEnds();
+    if (hasStationClock() && isMainThread())
+        return pollLoggersFirst(descriptors, count, timeout);
     if (!timeout)
         return ppoll(descriptors, count, nullptr, mask);
-    const timespec duration = realDuration(*timeout);
+    const timespec duration = shortDuration(*timeout);
     return ppoll(descriptors, count, &duration, mask);
 }
 
@@ -358,14 +422,18 @@ int clock_nanosleep(clockid_t clock, int flags, const timespec *time, timespec *
     static const char *const splash = ::getenv("TORTURE_SPLASH");
     if (flags != 0)
         return sleep(clock, flags, time, left);
-    timespec duration = realDuration(*time);
+    // What is left is asked for after a signal; nobody here minds a shorter sleep then.
+    if (left)
+        *left = {};
+    if (hasStationClock() && isMainThread()) {
+        sleepByStationClock(*time);
+        return 0;
+    }
+    timespec duration = shortDuration(*time);
     if (splash && *splash != '\0' && time->tv_sec >= 2 && isMainThread()) {
         const int milliseconds = std::atoi(splash);
         duration = {milliseconds / 1000, milliseconds % 1000 * 1000000L};
     }
-    // What is left is asked for after a signal; nobody here minds a shorter sleep then.
-    if (left)
-        *left = {};
     return sleep(clock, flags, &duration, nullptr);
 }
 
