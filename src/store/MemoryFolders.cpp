@@ -30,19 +30,17 @@ bool makeOwnFolder(const QString &path)
 }
 #endif
 
+#ifdef Q_OS_LINUX
 /// Writing into the mapped file of a disk may wait for it.
 bool isInMemory(const QString &folder)
 {
-#ifdef Q_OS_LINUX
     constexpr decltype(statfs::f_type) tmpfs = 0x01021994;
     constexpr decltype(statfs::f_type) ramfs = 0x858458f6;
     struct statfs status = {};
     return ::statfs(QFile::encodeName(folder).constData(), &status) == 0 &&
            (status.f_type == tmpfs || status.f_type == ramfs);
-#else
-    return QFile::exists(folder);
-#endif
 }
+#endif
 
 QStringList candidates()
 {
