@@ -139,7 +139,7 @@ bool ReadingSpool::write(SpoolFile &file, std::unique_lock<std::mutex> &lock)
     const bool isWritten = hasNothingToDo || file.write(change);
     tell(isWritten, file.errorText());
     if (isLost)
-        emit lost();
+        QMetaObject::invokeMethod(this, &ReadingSpool::lost, Qt::QueuedConnection);
     lock.lock();
     if (!isWritten) {
         // What came meanwhile stands behind it.
@@ -156,9 +156,10 @@ void ReadingSpool::tell(bool works, const QString &error)
     if (m_works.exchange(works) == works)
         return;
     if (works) {
-        emit restored();
+        QMetaObject::invokeMethod(this, &ReadingSpool::restored, Qt::QueuedConnection);
         return;
     }
     qCWarning(lcSpool).noquote().nospace() << "ReadingSpool::write : [ERROR] " << m_path << " : " << error;
-    emit failed(error);
+    QMetaObject::invokeMethod(
+        this, [this, error] { emit failed(error); }, Qt::QueuedConnection);
 }

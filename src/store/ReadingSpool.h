@@ -40,6 +40,7 @@ public:
     /// which none wait is deleted.
     bool finish(const std::vector<PendingRow> &left);
 
+    // From the owner's event loop, so that nobody who connects before it runs misses what the thread told at once.
 signals:
     /// Rows do not reach the disk. They are tried again until restored().
     void failed(const QString &reason);

@@ -37,6 +37,7 @@ private slots:
     void logBesideAnEmptyFileIsKept();
     void tornLogCostsItsEndOnly();
     void troubleIsToldAndOver();
+    void troubleThatComesAtOnceIsTold();
     void deletedFileIsMadeAnew();
     void rowsInMemoryAreBounded();
     void logStaysBounded();
@@ -432,6 +433,17 @@ void tst_ReadingSpool::rowsInMemoryAreBounded()
     QCOMPARE(dropped.first().first().toInt(), 3);
     QCOMPARE(other.rows("select count(*) from ostrivane"),
              QStringList(QString::number(InsertSerialData::mostRowsInMemory)));
+}
+
+/// The thread may be in trouble before anybody listens.
+void tst_ReadingSpool::troubleThatComesAtOnceIsTold()
+{
+    SpoolChange change;
+    change.rows.push_back(numbered(1, row("0200AA000001", 1700000000)));
+    ReadingSpool readings(m_recording->folder() + "/none/Kitchen.dat.spool", 0, {}, change);
+    readings.finish({});
+    const QSignalSpy failed(&readings, &ReadingSpool::failed);
+    QTRY_COMPARE(failed.count(), 1);
 }
 
 /// Weeks of a recording that somebody keeps locked.
