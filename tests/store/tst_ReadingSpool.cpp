@@ -440,7 +440,8 @@ void tst_ReadingSpool::troubleThatComesAtOnceIsTold()
 {
     SpoolChange change;
     change.rows.push_back(numbered(1, row("0200AA000001", 1700000000)));
-    ReadingSpool readings(m_recording->folder() + "/none/Kitchen.dat.spool", 0, {}, change);
+    ReadingSpool readings(m_recording->folder() + "/none/Kitchen.dat.spool");
+    readings.bring(change);
     readings.finish({});
     const QSignalSpy failed(&readings, &ReadingSpool::failed);
     QTRY_COMPARE(failed.count(), 1);
