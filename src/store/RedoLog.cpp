@@ -93,14 +93,11 @@ std::unique_ptr<RedoLog> RedoLog::open(const QString &databaseFile, const QStrin
     const QStringList tried = left == folders.cend() ? folders : QStringList(*left);
     for (const QString &folder : tried) {
         std::unique_ptr<RedoLog> log(new RedoLog(folder + name));
-        if (!log->m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-            warn(log->path(), log->m_file.errorString());
-        else if (!isLocked(log->m_file))
-            warn(log->path(), QStringLiteral("in use"));
-        else if (log->openExisting(recording) || log->make(recording))
+        const bool isOpen = log->m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered);
+        const bool isOurs = isOpen && isLocked(log->m_file);
+        if (isOurs && (log->openExisting(recording) || log->make(recording)))
             return log;
-        else
-            warn(log->path(), log->m_file.errorString());
+        warn(log->path(), isOpen && !isOurs ? QStringLiteral("in use") : log->m_file.errorString());
     }
     if (folders.isEmpty())
         warn(databaseFile, QStringLiteral("no folder in memory"));
@@ -219,7 +216,7 @@ quint64 RedoLog::read(SpoolChange &content) const
 bool RedoLog::append(const SpoolChange &change)
 {
     const QByteArray bytes = packedChange(change);
-    if (!makeRoomFor(quint64(frameSize + bytes.size())))
+    if (!makeRoomFor(frameSize + quint64(bytes.size())))
         return false;
     const quint64 position = end();
     QByteArray frame;

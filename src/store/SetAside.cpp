@@ -12,7 +12,7 @@ namespace {
 QString freeName(const QString &path, const QString &word, const QStringList &endings)
 {
     for (int number = 1;; ++number) {
-        const QString name = QStringLiteral("%1.%2-%3").arg(path, word).arg(number);
+        QString name = QStringLiteral("%1.%2-%3").arg(path, word).arg(number);
         // What stands there of a file whose setting aside was cut off is its own.
         const auto isTaken = [&path, &name](const QString &ending) {
             return QFile::exists(path + ending) && QFile::exists(name + ending);
@@ -28,7 +28,7 @@ QString setAside(const QString &path, const QString &word, const QStringList &en
 {
     // What belongs to the file goes first: beside another file of its name, a log would bring its rows into that.
     const QStringList parts = endings + QStringList(QString());
-    const QString name = freeName(path, word, parts);
+    QString name = freeName(path, word, parts);
     QStringList renamed;
     for (const QString &part : parts) {
         if (!part.isEmpty() && !QFile::exists(path + part))

@@ -32,7 +32,7 @@ QString finishSpoolReplacement(const QString &path)
 {
     if (!QFile::exists(replacementOf(path)))
         return {};
-    const QString aside = QFile::exists(path) ? SpoolFile::setAside(path) : SpoolFile::lastSetAside(path);
+    QString aside = QFile::exists(path) ? SpoolFile::setAside(path) : SpoolFile::lastSetAside(path);
     // Left for later, it would replace what is written meanwhile.
     if (QFile::exists(path) || !QFile::rename(replacementOf(path), path))
         QFile::remove(replacementOf(path));

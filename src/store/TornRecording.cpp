@@ -18,7 +18,7 @@ QString placeOfSalvaged(const QString &path)
     return path + QLatin1String(".salvaged");
 }
 
-void warn(const QString &path, const QString &reason)
+void warnNotReplaced(const QString &path, const QString &reason)
 {
     qCWarning(lcStore).noquote().nospace()
         << "InsertSerialData::createConnection : [ERROR] torn, and not to be replaced : " << path << " : " << reason;
@@ -34,7 +34,7 @@ QString salvaged(PageFile &file, const QString &path, const SalvageProgress &pro
     torn.rows = int(std::min<qint64>(result.rows, std::numeric_limits<int>::max()));
     if (result.complete && (!QFile::exists(whole) || QFile::remove(whole)) && QFile::rename(part, whole))
         return whole;
-    warn(path, result.error);
+    warnNotReplaced(path, result.error);
     QFile::remove(part);
     return {};
 }
@@ -55,7 +55,7 @@ QString exchange(const QString &path, const QString &replacement)
     // Without either in its place, the next opening needs it.
     if (aside.isEmpty() || QFile::rename(aside, path))
         QFile::remove(replacement);
-    warn(path, QStringLiteral("it cannot be renamed"));
+    warnNotReplaced(path, QStringLiteral("it cannot be renamed"));
     return {};
 }
 
@@ -67,7 +67,7 @@ TornRecording replaceTornRecording(const QString &path, const SalvageProgress &p
     QString replacement;
     finishEarlierReplacement(path);
     if (!QFile::exists(path) && QFile::exists(placeOfSalvaged(path))) {
-        warn(path, QStringLiteral("what was saved of it cannot be renamed"));
+        warnNotReplaced(path, QStringLiteral("what was saved of it cannot be renamed"));
         torn.mustStay = true;
         return torn;
     }
