@@ -119,6 +119,9 @@ void tst_FullDisk::fullDiskLeavesTheProjectFile()
 
     Filler filler(m_disk);
     QVERIFY(filler.fillUpTo(0));
+    // Without a reading that waits the station would take its spool away, and have that room for the project file.
+    const int served = e2e.served(0).count();
+    QVERIFY2(e2e.waitUntil([&] { return e2e.haveServed(served + 3); }), station.lastWords());
     const QByteArray project = contentOf(e2e.projectFile());
     const QList<RecordedRow> before = e2e.rows();
     QVERIFY(!project.isEmpty());

@@ -53,6 +53,7 @@ private slots:
     void pollLateByAThird();
     void twoPollsInOneSecond();
     void driftingClock();
+    void beatLostToDisplayPolls();
     void beforeTheRecording();
     void loggerThatIsNeverRecorded();
     void nothingAtAll();
@@ -275,6 +276,23 @@ void tst_ServedCheck::driftingClock()
         m_check.addRow(logger, (pollMs(round) - round * 7) / 1000);
     }
     COMPARE_TALLY((), (), ());
+}
+
+/// While record polls are missing, display polls that follow each other by a little more than a second are taken for
+/// them.
+void tst_ServedCheck::beatLostToDisplayPolls()
+{
+    serve();
+    for (auto &[key, polls] : m_polls)
+        polls.erase(polls.begin() + 20, polls.begin() + 22);
+    refresh(20, 90);
+    refresh(21, 180);
+    refresh(40, 300);
+    record({20, 21});
+    m_check.addRow(logger, secondOf(20));
+    m_check.addRow(logger, secondOf(21));
+    // One record poll after them is taken for a display poll; the others are not.
+    COMPARE_TALLY((), ({secondOf(23)}), ());
 }
 
 void tst_ServedCheck::beforeTheRecording()

@@ -9,6 +9,9 @@ namespace {
 
 constexpr qint64 beatMs = 1000;
 constexpr qint64 binMs = 20;
+/// So many rounds of a single poll, each as far off the beat as the one before, are the beat: display polls come
+/// seldom.
+constexpr int roundsOffBeat = 3;
 
 /// Where in the second most polls come: record polls are by far the most frequent.
 qint64 phaseOf(const std::vector<qint64> &polledMs)
@@ -38,6 +41,29 @@ PollRound roundOf(std::vector<qint64> polledMs, qint64 expectedMs)
     return {pollMs, polledMs};
 }
 
+/// Where the beat goes on to after a round, as both clocks may drift apart in the course of hours; it may also have
+/// been lost to display polls while record polls were late.
+class Beat
+{
+public:
+    /// The time from which the next round is expected a beat later.
+    qint64 after(const PollRound &round, qint64 expectedMs)
+    {
+        if (qAbs(round.pollMs - expectedMs) <= roundLeadMs) {
+            m_offBeat = 0;
+            return round.pollMs;
+        }
+        const bool isNext = round.refreshesMs.empty() && qAbs(round.pollMs - m_lastMs - beatMs) <= binMs;
+        m_offBeat = round.refreshesMs.empty() ? (isNext ? m_offBeat : 0) + 1 : 0;
+        m_lastMs = round.pollMs;
+        return m_offBeat >= roundsOffBeat ? round.pollMs : expectedMs;
+    }
+
+private:
+    qint64 m_lastMs = 0;
+    int m_offBeat = 0;
+};
+
 } // namespace
 
 std::vector<PollRound> pollRounds(const std::vector<qint64> &polledMs)
@@ -46,6 +72,7 @@ std::vector<PollRound> pollRounds(const std::vector<qint64> &polledMs)
     auto next =
         std::find_if(polledMs.begin(), polledMs.end(), [phaseMs](qint64 polled) { return isOnBeat(polled, phaseMs); });
     std::vector<PollRound> rounds;
+    Beat beat;
     for (qint64 expectedMs = next == polledMs.end() ? 0 : *next; next != polledMs.end(); expectedMs += beatMs) {
         std::vector<qint64> polls;
         for (; next != polledMs.end() && *next < expectedMs + beatMs - roundLeadMs; ++next)
@@ -53,9 +80,7 @@ std::vector<PollRound> pollRounds(const std::vector<qint64> &polledMs)
         if (polls.empty())
             continue;
         rounds.push_back(roundOf(polls, expectedMs));
-        // Both clocks may drift apart in the course of hours.
-        if (qAbs(rounds.back().pollMs - expectedMs) <= roundLeadMs)
-            expectedMs = rounds.back().pollMs;
+        expectedMs = beat.after(rounds.back(), expectedMs);
     }
     return rounds;
 }
