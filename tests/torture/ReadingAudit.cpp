@@ -11,6 +11,9 @@ namespace {
 // which one is never answered the station takes the later for the one that was, so its time may also be after the
 // answer's.
 constexpr qint64 mostSecondsBetween = 15;
+// Started again, the station dates its first reading early by the splash's wait. Equal rows of one second are one row
+// when they come into the same batch, as they do when the first rows of a recording are brought back.
+constexpr qint64 mostSecondsBetweenEqual = 4;
 
 } // namespace
 
@@ -75,7 +78,8 @@ void ReadingAudit::judge(const Logger &logger, const QList<RecordedRow> &rows, V
     for (const bool isExcused : {false, true}) {
         for (int reading = 0; reading < logger.served->count(); ++reading) {
             served.insert(logger.served->at(reading));
-            if (logger.excused.contains(reading) == isExcused && !takeRow(logger, reading, left) && !isExcused)
+            if (logger.excused.contains(reading) == isExcused && !takeRow(logger, reading, left) && !isExcused &&
+                !isOneWithAnEarlier(logger, reading))
                 verdict.lost += describe(logger, reading);
         }
     }
@@ -100,6 +104,18 @@ bool ReadingAudit::takeRow(const Logger &logger, int reading, Rows &rows)
             rows.erase(row);
             return true;
         }
+    }
+    return false;
+}
+
+bool ReadingAudit::isOneWithAnEarlier(const Logger &logger, int reading)
+{
+    const int start = *std::prev(std::upper_bound(logger.starts.cbegin(), logger.starts.cend(), reading));
+    for (int earlier = start - 1; earlier >= 0; --earlier) {
+        if (logger.served->timeOf(reading) - logger.served->timeOf(earlier) > mostSecondsBetweenEqual)
+            return false;
+        if (logger.served->at(earlier) == logger.served->at(reading))
+            return true;
     }
     return false;
 }

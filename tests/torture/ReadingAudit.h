@@ -54,6 +54,8 @@ private:
     static void judge(const Logger &logger, const QList<RecordedRow> &rows, Verdict &verdict);
     static bool isOfTime(const Logger &logger, int reading, qint64 time);
     static bool takeRow(const Logger &logger, int reading, Rows &rows);
+    /// Whether the row of an equal reading from the end of the round before stands for this one, too.
+    static bool isOneWithAnEarlier(const Logger &logger, int reading);
     static QString describe(const Logger &logger, int reading);
 
     std::vector<Logger> m_loggers;

@@ -27,6 +27,7 @@ private slots:
     void everythingIsThere();
     void lostReading();
     void lostReadingOfTwoAlike();
+    void equalReadingsOfTwoRoundsMayBeOne();
     void doubledReading();
     void readingUnderAForeignKey();
     void readingOfNobody();
@@ -75,6 +76,15 @@ void tst_ReadingAudit::lostReading()
 void tst_ReadingAudit::lostReadingOfTwoAlike()
 {
     m_one->append("21.50,45.10");
+    QCOMPARE(m_audit->judge(m_rows).lost.size(), 1);
+}
+
+void tst_ReadingAudit::equalReadingsOfTwoRoundsMayBeOne()
+{
+    m_audit->beginRound();
+    m_one->append("21.50,45.10");
+    QCOMPARE(m_audit->judge(m_rows).lost, QStringList());
+    m_rows.removeFirst();
     QCOMPARE(m_audit->judge(m_rows).lost.size(), 1);
 }
 
