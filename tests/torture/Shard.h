@@ -5,8 +5,8 @@
 #include <QRandomGenerator>
 #include <QString>
 
-/// A part of a row that one process carries out: so many rounds with moments of their own, which depend on the seed,
-/// the row and the part's number only.
+/// What one process carries out of a row: so many rounds with moments of their own, which depend on the seed, the row
+/// and the process's number only.
 class Shard
 {
 public:
